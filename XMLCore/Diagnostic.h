@@ -1,0 +1,139 @@
+#pragma once
+
+#include "RecordArray.h"
+#include "SourceText.h"
+#include "TextEdit.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// One problem in a text, with the edits that would mend it where that is plain. Messages and titles are
+/// Spanish, for the user as they stand; names in them come from the document and are plain text.
+struct Diagnostic {
+    enum class Severity : std::uint8_t { error, warning };
+
+    struct Fix {
+        std::u16string title;
+        std::vector<TextEdit> edits; ///< To be applied as one change.
+
+        bool operator==(const Fix&) const = default;
+    };
+
+    SourceRange range; ///< What the problem points at.
+    std::u16string message;
+    Severity severity = Severity::error;
+    std::optional<Fix> fix;
+
+    bool operator==(const Diagnostic&) const = default;
+};
+
+template <>
+struct std::hash<Diagnostic> {
+    std::size_t operator()(const Diagnostic& diagnostic) const noexcept {
+        return hashOf(diagnostic.range, diagnostic.message, static_cast<int>(diagnostic.severity));
+    }
+};
+
+/// A diagnostic as the parser notes it: enough to compose the `Diagnostic` from the text when somebody wants
+/// to see it. A hostile document has millions.
+struct DiagnosticRecord {
+    enum class Rule : std::uint8_t {
+        unescapedLessThan,
+        unescapedAmpersand,
+        textOutsideRoot,
+        unterminatedComment,
+        unterminatedCDATA,
+        unterminatedInstruction,
+        unterminatedDeclaration,
+        missingTagName,
+        unexpectedInTag,
+        unterminatedStartTag,
+        secondRoot,
+        duplicateAttribute,
+        attributeWithoutValue,
+        unquotedValue,
+        unclosedQuote,
+        unterminatedEndTag,
+        unexpectedInEndTag,
+        unmatchedEndTag,
+        unclosedElement,
+        noRoot,
+    };
+
+    SourceRange range;
+    Offset fixOffset = 0; ///< Where the fix inserts; unused where it replaces `range` or there is none.
+    Rule rule = Rule::noRoot;
+
+    Diagnostic::Severity severity() const;
+};
+static_assert(sizeof(DiagnosticRecord) == 16);
+
+/// The diagnostics of a text, in ascending order of `range.lower`. Looks like an array of `Diagnostic`, each
+/// composed when it is asked for.
+class DiagnosticList {
+public:
+    class Iterator;
+
+    DiagnosticList() = default;
+
+    /// `records` of `text`, in order.
+    DiagnosticList(SourceText text, RecordArray<DiagnosticRecord> records);
+
+    std::size_t size() const { return m_records.size(); }
+    bool empty() const { return m_records.empty(); }
+
+    Diagnostic operator[](std::size_t index) const;
+    Iterator begin() const;
+    Iterator end() const;
+
+    /// The range and the severity alone, without composing anything.
+    SourceRange range(std::size_t index) const { return m_records[index].range; }
+    Diagnostic::Severity severity(std::size_t index) const { return m_records[index].severity(); }
+
+    /// The position of the first diagnostic whose range starts at or after `from`.
+    std::size_t firstIndex(Offset from) const;
+
+    /// The number of diagnostics of severity `error`.
+    std::size_t errorCount() const { return m_errorCount; }
+
+    /// Takes the storage of the records away, for another parse to use again.
+    RecordArray<DiagnosticRecord> releaseRecords() { return std::move(m_records); }
+
+private:
+    SourceText m_text;
+    RecordArray<DiagnosticRecord> m_records;
+    std::size_t m_errorCount = 0;
+};
+
+class DiagnosticList::Iterator {
+public:
+    using value_type = Diagnostic;
+    using difference_type = std::ptrdiff_t;
+    using iterator_category = std::input_iterator_tag;
+
+    Iterator() = default;
+    Iterator(const DiagnosticList& list, std::size_t index) : m_list(&list), m_index(index) {}
+
+    Diagnostic operator*() const { return (*m_list)[m_index]; }
+    Iterator& operator++() {
+        ++m_index;
+        return *this;
+    }
+    Iterator operator++(int) {
+        const Iterator before = *this;
+        ++*this;
+        return before;
+    }
+    bool operator==(const Iterator&) const = default;
+
+private:
+    const DiagnosticList* m_list = nullptr;
+    std::size_t m_index = 0;
+};
+
+inline DiagnosticList::Iterator DiagnosticList::begin() const { return {*this, 0}; }
+inline DiagnosticList::Iterator DiagnosticList::end() const { return {*this, size()}; }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+/// One hash for all of `fields`, in order; what `std::hash` of a plain value is made of.
+template <class... Fields>
+std::size_t hashOf(const Fields&... fields) {
+    std::size_t hash = 0;
+    ((hash = (hash ^ std::hash<Fields>()(fields)) * 0x9E3779B97F4A7C15U, hash ^= hash >> 32), ...);
+    return hash;
+}

@@ -1,0 +1,88 @@
+#include "SourceText.h"
+
+#include "UnitScan.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+} // namespace
+
+SourceText::SourceText(std::u16string_view units) : m_count(units.size()) {
+    precondition(units.size() <= std::numeric_limits<Offset>::max(), "a text has at most 4294967295 units");
+    auto storage = std::make_shared_for_overwrite<char16_t[]>(units.size());
+    std::ranges::copy(units, storage.get());
+    m_storage = std::move(storage);
+}
+
+SourceText::SourceText(std::shared_ptr<const char16_t[]> storage, std::size_t count)
+    : m_storage(std::move(storage)), m_count(count) {
+    precondition(count <= std::numeric_limits<Offset>::max(), "a text has at most 4294967295 units");
+}
+
+std::u16string_view SourceText::units(SourceRange range) const {
+    precondition(range.upper <= m_count, "the range lies inside the text");
+    return units().substr(range.lower, range.length());
+}
+
+std::u16string SourceText::string() const { return repaired(units()); }
+
+std::u16string SourceText::string(SourceRange range) const { return repaired(units(range)); }
+
+bool SourceText::isWhitespace(SourceRange range) const {
+    const std::u16string_view part = units(range);
+    const char16_t* const end = part.data() + part.size();
+    return UnitScan::findNonWhitespace(part.data(), end) == end;
+}
+
+bool SourceText::hasPrefix(std::u16string_view prefix, Offset at) const {
+    return at <= m_count && units().substr(at).starts_with(prefix);
+}
+
+bool SourceText::equals(SourceRange first, SourceRange second) const { return units(first) == units(second); }
+
+bool SourceText::equals(SourceRange range, std::u16string_view string) const { return units(range) == string; }
+
+Offset SourceText::lineStart(Offset at) const {
+    const std::size_t from = std::min<std::size_t>(at, m_count);
+    const std::size_t lineFeed = from == 0 ? std::u16string_view::npos : units().rfind(u'\n', from - 1);
+    return lineFeed == std::u16string_view::npos ? 0 : static_cast<Offset>(lineFeed + 1);
+}
+
+Offset SourceText::lineEnd(Offset at) const {
+    const std::u16string_view all = units();
+    const char16_t* const textEnd = all.data() + all.size();
+    const std::size_t from = std::min<std::size_t>(at, m_count);
+    const std::size_t end = UnitScan::findAny(all.data() + from, textEnd, u'\n') - all.data();
+    const bool mayFollowCarriageReturn = end == m_count ? end > 0 : end > from;
+    return static_cast<Offset>(mayFollowCarriageReturn && all[end - 1] == u'\r' ? end - 1 : end);
+}
+
+std::u16string SourceText::indentation(Offset ofLineAt) const {
+    const std::u16string_view line = units().substr(lineStart(ofLineAt));
+    const std::size_t end = line.find_first_not_of(u" \t");
+    return std::u16string(line.substr(0, end));
+}
+
+std::u16string_view SourceText::lineEnding() const {
+    const std::u16string_view all = units();
+    const char16_t* const end = all.data() + all.size();
+    const char16_t* const lineFeed = UnitScan::findAny(all.data(), end, u'\n');
+    return lineFeed != end && lineFeed != all.data() && lineFeed[-1] == u'\r' ? u"\r\n" : u"\n";
+}
+
+std::u16string repaired(std::u16string_view units) {
+    std::u16string string(units);
+    for (std::size_t i = 0; i < string.size(); ++i) {
+        if (isHighSurrogate(string[i]) && i + 1 < string.size() && isLowSurrogate(string[i + 1])) {
+            ++i;
+        } else if (isHighSurrogate(string[i]) || isLowSurrogate(string[i])) {
+            string[i] = u'\uFFFD';
+        }
+    }
+    return string;
+}

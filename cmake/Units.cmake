@@ -1,0 +1,21 @@
+# How every target of the project is compiled.
+
+add_library(tamo_options INTERFACE)
+target_compile_options(tamo_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(TAMO_SANITIZERS)
+    target_compile_options(tamo_options INTERFACE
+        -fsanitize=${TAMO_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tamo_options INTERFACE -fsanitize=${TAMO_SANITIZERS})
+endif()
+
+# tamo_units(TARGET): compiles every .cpp of the current folder into TARGET, a static library.
+function(tamo_units target)
+    file(GLOB units CONFIGURE_DEPENDS *.cpp *.h)
+    if(NOT ARGN STREQUAL "")
+        list(FILTER units EXCLUDE REGEX "${ARGN}")
+    endif()
+    add_library(${target} STATIC ${units})
+    target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${target} PRIVATE tamo_options)
+endfunction()
