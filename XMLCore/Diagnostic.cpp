@@ -36,7 +36,8 @@ std::u16string startTagName(const SourceText& text, SourceRange range) {
 std::u16string endTagName(const SourceText& text, SourceRange range) {
     const std::u16string_view tag = text.units(range).substr(2);
     const bool hasName = !tag.empty() && UnitScan::isNameStart(tag.front());
-    const char16_t* const end = hasName ? UnitScan::findNameEnd(tag.data(), tag.data() + tag.size()) : tag.data();
+    const char16_t* const end =
+        hasName ? UnitScan::findNameEnd(tag.data(), tag.data() + tag.size()) : tag.data();
     return repaired({tag.data(), end});
 }
 
@@ -113,7 +114,8 @@ std::optional<Fix> fix(const DiagnosticRecord& record, const SourceText& text) {
     case Rule::unclosedElement: {
         // What is inserted into the source repeats the name exactly; what is shown is repaired.
         const std::u16string_view name = text.units(record.range);
-        return insertion(u"Cerrar <" + text.string(record.range) + u">", u"</" + std::u16string(name) + u">", at);
+        return insertion(u"Cerrar <" + text.string(record.range) + u">", u"</" + std::u16string(name) + u">",
+                         at);
     }
     case Rule::textOutsideRoot:
     case Rule::missingTagName:
@@ -146,7 +148,7 @@ Diagnostic DiagnosticList::operator[](std::size_t index) const {
 }
 
 std::size_t DiagnosticList::firstIndex(Offset from) const {
-    const auto first = std::ranges::lower_bound(m_records, from, {},
-                                                [](const DiagnosticRecord& record) { return record.range.lower; });
+    const auto first = std::ranges::lower_bound(
+        m_records, from, {}, [](const DiagnosticRecord& record) { return record.range.lower; });
     return static_cast<std::size_t>(first - m_records.begin());
 }

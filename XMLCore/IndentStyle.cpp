@@ -24,7 +24,8 @@ IndentStyle IndentStyle::detect(const SourceText& in, int maxLines) {
         if (*line == u'\t') {
             ++tabLines;
         } else {
-            const char16_t* const text = std::find_if(line, lineEnd, [](char16_t unit) { return unit != u' '; });
+            const char16_t* const text =
+                std::find_if(line, lineEnd, [](char16_t unit) { return unit != u' '; });
             const std::ptrdiff_t width = text - line;
             spaceLines += width > 0 ? 1 : 0;
             const bool isBlank = text == lineEnd || *text == u'\r';

@@ -37,5 +37,7 @@ private:
 
 template <>
 struct std::hash<IndentStyle> {
-    std::size_t operator()(IndentStyle style) const noexcept { return hashOf(style.usesTabs(), style.width()); }
+    std::size_t operator()(IndentStyle style) const noexcept {
+        return hashOf(style.usesTabs(), style.width());
+    }
 };

@@ -66,7 +66,8 @@ Token Lexer::entity() {
         stop = UnitScan::findNameEnd(first + 1, at(end));
     }
     const bool isReference = stop > first && stop < at(end) && *stop == u';';
-    return isReference ? take(Token::Kind::entity, stop + 1 - at(0)) : take(Token::Kind::invalid, position + 1);
+    return isReference ? take(Token::Kind::entity, stop + 1 - at(0))
+                       : take(Token::Kind::invalid, position + 1);
 }
 
 std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range) {

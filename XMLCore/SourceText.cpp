@@ -45,7 +45,9 @@ bool SourceText::hasPrefix(std::u16string_view prefix, Offset at) const {
 
 bool SourceText::equals(SourceRange first, SourceRange second) const { return units(first) == units(second); }
 
-bool SourceText::equals(SourceRange range, std::u16string_view string) const { return units(range) == string; }
+bool SourceText::equals(SourceRange range, std::u16string_view string) const {
+    return units(range) == string;
+}
 
 Offset SourceText::lineStart(Offset at) const {
     const std::size_t from = std::min<std::size_t>(at, m_count);

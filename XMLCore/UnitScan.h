@@ -14,8 +14,8 @@
 namespace UnitScan {
 
 namespace CharacterClass {
-inline constexpr std::uint8_t nameStart = 1; ///< A letter, `:`, `_` or any unit of 128 and above.
-inline constexpr std::uint8_t name = 2;      ///< A name-start unit, digit, `-` or `.`.
+inline constexpr std::uint8_t nameStart = 1;  ///< A letter, `:`, `_` or any unit of 128 and above.
+inline constexpr std::uint8_t name = 2;       ///< A name-start unit, digit, `-` or `.`.
 inline constexpr std::uint8_t whitespace = 4; ///< Space, tab, LF or CR.
 } // namespace CharacterClass
 
@@ -69,8 +69,7 @@ inline const char16_t* find(const char16_t* from, const char16_t* end, VectorTes
 template <class... Units>
 inline const char16_t* findAny(const char16_t* from, const char16_t* end, Units... wanted) {
     return find(
-        from, end,
-        [=](UnitVector units) { return ((units == UnitVector::all(wanted)) | ...).mask(); },
+        from, end, [=](UnitVector units) { return ((units == UnitVector::all(wanted)) | ...).mask(); },
         [=](char16_t unit) { return ((unit == wanted) || ...); });
 }
 
@@ -96,7 +95,8 @@ inline const char16_t* findNonWhitespace(const char16_t* from, const char16_t* e
         from, end,
         [](UnitVector units) {
             const auto all = [](char16_t unit) { return UnitVector::all(unit); };
-            return ~((units == all(u' ')) | (units == all(u'\t')) | (units == all(u'\n')) | (units == all(u'\r')))
+            return ~((units == all(u' ')) | (units == all(u'\t')) | (units == all(u'\n')) |
+                     (units == all(u'\r')))
                         .mask();
         },
         [](char16_t unit) { return !isWhitespace(unit); });
@@ -104,7 +104,8 @@ inline const char16_t* findNonWhitespace(const char16_t* from, const char16_t* e
 
 /// Just after the first whole `terminator`, of two or three units, or `end`.
 template <std::size_t size>
-inline const char16_t* findAfter(const char16_t* from, const char16_t* end, const char16_t (&terminator)[size]) {
+inline const char16_t* findAfter(const char16_t* from, const char16_t* end,
+                                 const char16_t (&terminator)[size]) {
     constexpr std::ptrdiff_t length = size - 1;
     static_assert(length == 2 || length == 3);
     const auto occursAt = [&](const char16_t* at) {

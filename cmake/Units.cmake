@@ -2,7 +2,7 @@
 
 add_library(tamo_options INTERFACE)
 target_compile_options(tamo_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+    -Wall -Wextra -Wpedantic -Wno-missing-field-initializers -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 if(TAMO_SANITIZERS)
     target_compile_options(tamo_options INTERFACE
         -fsanitize=${TAMO_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)

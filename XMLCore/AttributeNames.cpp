@@ -1,0 +1,21 @@
+#include "AttributeNames.h"
+
+#include <algorithm>
+
+bool AttributeNames::isAmong(std::span<const AttributeSpan> earlier, SourceRange name) {
+    const std::u16string_view wanted = units(name);
+    constexpr std::size_t comparedOneByOne = 16;
+    if (earlier.size() <= comparedOneByOne) {
+        return std::ranges::any_of(
+            earlier, [&](const AttributeSpan& attribute) { return units(attribute.name) == wanted; });
+    }
+    if (earlier.front().name.lower != m_firstName) {
+        m_firstName = earlier.front().name.lower;
+        m_names.clear();
+        m_namesCount = 0;
+    }
+    for (; m_namesCount < earlier.size(); ++m_namesCount) {
+        m_names.insert(units(earlier[m_namesCount].name));
+    }
+    return m_names.contains(wanted);
+}

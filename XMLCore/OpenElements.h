@@ -1,0 +1,63 @@
+#pragma once
+
+#include "NameHash.h"
+#include "SourceRange.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+/// An element, or the document, that the parser has not closed yet.
+struct OpenElement {
+    std::uint32_t node = 0;
+    std::uint32_t lastChild = 0; ///< The last child appended so far; meaningless without children.
+    std::uint32_t childCount = 0;
+    SourceRange name;
+};
+
+/// The open elements of a parse, the document at the bottom, the innermost on top.
+class OpenElements {
+public:
+    /// `units` is the text that the elements' names lie in; borrowed.
+    explicit OpenElements(std::u16string_view units) : m_units(units) {}
+
+    OpenElement& top() { return m_elements.back(); }
+    /// The number of open elements, the document included.
+    std::size_t depth() const { return m_elements.size(); }
+
+    void push(const OpenElement& element) { m_elements.push_back(element); }
+    void pop() {
+        if (m_indexedDepth == m_elements.size()) [[unlikely]] {
+            forgetTop();
+        }
+        m_elements.pop_back();
+    }
+
+    /// The position of the nearest element with exactly this name, the document left out. The whole parse
+    /// spends time linear in the text on this, however deep the elements are nested.
+    std::optional<std::size_t> nearest(std::u16string_view named);
+
+private:
+    std::u16string_view name(std::size_t position) const {
+        const SourceRange range = m_elements[position].name;
+        return m_units.substr(range.lower, range.length());
+    }
+
+    void indexAll();
+    void forgetTop();
+
+    std::u16string_view m_units;
+    std::vector<OpenElement> m_elements;
+
+    // What finds elements deep below the top: for every name the nearest position in the stack, and for
+    // every position the next one below it of the same name. Covers the bottom `m_indexedDepth` elements,
+    // and grows only when a search reaches below the few that it compares one by one.
+    static constexpr std::size_t none = 0;
+    std::unordered_map<std::u16string_view, std::size_t, NameHash> m_nearest;
+    std::vector<std::size_t> m_nextOfSameName;
+    std::size_t m_indexedDepth = 0;
+};
