@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-bool AttributeNames::isAmong(std::span<const AttributeSpan> earlier, SourceRange name) {
+bool AttributeNames::isRepeated(SourceRange name, std::span<const AttributeSpan> earlier) {
     const std::u16string_view wanted = units(name);
     constexpr std::size_t comparedOneByOne = 16;
     if (earlier.size() <= comparedOneByOne) {

@@ -18,22 +18,22 @@ public:
     /// Forgets all names: a new start tag begins.
     void clear() { m_filter = 0; }
 
-    /// Whether `name`, not empty, is the name of one of `earlier`, all attributes of the tag before it.
-    /// To be asked for every attribute of the tag in turn.
-    bool isRepeated(SourceRange name, std::span<const AttributeSpan> earlier) {
+    /// Whether `name`, not empty, may be the name of an earlier attribute of the tag. To be asked for every
+    /// attribute of the tag in turn.
+    bool mayBeRepeated(SourceRange name) {
         // Most names differ in length, first or last unit from all others of their tag.
-        const std::uint64_t mix =
-            name.length() * 31U + m_units[name.lower] * 7U + m_units[name.upper - 1] * 13U;
+        const std::uint64_t mix = name.length() * 5U + m_units[name.lower] + m_units[name.upper - 1] * 3U;
         const std::uint64_t bit = std::uint64_t{1} << (mix % 64);
         const bool mayBeRepeated = (m_filter & bit) != 0;
         m_filter |= bit;
-        return mayBeRepeated && isAmong(earlier, name);
+        return mayBeRepeated;
     }
+
+    /// Whether `name` is the name of one of `earlier`, all attributes of the tag before it.
+    bool isRepeated(SourceRange name, std::span<const AttributeSpan> earlier);
 
 private:
     std::u16string_view units(SourceRange name) const { return m_units.substr(name.lower, name.length()); }
-
-    bool isAmong(std::span<const AttributeSpan> earlier, SourceRange name);
 
     std::u16string_view m_units;
     std::uint64_t m_filter = 0; ///< A bit for every name met.

@@ -36,9 +36,8 @@ std::u16string startTagName(const SourceText& text, SourceRange range) {
 std::u16string endTagName(const SourceText& text, SourceRange range) {
     const std::u16string_view tag = text.units(range).substr(2);
     const bool hasName = !tag.empty() && UnitScan::isNameStart(tag.front());
-    const char16_t* const end =
-        hasName ? UnitScan::findNameEnd(tag.data(), tag.data() + tag.size()) : tag.data();
-    return repaired({tag.data(), end});
+    const auto end = static_cast<std::ptrdiff_t>(tag.size());
+    return repaired(tag.substr(0, hasName ? UnitScan::findNameEnd(tag.data(), 0, end) : 0));
 }
 
 /// The quote that closes the value which starts at `at`.

@@ -20,7 +20,7 @@ IndentStyle IndentStyle::detect(const SourceText& in, int maxLines) {
     std::ptrdiff_t previousWidth = 0;
     std::array<int, widestStep + 1> steps{};
     for (int visited = 0; visited < maxLines && line != end; ++visited) {
-        const char16_t* const lineEnd = UnitScan::findAny(line, end, u'\n');
+        const char16_t* const lineEnd = line + UnitScan::findAny(line, 0, end - line, u'\n');
         if (*line == u'\t') {
             ++tabLines;
         } else {

@@ -14,29 +14,15 @@ bool isReferenceDigit(char16_t unit) {
            (u'A' <= unit && unit <= u'F') || unit == u'x' || unit == u'X';
 }
 
-} // namespace
-
-/// The token that starts with the `<!` at `position`.
-Token Lexer::declaration() {
-    const std::u16string_view rest = units.substr(position, end - position);
-    if (rest.starts_with(commentOpener)) {
-        return takeThrough(Token::Kind::comment, commentOpener.size(), u"-->");
-    }
-    if (rest.starts_with(cdataOpener)) {
-        return takeThrough(Token::Kind::cdata, cdataOpener.size(), u"]]>");
-    }
-    return take(Token::Kind::doctype, doctypeEnd());
-}
-
-/// Just after the `>` that ends the declaration at `position`: the first one outside quotes and brackets.
-std::ptrdiff_t Lexer::doctypeEnd() const {
+/// Just after the first `>` outside quotes and brackets.
+std::ptrdiff_t declarationEnd(const char16_t* units, std::ptrdiff_t from, std::ptrdiff_t end) {
     std::ptrdiff_t depth = 0;
-    const char16_t* unit = at(position + 2);
-    while ((unit = UnitScan::findAny(unit, at(end), u'>', u'"', u'\'', u'[', u']')) != at(end)) {
-        switch (*unit) {
+    std::ptrdiff_t position = from;
+    while ((position = UnitScan::findAny(units, position, end, u'>', u'"', u'\'', u'[', u']')) < end) {
+        switch (units[position]) {
         case u'>':
             if (depth <= 0) {
-                return unit + 1 - at(0);
+                return position + 1;
             }
             break;
         case u'[':
@@ -46,28 +32,59 @@ std::ptrdiff_t Lexer::doctypeEnd() const {
             --depth;
             break;
         default:
-            unit = UnitScan::findAny(unit + 1, at(end), *unit);
-            if (unit == at(end)) {
-                return end;
-            }
+            position = UnitScan::findAny(units, position + 1, end, units[position]);
+            break;
         }
-        ++unit;
+        ++position;
     }
     return end;
 }
 
-/// The token that starts with the `&` at `position`: a reference, or the `&` alone.
-Token Lexer::entity() {
-    const char16_t* const first = at(position + 1);
-    const char16_t* stop = first;
-    if (first < at(end) && *first == u'#') {
-        stop = std::find_if_not(first + 1, at(end), isReferenceDigit);
-    } else if (first < at(end) && UnitScan::isNameStart(*first)) {
-        stop = UnitScan::findNameEnd(first + 1, at(end));
+} // namespace
+
+/// The token that starts with the `<` at `start`.
+Lexer::Rare Lexer::markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end) {
+    const std::u16string_view rest = units.substr(start, end - start);
+    const char16_t next = rest.size() > 1 ? rest[1] : u'\0';
+    if (UnitScan::isNameStart(next)) {
+        return {Token::Kind::openTagStart, start + 1};
     }
-    const bool isReference = stop > first && stop < at(end) && *stop == u';';
-    return isReference ? take(Token::Kind::entity, stop + 1 - at(0))
-                       : take(Token::Kind::invalid, position + 1);
+    const auto after = [&](std::u16string_view opener) {
+        return start + static_cast<std::ptrdiff_t>(opener.size());
+    };
+    switch (next) {
+    case u'/':
+        return {Token::Kind::closeTagStart, after(u"</")};
+    case u'?':
+        return {Token::Kind::instruction, UnitScan::findAfter(units.data(), after(u"<?"), end, u"?>")};
+    case u'!':
+        if (rest.starts_with(commentOpener)) {
+            return {Token::Kind::comment,
+                    UnitScan::findAfter(units.data(), after(commentOpener), end, u"-->")};
+        }
+        if (rest.starts_with(cdataOpener)) {
+            return {Token::Kind::cdata, UnitScan::findAfter(units.data(), after(cdataOpener), end, u"]]>")};
+        }
+        return {Token::Kind::doctype, declarationEnd(units.data(), after(u"<!"), end)};
+    default:
+        return {Token::Kind::invalid, start + 1};
+    }
+}
+
+/// The token that starts with the `&` at `start`: a reference, or the `&` alone.
+Lexer::Rare Lexer::reference(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end) {
+    const std::ptrdiff_t first = start + 1;
+    std::ptrdiff_t stop = first;
+    if (first < end && units[first] == u'#') {
+        const auto digits = units.substr(first + 1, end - first - 1);
+        stop = std::ranges::find_if_not(digits, isReferenceDigit) - units.begin();
+    } else if (first < end && UnitScan::isNameStart(units[first])) {
+        stop = UnitScan::findNameEnd(units.data(), first + 1, end);
+    }
+    if (stop > first && stop < end && units[stop] == u';') {
+        return {Token::Kind::entity, stop + 1};
+    }
+    return {Token::Kind::invalid, first};
 }
 
 std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range) {

@@ -39,14 +39,31 @@ public:
     /// The next token, or none at the end (inside a tag: when only white space remains).
     std::optional<Token> next();
 
-    /// `next()` for those who know the mode.
-    std::optional<Token> nextInContent();
-    std::optional<Token> nextTagName();
-    std::optional<Token> nextInTag();
+    /// What `scan` answers instead of a kind when there is no next token.
+    static constexpr auto noToken = static_cast<Token::Kind>(0xFF);
 
-    /// `nextTagName()` for an end tag that probably names the element `expected`, which it then finds by a
-    /// mere comparison.
-    std::optional<Token> nextTagName(SourceRange expected);
+    /// `next()` in the form that the parser's inner loop needs, all in registers: answers the kind, and the
+    /// token covers `start ..< position`.
+    Token::Kind scan(std::ptrdiff_t& start);
+
+    /// `scan` for those who know the mode.
+    Token::Kind scanContent(std::ptrdiff_t& start);
+    Token::Kind scanTagName(std::ptrdiff_t& start);
+    Token::Kind scanTag(std::ptrdiff_t& start);
+
+    // Shortcuts for what mostly comes next. Each takes the tokens that it names when they stand right at
+    // `position`, no white space before or between them, and otherwise changes nothing and answers false.
+
+    /// The `equals` between an attribute's name and its value.
+    bool takeEquals();
+    /// In an end tag after its `</`: a `tagName` with the units of `expected`, and the `tagEnd`.
+    bool takeEndTagRest(SourceRange expected);
+
+    /// Goes back to a token that starts at `start`, to be read again in `inMode`.
+    void rewind(std::ptrdiff_t start, Mode inMode) {
+        position = start;
+        mode = inMode;
+    }
 
     /// All tokens of `range` of the text, read from its start as content.
     static std::vector<Token> tokens(const SourceText& in, SourceRange range);
@@ -57,128 +74,143 @@ public:
     static bool isValidName(std::u16string_view name);
 
 private:
-    const char16_t* at(std::ptrdiff_t offset) const { return units.data() + offset; }
-
-    Token take(Token::Kind kind, std::ptrdiff_t upTo) {
-        const auto range = SourceRange::unchecked(static_cast<Offset>(position), static_cast<Offset>(upTo));
+    Token::Kind take(Token::Kind kind, std::ptrdiff_t upTo) {
         position = upTo;
-        return {kind, range};
+        return kind;
     }
 
-    template <std::size_t size>
-    Token takeThrough(Token::Kind kind, std::ptrdiff_t openingLength, const char16_t (&terminator)[size]) {
-        return take(kind, UnitScan::findAfter(at(position + openingLength), at(end), terminator) - at(0));
-    }
-
-    Token markup();
-    Token declaration();
-    Token entity();
-    std::ptrdiff_t doctypeEnd() const;
+    /// A token that is worth a function call.
+    struct Rare {
+        Token::Kind kind;
+        std::ptrdiff_t upper;
+    };
+    static Rare markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end);
+    static Rare reference(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end);
+    Token::Kind takeMarkup();
+    Token::Kind takeValue(std::ptrdiff_t from, char16_t quote);
 };
 
 inline std::optional<Token> Lexer::next() {
+    std::ptrdiff_t start = 0;
+    const Token::Kind kind = scan(start);
+    if (kind == noToken) {
+        return std::nullopt;
+    }
+    return Token{kind, SourceRange::unchecked(static_cast<Offset>(start), static_cast<Offset>(position))};
+}
+
+TAMO_ALWAYS_INLINE Token::Kind Lexer::scan(std::ptrdiff_t& start) {
     switch (mode) {
     case Mode::content:
-        return nextInContent();
+        return scanContent(start);
     case Mode::tagName:
-        return nextTagName();
+        return scanTagName(start);
     case Mode::tag:
-        return nextInTag();
+        return scanTag(start);
     }
-    return std::nullopt;
+    return noToken;
 }
 
-inline std::optional<Token> Lexer::nextInContent() {
+TAMO_ALWAYS_INLINE Token::Kind Lexer::scanContent(std::ptrdiff_t& start) {
+    start = position;
     if (position >= end) {
-        return std::nullopt;
+        return noToken;
     }
-    const char16_t unit = *at(position);
+    const char16_t unit = units[position];
     if (unit == u'<') {
-        return markup();
+        const char16_t next = position + 1 < end ? units[position + 1] : u'\0';
+        if (UnitScan::isNameStart(next)) {
+            mode = Mode::tagName;
+            return take(Token::Kind::openTagStart, position + 1);
+        }
+        if (next == u'/') {
+            mode = Mode::tagName;
+            return take(Token::Kind::closeTagStart, position + 2);
+        }
+        return takeMarkup();
     }
     if (unit == u'&') {
-        return entity();
+        const Rare token = reference(units, position, end);
+        return take(token.kind, token.upper);
     }
-    return take(Token::Kind::text, UnitScan::findAny(at(position + 1), at(end), u'<', u'&') - at(0));
+    return take(Token::Kind::text, UnitScan::findAny(units.data(), position + 1, end, u'<', u'&'));
 }
 
-inline std::optional<Token> Lexer::nextTagName() {
+TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTagName(std::ptrdiff_t& start) {
     mode = Mode::tag;
-    if (position < end && UnitScan::isNameStart(*at(position))) {
-        return take(Token::Kind::tagName, UnitScan::findNameEnd(at(position + 1), at(end)) - at(0));
+    if (position < end && UnitScan::isNameStart(units[position])) {
+        start = position;
+        return take(Token::Kind::tagName, UnitScan::findNameEnd(units.data(), position + 1, end));
     }
-    return nextInTag();
+    return scanTag(start);
 }
 
-inline std::optional<Token> Lexer::nextTagName(SourceRange expected) {
-    const std::ptrdiff_t length = expected.length();
-    // The unit after the name must be there to be looked at, too.
-    if (length > 0 && end - position > length &&
-        UnitScan::areEqual(at(position), at(expected.lower), length, end - position) &&
-        !UnitScan::isName(*at(position + length))) {
-        mode = Mode::tag;
-        return take(Token::Kind::tagName, position + length);
+TAMO_ALWAYS_INLINE bool Lexer::takeEquals() {
+    if (position < end && units[position] == u'=') {
+        ++position;
+        return true;
     }
-    return nextTagName();
+    return false;
 }
 
-inline std::optional<Token> Lexer::nextInTag() {
-    if (position < end && UnitScan::isWhitespace(*at(position))) {
-        position = UnitScan::findNonWhitespace(at(position + 1), at(end)) - at(0);
+TAMO_ALWAYS_INLINE bool Lexer::takeEndTagRest(SourceRange expected) {
+    const std::ptrdiff_t nameEnd = position + expected.length();
+    if (nameEnd >= end || units[nameEnd] != u'>' || expected.isEmpty() ||
+        !UnitScan::areEqual(units.data() + position, units.data() + expected.lower, expected.length(),
+                            end - position)) {
+        return false;
     }
+    position = nameEnd + 1;
+    mode = Mode::content;
+    return true;
+}
+
+/// The quoted value that starts at `from` and ends with `quote`, the mark that stands there.
+TAMO_ALWAYS_INLINE Token::Kind Lexer::takeValue(std::ptrdiff_t from, char16_t quote) {
+    const std::ptrdiff_t stop = UnitScan::findAny(units.data(), from + 1, end, quote, u'<');
+    const bool isClosed = stop < end && units[stop] == quote;
+    return take(Token::Kind::attributeValue, isClosed ? stop + 1 : stop);
+}
+
+TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTag(std::ptrdiff_t& start) {
+    if (position < end && UnitScan::isWhitespace(units[position])) {
+        ++position;
+        if (position < end && UnitScan::isWhitespace(units[position])) {
+            position = UnitScan::findNonWhitespace(units.data(), position + 1, end);
+        }
+    }
+    start = position;
     if (position >= end) {
-        return std::nullopt;
+        return noToken;
     }
-    const char16_t unit = *at(position);
-    if (UnitScan::isNameStart(unit)) {
-        return take(Token::Kind::attributeName, UnitScan::findNameEnd(at(position + 1), at(end)) - at(0));
-    }
-    switch (unit) {
-    case u'>':
+    const char16_t unit = units[position];
+    if (unit == u'>') {
         mode = Mode::content;
         return take(Token::Kind::tagEnd, position + 1);
-    case u'=':
-        return take(Token::Kind::equals, position + 1);
-    case u'"':
-    case u'\'': {
-        const char16_t* const stop = UnitScan::findAny(at(position + 1), at(end), unit, u'<');
-        const bool isClosed = stop != at(end) && *stop == unit;
-        return take(Token::Kind::attributeValue, stop - at(0) + (isClosed ? 1 : 0));
     }
-    case u'/':
-        if (position + 1 < end && *at(position + 1) == u'>') {
-            mode = Mode::content;
-            return take(Token::Kind::selfCloseEnd, position + 2);
-        }
-        break;
-    case u'<':
+    if (unit == u'"') {
+        return takeValue(position, u'"');
+    }
+    if (UnitScan::isNameStart(unit)) {
+        return take(Token::Kind::attributeName, UnitScan::findNameEnd(units.data(), position + 1, end));
+    }
+    if (unit == u'/' && position + 1 < end && units[position + 1] == u'>') {
         mode = Mode::content;
-        return markup();
-    default:
-        break;
+        return take(Token::Kind::selfCloseEnd, position + 2);
     }
-    return take(Token::Kind::invalid, position + 1);
+    if (unit == u'\'') {
+        return takeValue(position, u'\'');
+    }
+    if (unit == u'=') {
+        return take(Token::Kind::equals, position + 1);
+    }
+    return unit == u'<' ? takeMarkup() : take(Token::Kind::invalid, position + 1);
 }
 
 /// The token that starts with the `<` at `position`.
-inline Token Lexer::markup() {
-    if (position + 1 >= end) {
-        return take(Token::Kind::invalid, position + 1);
-    }
-    const char16_t unit = *at(position + 1);
-    if (UnitScan::isNameStart(unit)) {
-        mode = Mode::tagName;
-        return take(Token::Kind::openTagStart, position + 1);
-    }
-    switch (unit) {
-    case u'/':
-        mode = Mode::tagName;
-        return take(Token::Kind::closeTagStart, position + 2);
-    case u'!':
-        return declaration();
-    case u'?':
-        return takeThrough(Token::Kind::instruction, 2, u"?>");
-    default:
-        return take(Token::Kind::invalid, position + 1);
-    }
+TAMO_ALWAYS_INLINE Token::Kind Lexer::takeMarkup() {
+    const Rare token = markup(units, position, end);
+    const bool opensTag = token.kind == Token::Kind::openTagStart || token.kind == Token::Kind::closeTagStart;
+    mode = opensTag ? Mode::tagName : Mode::content;
+    return take(token.kind, token.upper);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "NameHash.h"
+#include "RecordArray.h"
 #include "SourceRange.h"
 
 #include <cstddef>
@@ -29,12 +30,12 @@ public:
     /// The number of open elements, the document included.
     std::size_t depth() const { return m_elements.size(); }
 
-    void push(const OpenElement& element) { m_elements.push_back(element); }
+    void push(const OpenElement& element) { m_elements.append(element); }
     void pop() {
         if (m_indexedDepth == m_elements.size()) [[unlikely]] {
             forgetTop();
         }
-        m_elements.pop_back();
+        m_elements.removeLast();
     }
 
     /// The position of the nearest element with exactly this name, the document left out. The whole parse
@@ -51,7 +52,7 @@ private:
     void forgetTop();
 
     std::u16string_view m_units;
-    std::vector<OpenElement> m_elements;
+    RecordArray<OpenElement> m_elements;
 
     // What finds elements deep below the top: for every name the nearest position in the stack, and for
     // every position the next one below it of the same name. Covers the bottom `m_indexedDepth` elements,

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -17,46 +17,48 @@ class RecordArray {
 public:
     RecordArray() = default;
     RecordArray(RecordArray&& other) noexcept
-        : m_records(std::move(other.m_records)), m_size(std::exchange(other.m_size, 0)),
+        : m_records(std::exchange(other.m_records, nullptr)), m_size(std::exchange(other.m_size, 0)),
           m_capacity(std::exchange(other.m_capacity, 0)) {}
     RecordArray& operator=(RecordArray&& other) noexcept {
-        m_records = std::move(other.m_records);
-        m_size = std::exchange(other.m_size, 0);
-        m_capacity = std::exchange(other.m_capacity, 0);
+        std::swap(m_records, other.m_records);
+        std::swap(m_size, other.m_size);
+        std::swap(m_capacity, other.m_capacity);
         return *this;
     }
+    ~RecordArray() { std::free(m_records); }
 
     std::size_t size() const { return m_size; }
     std::size_t capacity() const { return m_capacity; }
     bool empty() const { return m_size == 0; }
 
-    const Record* data() const { return m_records.get(); }
-    Record* data() { return m_records.get(); }
-    const Record* begin() const { return data(); }
-    const Record* end() const { return data() + m_size; }
-    Record* begin() { return data(); }
-    Record* end() { return data() + m_size; }
+    const Record* begin() const { return m_records; }
+    const Record* end() const { return m_records + m_size; }
+    Record* begin() { return m_records; }
+    Record* end() { return m_records + m_size; }
+    const Record* data() const { return m_records; }
 
     /// Unchecked, as in the standard containers.
-    const Record& operator[](std::size_t index) const { return data()[index]; }
-    Record& operator[](std::size_t index) { return data()[index]; }
-    Record& back() { return data()[m_size - 1]; }
+    const Record& operator[](std::size_t index) const { return m_records[index]; }
+    Record& operator[](std::size_t index) { return m_records[index]; }
+    Record& back() { return m_records[m_size - 1]; }
 
-    /// Makes room for `capacity` records in all.
-    void reserve(std::size_t capacity) {
-        if (capacity > m_capacity) {
-            reallocate(capacity);
+    /// Makes room for `wanted` records in all.
+    void reserve(std::size_t wanted) {
+        if (wanted > m_capacity) {
+            reallocate(wanted);
         }
     }
 
-    void append(const Record& record) {
+    /// Adds a record, all of whose fields are to be assigned at once.
+    Record& append() {
         if (m_size == m_capacity) [[unlikely]] {
-            reallocate(m_capacity == 0 ? 16 : m_capacity * 2);
+            grow();
         }
-        std::construct_at(data() + m_size, record);
-        ++m_size;
+        return m_records[m_size++];
     }
+    void append(const Record& record) { append() = record; }
 
+    void removeLast() { --m_size; }
     void clear() { m_size = 0; }
 
     /// Gives back the capacity that exceeds the size by more than a quarter.
@@ -67,26 +69,25 @@ public:
     }
 
 private:
-    struct Free {
-        void operator()(Record* records) const { std::free(records); }
-    };
-
-    void reallocate(std::size_t capacity) {
-        if (capacity == 0) {
-            m_records.reset();
-        } else {
-            void* const old = m_records.release();
-            void* const records = std::realloc(old, capacity * sizeof(Record));
-            if (records == nullptr) {
-                m_records.reset(static_cast<Record*>(old));
-                throw std::bad_alloc();
-            }
-            m_records.reset(static_cast<Record*>(records));
-        }
-        m_capacity = capacity;
+    [[gnu::noinline]] void grow() {
+        constexpr std::size_t smallest = 16;
+        reallocate(std::max(smallest, m_capacity * 2));
     }
 
-    std::unique_ptr<Record[], Free> m_records;
+    void reallocate(std::size_t wanted) {
+        if (wanted == 0) {
+            std::free(std::exchange(m_records, nullptr));
+        } else {
+            void* const records = std::realloc(m_records, wanted * sizeof(Record));
+            if (records == nullptr) {
+                throw std::bad_alloc();
+            }
+            m_records = static_cast<Record*>(records);
+        }
+        m_capacity = wanted;
+    }
+
+    Record* m_records = nullptr;
     std::size_t m_size = 0;
     std::size_t m_capacity = 0;
 };

@@ -35,8 +35,8 @@ std::u16string SourceText::string(SourceRange range) const { return repaired(uni
 
 bool SourceText::isWhitespace(SourceRange range) const {
     const std::u16string_view part = units(range);
-    const char16_t* const end = part.data() + part.size();
-    return UnitScan::findNonWhitespace(part.data(), end) == end;
+    const auto end = static_cast<std::ptrdiff_t>(part.size());
+    return UnitScan::findNonWhitespace(part.data(), 0, end) == end;
 }
 
 bool SourceText::hasPrefix(std::u16string_view prefix, Offset at) const {
@@ -57,10 +57,10 @@ Offset SourceText::lineStart(Offset at) const {
 
 Offset SourceText::lineEnd(Offset at) const {
     const std::u16string_view all = units();
-    const char16_t* const textEnd = all.data() + all.size();
-    const std::size_t from = std::min<std::size_t>(at, m_count);
-    const std::size_t end = UnitScan::findAny(all.data() + from, textEnd, u'\n') - all.data();
-    const bool mayFollowCarriageReturn = end == m_count ? end > 0 : end > from;
+    const auto textEnd = static_cast<std::ptrdiff_t>(m_count);
+    const std::ptrdiff_t from = std::min<std::ptrdiff_t>(at, textEnd);
+    const std::ptrdiff_t end = UnitScan::findAny(all.data(), from, textEnd, u'\n');
+    const bool mayFollowCarriageReturn = end == textEnd ? end > 0 : end > from;
     return static_cast<Offset>(mayFollowCarriageReturn && all[end - 1] == u'\r' ? end - 1 : end);
 }
 
@@ -72,9 +72,9 @@ std::u16string SourceText::indentation(Offset ofLineAt) const {
 
 std::u16string_view SourceText::lineEnding() const {
     const std::u16string_view all = units();
-    const char16_t* const end = all.data() + all.size();
-    const char16_t* const lineFeed = UnitScan::findAny(all.data(), end, u'\n');
-    return lineFeed != end && lineFeed != all.data() && lineFeed[-1] == u'\r' ? u"\r\n" : u"\n";
+    const auto end = static_cast<std::ptrdiff_t>(m_count);
+    const std::ptrdiff_t lineFeed = UnitScan::findAny(all.data(), 0, end, u'\n');
+    return lineFeed != end && lineFeed > 0 && all[lineFeed - 1] == u'\r' ? u"\r\n" : u"\n";
 }
 
 std::u16string repaired(std::u16string_view units) {

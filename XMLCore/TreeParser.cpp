@@ -11,7 +11,10 @@ namespace {
 using Kind = TreeNode::Kind;
 using Rule = DiagnosticRecord::Rule;
 
-constexpr SourceRange rangeOf(Offset lower, Offset upper) { return SourceRange::unchecked(lower, upper); }
+/// A range of offsets that the lexer or the parser has just counted up.
+constexpr SourceRange rangeOf(std::ptrdiff_t lower, std::ptrdiff_t upper) {
+    return SourceRange::unchecked(static_cast<Offset>(lower), static_cast<Offset>(upper));
+}
 
 /// What the delimiters of a construct that is one token are.
 struct Delimiters {
@@ -39,22 +42,26 @@ private:
         std::uint32_t firstAttribute;
     };
 
-    void dispatch(const Token& token);
+    void dispatch(Lexer& lexer, Token::Kind kind, SourceRange range);
 
-    std::uint32_t append(Kind kind, TreeNode::Flags flags, SourceRange range, SourceRange name,
-                         SourceRange content);
+    TreeNode& append(Kind kind, TreeNode::Flags flags, SourceRange range, SourceRange name,
+                     SourceRange content);
 
     void addToTextRun(SourceRange range, bool hasContent);
     void flushTextRun();
 
-    void openTag(Offset lower);
+    void openTag(Lexer& lexer, Offset lower);
+    Offset skipInvalidContent(Offset upper);
     void appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper);
     void appendCutOffElement(const StartTag& tag, Offset upper);
-    std::uint32_t appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper);
-    Offset attribute(SourceRange name, std::uint32_t firstAttribute);
+    void appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper);
+    Offset attribute(Lexer& lexer, SourceRange name, std::uint32_t firstAttribute);
+    void diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute);
+    void appendAttribute(SourceRange name, Offset upper, SourceRange value, char16_t quote);
 
-    void closeTag(SourceRange opener);
-    Offset endTagEnd(SourceRange opener, Offset nameEnd);
+    void closeTag(Lexer& lexer, SourceRange opener);
+    std::ptrdiff_t closeUnexpectedTag(SourceRange opener);
+    Offset endTagEnd(Lexer& lexer, SourceRange opener, Offset nameEnd);
     void closeNearest(SourceRange name, SourceRange endTag);
     void closeTop(SourceRange endTag);
     void closeTopImplicitly(Offset at);
@@ -73,7 +80,6 @@ private:
 
     SourceText m_text;
     std::u16string_view m_units;
-    Lexer m_lexer;
     RecordArray<TreeNode> m_nodes;
     RecordArray<AttributeSpan> m_attributes;
     RecordArray<DiagnosticRecord> m_diagnostics;
@@ -85,7 +91,7 @@ private:
 };
 
 Builder::Builder(const SourceText& text, DocumentTree recycled)
-    : m_text(text), m_units(text.units()), m_lexer(m_units), m_nodes(std::move(recycled.nodes)),
+    : m_text(text), m_units(text.units()), m_nodes(std::move(recycled.nodes)),
       m_attributes(std::move(recycled.attributes)), m_diagnostics(recycled.diagnostics.releaseRecords()),
       m_open(m_units), m_attributeNames(m_units) {
     m_nodes.clear();
@@ -100,15 +106,21 @@ Builder::Builder(const SourceText& text, DocumentTree recycled)
 }
 
 DocumentTree Builder::build(const std::stop_token& stop) {
-    constexpr std::size_t tokensBetweenStopChecks = 16384;
-    std::size_t tokenCount = 0;
+    constexpr int tokensBetweenStopChecks = 16384;
+    int tokensLeft = tokensBetweenStopChecks;
     bool isStopped = false;
-    while (const auto token = m_lexer.next()) {
-        if (++tokenCount % tokensBetweenStopChecks == 0 && stop.stop_requested()) {
-            isStopped = true;
-            break;
+    // A local, so that it lives in registers.
+    Lexer lexer(m_units);
+    std::ptrdiff_t start = 0;
+    for (Token::Kind kind; (kind = lexer.scanContent(start)) != Lexer::noToken;) {
+        if (--tokensLeft == 0) {
+            tokensLeft = tokensBetweenStopChecks;
+            isStopped = stop.stop_requested();
+            if (isStopped) {
+                break;
+            }
         }
-        dispatch(*token);
+        dispatch(lexer, kind, rangeOf(start, lexer.position));
     }
     if (!isStopped) {
         finish();
@@ -128,36 +140,39 @@ DocumentTree Builder::build(const std::stop_token& stop) {
     return tree;
 }
 
-inline void Builder::dispatch(const Token& token) {
-    switch (token.kind) {
-    case Token::Kind::text:
-        addToTextRun(token.range, !m_text.isWhitespace(token.range));
+TAMO_ALWAYS_INLINE void Builder::dispatch(Lexer& lexer, Token::Kind kind, SourceRange range) {
+    switch (kind) {
+    case Token::Kind::text: {
+        const bool hasContent =
+            !UnitScan::isWhitespace(m_units[range.lower]) ||
+            UnitScan::findNonWhitespace(m_units.data(), range.lower, range.upper) != range.upper;
+        addToTextRun(range, hasContent);
         break;
+    }
     case Token::Kind::entity:
-        addToTextRun(token.range, true);
+        addToTextRun(range, true);
         break;
     case Token::Kind::invalid:
-        diagnose(m_units[token.range.lower] == u'&' ? Rule::unescapedAmpersand : Rule::unescapedLessThan,
-                 token.range);
-        addToTextRun(token.range, true);
+        diagnose(m_units[range.lower] == u'&' ? Rule::unescapedAmpersand : Rule::unescapedLessThan, range);
+        addToTextRun(range, true);
         break;
     case Token::Kind::openTagStart:
-        openTag(token.range.lower);
+        openTag(lexer, range.lower);
         break;
     case Token::Kind::closeTagStart:
-        closeTag(token.range);
+        closeTag(lexer, range);
         break;
     case Token::Kind::comment:
-        leaf(token.range, commentDelimiters);
+        leaf(range, commentDelimiters);
         break;
     case Token::Kind::cdata:
-        leaf(token.range, cdataDelimiters);
+        leaf(range, cdataDelimiters);
         break;
     case Token::Kind::instruction:
-        leaf(token.range, instructionDelimiters);
+        leaf(range, instructionDelimiters);
         break;
     case Token::Kind::doctype:
-        leaf(token.range, declarationDelimiters);
+        leaf(range, declarationDelimiters);
         break;
     case Token::Kind::tagName:
     case Token::Kind::attributeName:
@@ -170,9 +185,9 @@ inline void Builder::dispatch(const Token& token) {
 }
 
 /// Appends a node as the last child of the innermost open element. A first child stands right after its
-/// parent, so only later children are linked here; `closeTop` completes the parent.
-inline std::uint32_t Builder::append(Kind kind, TreeNode::Flags flags, SourceRange range, SourceRange name,
-                                     SourceRange content) {
+/// parent, so only later children are linked here; `linkChildren` completes the parent.
+TAMO_ALWAYS_INLINE TreeNode& Builder::append(Kind kind, TreeNode::Flags flags, SourceRange range,
+                                             SourceRange name, SourceRange content) {
     const auto index = static_cast<std::uint32_t>(m_nodes.size());
     OpenElement& parent = m_open.top();
     if (parent.childCount != 0) {
@@ -180,17 +195,22 @@ inline std::uint32_t Builder::append(Kind kind, TreeNode::Flags flags, SourceRan
     }
     parent.lastChild = index;
     ++parent.childCount;
-    m_nodes.append({.kind = kind,
-                    .flags = flags,
-                    .range = range,
-                    .nameRange = name,
-                    .contentRange = content,
-                    .firstAttribute = static_cast<std::uint32_t>(m_attributes.size()),
-                    .parent = {parent.node}});
-    return index;
+    TreeNode& node = m_nodes.append();
+    node.kind = kind;
+    node.flags = flags;
+    node.range = range;
+    node.nameRange = name;
+    node.contentRange = content;
+    node.firstAttribute = 0;
+    node.attributeCount = 0;
+    node.parent = {parent.node};
+    node.firstChild = NodeID::none();
+    node.nextSibling = NodeID::none();
+    node.childCount = 0;
+    return node;
 }
 
-inline void Builder::addToTextRun(SourceRange range, bool hasContent) {
+TAMO_ALWAYS_INLINE void Builder::addToTextRun(SourceRange range, bool hasContent) {
     if (!m_textRun.isEmpty() && m_textRun.upper == range.lower) {
         m_textRun.upper = range.upper;
     } else {
@@ -201,7 +221,7 @@ inline void Builder::addToTextRun(SourceRange range, bool hasContent) {
 }
 
 /// White space alone, between elements or as indentation, makes no node.
-inline void Builder::flushTextRun() {
+TAMO_ALWAYS_INLINE void Builder::flushTextRun() {
     if (m_textRunHasContent) {
         if (isOutsideRoot()) {
             diagnose(Rule::textOutsideRoot, m_textRun);
@@ -213,57 +233,70 @@ inline void Builder::flushTextRun() {
 }
 
 /// The start tag whose `<` stands at `lower`.
-inline void Builder::openTag(Offset lower) {
+TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
     flushTextRun();
     m_attributeNames.clear();
     StartTag tag{lower, rangeOf(lower, lower), static_cast<std::uint32_t>(m_attributes.size())};
     Offset upper = lower + 1;
-    Lexer beforeToken = m_lexer;
-    if (const auto name = m_lexer.nextTagName(); name && name->kind == Token::Kind::tagName) {
-        tag.name = name->range;
-        upper = name->range.upper;
+    std::ptrdiff_t start = 0;
+    if (lexer.scanTagName(start) == Token::Kind::tagName) {
+        tag.name = rangeOf(start, lexer.position);
+        upper = tag.name.upper;
     } else {
-        m_lexer = beforeToken;
-        diagnose(Rule::missingTagName, rangeOf(lower, lower + 1));
+        lexer.rewind(upper, Lexer::Mode::tag);
+        diagnose(Rule::missingTagName, rangeOf(lower, upper));
     }
     while (true) {
-        beforeToken = m_lexer;
-        const auto token = m_lexer.next();
-        if (!token) {
-            return appendCutOffElement(tag, upper);
-        }
-        switch (token->kind) {
+        const Token::Kind kind = lexer.scanTag(start);
+        const SourceRange range = rangeOf(start, lexer.position);
+        switch (kind) {
         case Token::Kind::attributeName:
-            upper = attribute(token->range, tag.firstAttribute);
+            upper = attribute(lexer, range, tag.firstAttribute);
             break;
         case Token::Kind::tagEnd:
-            return appendElement(tag, {}, token->range.upper);
+            return appendElement(tag, {}, range.upper);
         case Token::Kind::selfCloseEnd:
-            return appendElement(tag, TreeNode::selfClosing, token->range.upper);
+            return appendElement(tag, TreeNode::selfClosing, range.upper);
         case Token::Kind::equals:
         case Token::Kind::attributeValue:
         case Token::Kind::invalid:
-            diagnose(Rule::unexpectedInTag, token->range);
-            upper = token->range.upper;
+            diagnose(Rule::unexpectedInTag, range);
+            upper = range.upper;
+            if (lexer.mode == Lexer::Mode::content) {
+                upper = skipInvalidContent(upper);
+                lexer.position = upper;
+                return appendCutOffElement(tag, upper);
+            }
             break;
         default:
-            m_lexer = beforeToken;
+            lexer.rewind(start, Lexer::Mode::content);
             return appendCutOffElement(tag, upper);
         }
     }
 }
 
+/// After a lone `<` in a start tag the lexer is back in content, where only more invalid units go on with the
+/// tag. Diagnoses those from `upper` on and answers where they end.
+Offset Builder::skipInvalidContent(Offset upper) {
+    Lexer lexer(m_units, upper, count(), Lexer::Mode::content);
+    std::ptrdiff_t start = upper;
+    while (lexer.scan(start) == Token::Kind::invalid) {
+        diagnose(Rule::unexpectedInTag, rangeOf(start, lexer.position));
+    }
+    return static_cast<Offset>(start);
+}
+
 /// A complete start tag, which ends at `upper`.
-inline void Builder::appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper) {
+TAMO_ALWAYS_INLINE void Builder::appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper) {
     if (isOutsideRoot()) {
         if (m_hasRoot) {
             diagnose(Rule::secondRoot, tag.name);
         }
         m_hasRoot = true;
     }
-    const std::uint32_t node = appendTag(tag, flags, upper);
+    appendTag(tag, flags, upper);
     if (!flags.contains(TreeNode::selfClosing)) {
-        m_open.push({.node = node, .name = tag.name});
+        m_open.push({.node = static_cast<std::uint32_t>(m_nodes.size() - 1), .name = tag.name});
     }
 }
 
@@ -274,91 +307,111 @@ void Builder::appendCutOffElement(const StartTag& tag, Offset upper) {
     appendTag(tag, TreeNode::selfClosing | TreeNode::unterminated, upper);
 }
 
-inline std::uint32_t Builder::appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper) {
-    const std::uint32_t node =
-        append(Kind::element, flags, rangeOf(tag.lower, upper), tag.name, rangeOf(upper, upper));
-    m_nodes[node].firstAttribute = tag.firstAttribute;
-    m_nodes[node].attributeCount = static_cast<std::uint32_t>(m_attributes.size()) - tag.firstAttribute;
-    return node;
+TAMO_ALWAYS_INLINE void Builder::appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper) {
+    TreeNode& node = append(Kind::element, flags, rangeOf(tag.lower, upper), tag.name, rangeOf(upper, upper));
+    node.firstAttribute = tag.firstAttribute;
+    node.attributeCount = static_cast<std::uint32_t>(m_attributes.size()) - tag.firstAttribute;
 }
 
 /// The attribute that starts with `name`; answers where its last token ends.
-inline Offset Builder::attribute(SourceRange name, std::uint32_t firstAttribute) {
-    const std::span<const AttributeSpan> all(m_attributes.begin(), m_attributes.end());
-    if (m_attributeNames.isRepeated(name, all.subspan(firstAttribute))) {
-        diagnose(Rule::duplicateAttribute, name);
+TAMO_ALWAYS_INLINE Offset Builder::attribute(Lexer& lexer, SourceRange name, std::uint32_t firstAttribute) {
+    if (m_attributeNames.mayBeRepeated(name)) [[unlikely]] {
+        diagnoseRepeated(name, firstAttribute);
     }
-    const SourceRange noValue = rangeOf(name.upper, name.upper);
-    Lexer beforeToken = m_lexer;
-    const auto equals = m_lexer.next();
-    if (!equals || equals->kind != Token::Kind::equals) {
-        if (equals) {
-            m_lexer = beforeToken;
-            diagnose(Rule::attributeWithoutValue, name, name.upper);
+    std::ptrdiff_t start = 0;
+    if (!lexer.takeEquals()) {
+        if (const Token::Kind kind = lexer.scanTag(start); kind != Token::Kind::equals) {
+            if (kind != Lexer::noToken) {
+                lexer.rewind(start, Lexer::Mode::tag);
+                diagnose(Rule::attributeWithoutValue, name, name.upper);
+            }
+            appendAttribute(name, name.upper, rangeOf(name.upper, name.upper), 0);
+            return name.upper;
         }
-        m_attributes.append({name, name, noValue, 0});
-        return name.upper;
     }
-    beforeToken = m_lexer;
-    const auto token = m_lexer.next();
-    if (!token || token->kind != Token::Kind::attributeValue) {
-        if (token) {
-            m_lexer = beforeToken;
+    const auto equalsUpper = static_cast<Offset>(lexer.position);
+    if (const Token::Kind kind = lexer.scanTag(start); kind != Token::Kind::attributeValue) {
+        if (kind != Lexer::noToken) {
+            lexer.rewind(start, Lexer::Mode::tag);
         }
         diagnose(Rule::unquotedValue, name);
-        m_attributes.append({rangeOf(name.lower, equals->range.upper), name, noValue, 0});
-        return equals->range.upper;
+        appendAttribute(name, equalsUpper, rangeOf(name.upper, name.upper), 0);
+        return equalsUpper;
     }
-    const SourceRange value = token->range;
+    const SourceRange value = rangeOf(start, lexer.position);
     const char16_t quote = m_units[value.lower];
     const bool isClosed = value.length() >= 2 && m_units[value.upper - 1] == quote;
     if (!isClosed) {
         diagnose(Rule::unclosedQuote, value, value.upper);
     }
-    m_attributes.append({rangeOf(name.lower, value.upper), name,
-                         rangeOf(value.lower + 1, isClosed ? value.upper - 1 : value.upper), quote});
+    appendAttribute(name, value.upper, rangeOf(value.lower + 1, isClosed ? value.upper - 1 : value.upper),
+                    quote);
     return value.upper;
 }
 
-/// The end tag whose `</` is `opener`.
-inline void Builder::closeTag(SourceRange opener) {
-    flushTextRun();
-    SourceRange name = rangeOf(opener.upper, opener.upper);
-    const Lexer beforeName = m_lexer;
-    if (const auto token = m_lexer.nextTagName(m_open.top().name);
-        token && token->kind == Token::Kind::tagName) {
-        name = token->range;
-    } else {
-        m_lexer = beforeName;
-        m_lexer.mode = Lexer::Mode::tag;
+void Builder::diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute) {
+    const std::span<const AttributeSpan> all(m_attributes.begin(), m_attributes.end());
+    if (m_attributeNames.isRepeated(name, all.subspan(firstAttribute))) {
+        diagnose(Rule::duplicateAttribute, name);
     }
-    closeNearest(name, rangeOf(opener.lower, endTagEnd(opener, name.upper)));
+}
+
+TAMO_ALWAYS_INLINE void Builder::appendAttribute(SourceRange name, Offset upper, SourceRange value,
+                                                 char16_t quote) {
+    AttributeSpan& attribute = m_attributes.append();
+    attribute.range = rangeOf(name.lower, upper);
+    attribute.name = name;
+    attribute.value = value;
+    attribute.quote = quote;
+}
+
+/// The end tag whose `</` is `opener`.
+TAMO_ALWAYS_INLINE void Builder::closeTag(Lexer& lexer, SourceRange opener) {
+    flushTextRun();
+    if (lexer.takeEndTagRest(m_open.top().name)) [[likely]] {
+        closeTop(rangeOf(opener.lower, lexer.position));
+    } else {
+        lexer.position = closeUnexpectedTag(opener);
+        lexer.mode = Lexer::Mode::content;
+    }
+}
+
+/// `closeTag` for an end tag of any form; answers where content goes on.
+std::ptrdiff_t Builder::closeUnexpectedTag(SourceRange opener) {
+    Lexer lexer(m_units, opener.upper, count(), Lexer::Mode::tagName);
+    SourceRange name = rangeOf(opener.upper, opener.upper);
+    std::ptrdiff_t start = 0;
+    if (lexer.scan(start) == Token::Kind::tagName) {
+        name = rangeOf(start, lexer.position);
+    } else {
+        lexer.rewind(opener.upper, Lexer::Mode::tag);
+    }
+    closeNearest(name, rangeOf(opener.lower, endTagEnd(lexer, opener, name.upper)));
+    return lexer.position;
 }
 
 /// Where the end tag ends, whose name ends at `nameEnd`.
-inline Offset Builder::endTagEnd(SourceRange opener, Offset nameEnd) {
+Offset Builder::endTagEnd(Lexer& lexer, SourceRange opener, Offset nameEnd) {
     Offset upper = nameEnd;
     while (true) {
-        const Lexer beforeToken = m_lexer;
-        const auto token = m_lexer.next();
-        const Token::Kind kind = token ? token->kind : Token::Kind::text;
+        std::ptrdiff_t start = 0;
+        const Token::Kind kind = lexer.scan(start);
+        const SourceRange range = rangeOf(start, lexer.position);
         switch (kind) {
         case Token::Kind::tagEnd:
-            return token->range.upper;
+            return range.upper;
         case Token::Kind::selfCloseEnd:
-            diagnose(Rule::unexpectedInEndTag, token->range);
-            return token->range.upper;
+            diagnose(Rule::unexpectedInEndTag, range);
+            return range.upper;
         case Token::Kind::attributeName:
         case Token::Kind::equals:
         case Token::Kind::attributeValue:
         case Token::Kind::invalid:
-            diagnose(Rule::unexpectedInEndTag, token->range);
-            upper = token->range.upper;
+            diagnose(Rule::unexpectedInEndTag, range);
+            upper = range.upper;
             break;
         default:
-            if (token) {
-                m_lexer = beforeToken;
-            }
+            lexer.rewind(start, Lexer::Mode::content);
             diagnose(Rule::unterminatedEndTag, opener, upper);
             return upper;
         }
@@ -367,11 +420,7 @@ inline Offset Builder::endTagEnd(SourceRange opener, Offset nameEnd) {
 
 /// Closes the nearest open element of that name, after all those inside it; an end tag that closes none
 /// stays as text.
-inline void Builder::closeNearest(SourceRange name, SourceRange endTag) {
-    if (!isOutsideRoot() && m_text.equals(m_open.top().name, name)) {
-        closeTop(endTag);
-        return;
-    }
+void Builder::closeNearest(SourceRange name, SourceRange endTag) {
     const auto position = m_open.nearest(m_text.units(name));
     if (!position) {
         diagnose(Rule::unmatchedEndTag, endTag);
@@ -384,7 +433,7 @@ inline void Builder::closeNearest(SourceRange name, SourceRange endTag) {
     closeTop(endTag);
 }
 
-inline void Builder::closeTop(SourceRange endTag) {
+TAMO_ALWAYS_INLINE void Builder::closeTop(SourceRange endTag) {
     popTop(endTag.lower, endTag.upper, TreeNode::hasCloseTag);
 }
 
@@ -393,7 +442,7 @@ void Builder::closeTopImplicitly(Offset at) {
     popTop(at, at, TreeNode::unclosed);
 }
 
-inline void Builder::popTop(Offset contentUpper, Offset upper, TreeNode::Flags closing) {
+TAMO_ALWAYS_INLINE void Builder::popTop(Offset contentUpper, Offset upper, TreeNode::Flags closing) {
     const OpenElement& element = m_open.top();
     TreeNode& node = m_nodes[element.node];
     node.contentRange.upper = contentUpper;
@@ -404,7 +453,7 @@ inline void Builder::popTop(Offset contentUpper, Offset upper, TreeNode::Flags c
 }
 
 /// The node's own record of its children; they stand right after it.
-inline void Builder::linkChildren(const OpenElement& element) {
+TAMO_ALWAYS_INLINE void Builder::linkChildren(const OpenElement& element) {
     TreeNode& node = m_nodes[element.node];
     node.childCount = element.childCount;
     node.firstChild = element.childCount == 0 ? NodeID::none() : NodeID{element.node + 1};
@@ -420,9 +469,7 @@ void Builder::leaf(SourceRange range, const Delimiters& delimiters) {
     const Offset contentLower = std::min(range.lower + delimiters.openingLength, contentUpper);
     SourceRange name = rangeOf(range.lower, range.lower);
     if (delimiters.kind == Kind::instruction) {
-        const char16_t* const units = m_units.data();
-        const char16_t* const nameEnd = UnitScan::findNameEnd(units + contentLower, units + contentUpper);
-        name = rangeOf(contentLower, static_cast<Offset>(nameEnd - units));
+        name = rangeOf(contentLower, UnitScan::findNameEnd(m_units.data(), contentLower, contentUpper));
     }
     append(delimiters.kind, {}, range, name, rangeOf(contentLower, contentUpper));
     if (!isTerminated) {

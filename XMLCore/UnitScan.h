@@ -7,16 +7,20 @@
 #include <cstdint>
 #include <string_view>
 
+/// For the few functions that the inner loops are made of.
+#define TAMO_ALWAYS_INLINE [[gnu::always_inline]] inline
+
 /// The scans that the lexer and the text types spend their time in, eight units at a step.
 ///
-/// Each takes the half-open stretch `from ..< end` of one array, reads nothing outside it, and answers with
+/// Each looks at the stretch `from ..< end` of the array `units`, reads nothing outside it, and answers with
 /// a position in it, `end` when it finds nothing.
 namespace UnitScan {
 
+using Position = std::ptrdiff_t;
+
 namespace CharacterClass {
-inline constexpr std::uint8_t nameStart = 1;  ///< A letter, `:`, `_` or any unit of 128 and above.
-inline constexpr std::uint8_t name = 2;       ///< A name-start unit, digit, `-` or `.`.
-inline constexpr std::uint8_t whitespace = 4; ///< Space, tab, LF or CR.
+inline constexpr std::uint8_t nameStart = 1; ///< A letter, `:`, `_` or any unit of 128 and above.
+inline constexpr std::uint8_t name = 2;      ///< A name-start unit, digit, `-` or `.`.
 } // namespace CharacterClass
 
 /// The classes of the units below 128.
@@ -34,9 +38,6 @@ inline constexpr std::array<std::uint8_t, 128> asciiClasses = [] {
     add('_', '_', anywhere);
     add('0', '9', CharacterClass::name);
     add('-', '.', CharacterClass::name);
-    for (const char unit : {' ', '\t', '\n', '\r'}) {
-        add(unit, unit, CharacterClass::whitespace);
-    }
     return classes;
 }();
 
@@ -46,57 +47,74 @@ constexpr bool isNameStart(char16_t unit) {
 constexpr bool isName(char16_t unit) {
     return unit >= 128 || (asciiClasses[unit] & CharacterClass::name) != 0;
 }
+/// Space, tab, LF or CR.
 constexpr bool isWhitespace(char16_t unit) {
-    return unit < 128 && (asciiClasses[unit] & CharacterClass::whitespace) != 0;
+    constexpr std::uint64_t whitespace = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\n' | 1ULL << '\r';
+    return unit <= u' ' && (whitespace >> unit & 1) != 0;
 }
 
-/// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane.
+/// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane. Most scans
+/// end within the first vector; only that step is worth its place in the caller.
 template <class VectorTest, class UnitTest>
-inline const char16_t* find(const char16_t* from, const char16_t* end, VectorTest matches, UnitTest isMatch) {
-    for (; end - from >= UnitVector::lanes; from += UnitVector::lanes) {
-        const UnitMask mask = matches(UnitVector::load(from));
+[[gnu::noinline]] Position findFarther(const char16_t* units, Position from, Position end, VectorTest matches,
+                                       UnitTest isMatch) {
+    for (; from + UnitVector::lanes <= end; from += UnitVector::lanes) {
+        const UnitMask mask = matches(UnitVector::load(units + from));
         if (mask.any()) {
             return from + mask.first();
         }
     }
-    while (from != end && !isMatch(*from)) {
+    while (from < end && !isMatch(units[from])) {
         ++from;
     }
     return from;
 }
+template <class VectorTest, class UnitTest>
+TAMO_ALWAYS_INLINE Position find(const char16_t* units, Position from, Position end, VectorTest matches,
+                                 UnitTest isMatch) {
+    if (from + UnitVector::lanes <= end) [[likely]] {
+        const UnitMask mask = matches(UnitVector::load(units + from));
+        if (mask.any()) [[likely]] {
+            return from + mask.first();
+        }
+        from += UnitVector::lanes;
+    }
+    return findFarther(units, from, end, matches, isMatch);
+}
 
 /// The first unit that is one of `wanted`.
 template <class... Units>
-inline const char16_t* findAny(const char16_t* from, const char16_t* end, Units... wanted) {
+TAMO_ALWAYS_INLINE Position findAny(const char16_t* units, Position from, Position end, Units... wanted) {
     return find(
-        from, end, [=](UnitVector units) { return ((units == UnitVector::all(wanted)) | ...).mask(); },
+        units, from, end,
+        [=](UnitVector vector) { return ((vector == UnitVector::all(wanted)) | ...).mask(); },
         [=](char16_t unit) { return ((unit == wanted) || ...); });
 }
 
 /// The first unit that no name holds.
-inline const char16_t* findNameEnd(const char16_t* from, const char16_t* end) {
+TAMO_ALWAYS_INLINE Position findNameEnd(const char16_t* units, Position from, Position end) {
     return find(
-        from, end,
-        [](UnitVector units) {
+        units, from, end,
+        [](UnitVector vector) {
             const auto all = [](char16_t unit) { return UnitVector::all(unit); };
             // One subtraction and one comparison a range; setting 0x20 folds the letters' two cases.
-            const UnitVector letter = ((units | all(0x20)) - all(u'a')).atMost(all(u'z' - u'a'));
-            const UnitVector digitOrColon = (units - all(u'0')).atMost(all(u':' - u'0'));
-            const UnitVector dashOrDot = (units - all(u'-')).atMost(all(u'.' - u'-'));
-            const UnitVector beyondASCII = (units - all(0x80)).atMost(all(0xFFFF - 0x80));
-            return ~(letter | digitOrColon | dashOrDot | beyondASCII | (units == all(u'_'))).mask();
+            const UnitVector letter = ((vector | all(0x20)) - all(u'a')).atMost(all(u'z' - u'a'));
+            const UnitVector dashToColon = (vector - all(u'-')).atMost(all(u':' - u'-'));
+            const UnitVector isASCII = (vector & all(0xFF80)) == all(0);
+            const UnitVector slash = vector == all(u'/');
+            return (isASCII.without(letter | dashToColon | (vector == all(u'_'))) | slash).mask();
         },
         [](char16_t unit) { return !isName(unit); });
 }
 
 /// The first unit that is not a space, tab, LF or CR.
-inline const char16_t* findNonWhitespace(const char16_t* from, const char16_t* end) {
+TAMO_ALWAYS_INLINE Position findNonWhitespace(const char16_t* units, Position from, Position end) {
     return find(
-        from, end,
-        [](UnitVector units) {
+        units, from, end,
+        [](UnitVector vector) {
             const auto all = [](char16_t unit) { return UnitVector::all(unit); };
-            return ~((units == all(u' ')) | (units == all(u'\t')) | (units == all(u'\n')) |
-                     (units == all(u'\r')))
+            return ~((vector == all(u' ')) | (vector == all(u'\t')) | (vector == all(u'\n')) |
+                     (vector == all(u'\r')))
                         .mask();
         },
         [](char16_t unit) { return !isWhitespace(unit); });
@@ -104,26 +122,23 @@ inline const char16_t* findNonWhitespace(const char16_t* from, const char16_t* e
 
 /// Just after the first whole `terminator`, of two or three units, or `end`.
 template <std::size_t size>
-inline const char16_t* findAfter(const char16_t* from, const char16_t* end,
-                                 const char16_t (&terminator)[size]) {
-    constexpr std::ptrdiff_t length = size - 1;
+inline Position findAfter(const char16_t* units, Position from, Position end,
+                          const char16_t (&terminator)[size]) {
+    constexpr Position length = size - 1;
     static_assert(length == 2 || length == 3);
-    const auto occursAt = [&](const char16_t* at) {
-        return std::u16string_view(at, length) == std::u16string_view(terminator, length);
-    };
-    for (; end - from >= UnitVector::lanes + length - 1; from += UnitVector::lanes) {
-        UnitVector matches = (UnitVector::load(from) == UnitVector::all(terminator[0])) &
-                             (UnitVector::load(from + 1) == UnitVector::all(terminator[1]));
+    for (; from + UnitVector::lanes + length - 1 <= end; from += UnitVector::lanes) {
+        UnitVector matches = (UnitVector::load(units + from) == UnitVector::all(terminator[0])) &
+                             (UnitVector::load(units + from + 1) == UnitVector::all(terminator[1]));
         if constexpr (length == 3) {
-            matches = matches & (UnitVector::load(from + 2) == UnitVector::all(terminator[2]));
+            matches = matches & (UnitVector::load(units + from + 2) == UnitVector::all(terminator[2]));
         }
         const UnitMask mask = matches.mask();
         if (mask.any()) {
             return from + mask.first() + length;
         }
     }
-    for (; end - from >= length; ++from) {
-        if (occursAt(from)) {
+    for (; from + length <= end; ++from) {
+        if (std::u16string_view(units + from, length) == std::u16string_view(terminator, length)) {
             return from + length;
         }
     }
@@ -132,22 +147,21 @@ inline const char16_t* findAfter(const char16_t* from, const char16_t* end,
 
 /// Whether the `count` units at `first` and `second` are the same. `readable` is the number of units that
 /// may be read at each: at least `count`, and the more there are, the quicker short stretches compare.
-inline bool areEqual(const char16_t* first, const char16_t* second, std::ptrdiff_t count,
-                     std::ptrdiff_t readable) {
-    while (count >= UnitVector::lanes) {
-        if ((~(UnitVector::load(first) == UnitVector::load(second)).mask()).any()) {
+TAMO_ALWAYS_INLINE bool areEqual(const char16_t* first, const char16_t* second, Position count,
+                                 Position readable) {
+    Position compared = 0;
+    for (; count - compared >= UnitVector::lanes; compared += UnitVector::lanes) {
+        if ((~(UnitVector::load(first + compared) == UnitVector::load(second + compared)).mask()).any()) {
             return false;
         }
-        first += UnitVector::lanes;
-        second += UnitVector::lanes;
-        count -= UnitVector::lanes;
-        readable -= UnitVector::lanes;
     }
-    if (readable >= UnitVector::lanes) {
-        const UnitMask differing = ~(UnitVector::load(first) == UnitVector::load(second)).mask();
-        return !differing.firstLanes(static_cast<int>(count)).any();
+    if (readable - compared >= UnitVector::lanes) {
+        const UnitMask equal =
+            (UnitVector::load(first + compared) == UnitVector::load(second + compared)).mask();
+        return !(~equal).firstLanes(count - compared).any();
     }
-    return std::u16string_view(first, count) == std::u16string_view(second, count);
+    return std::u16string_view(first + compared, count - compared) ==
+           std::u16string_view(second + compared, count - compared);
 }
 
 } // namespace UnitScan

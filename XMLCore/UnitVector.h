@@ -1,7 +1,9 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -13,17 +15,22 @@
 /// compares lane by lane and answers with a `UnitMask`.
 
 /// One flag a lane, packed as the processor gives them.
-template <class Bits, int bitsPerLane>
+template <class Bits, unsigned bitsPerLane>
 struct BasicUnitMask {
     Bits bits = 0;
 
     bool any() const { return bits != 0; }
     /// The first lane whose flag is set; there must be one.
-    int first() const { return std::countr_zero(bits) / bitsPerLane; }
+    std::ptrdiff_t first() const {
+        if (bits == 0) {
+            std::unreachable();
+        }
+        return static_cast<std::ptrdiff_t>(static_cast<unsigned>(std::countr_zero(bits)) / bitsPerLane);
+    }
     void clearFirst() { bits &= ~(laneMask << (first() * bitsPerLane)); }
     BasicUnitMask operator~() const { return {static_cast<Bits>(~bits & allLanes)}; }
     /// The flags of the first `count` lanes, 0 to 7, alone.
-    BasicUnitMask firstLanes(int count) const {
+    BasicUnitMask firstLanes(std::ptrdiff_t count) const {
         return {static_cast<Bits>(bits & ((Bits(1) << (count * bitsPerLane)) - 1))};
     }
 
@@ -48,6 +55,8 @@ struct UnitVector {
     UnitVector operator==(UnitVector other) const { return {_mm_cmpeq_epi16(units, other.units)}; }
     UnitVector operator|(UnitVector other) const { return {_mm_or_si128(units, other.units)}; }
     UnitVector operator&(UnitVector other) const { return {_mm_and_si128(units, other.units)}; }
+    /// The bits that `other` does not have.
+    UnitVector without(UnitVector other) const { return {_mm_andnot_si128(other.units, units)}; }
     UnitVector operator-(UnitVector other) const { return {_mm_sub_epi16(units, other.units)}; }
     /// All bits of a lane set where its unit is at most `other`'s.
     UnitVector atMost(UnitVector other) const {
@@ -73,6 +82,7 @@ struct UnitVector {
     UnitVector operator==(UnitVector other) const { return {vceqq_u16(units, other.units)}; }
     UnitVector operator|(UnitVector other) const { return {vorrq_u16(units, other.units)}; }
     UnitVector operator&(UnitVector other) const { return {vandq_u16(units, other.units)}; }
+    UnitVector without(UnitVector other) const { return {vbicq_u16(units, other.units)}; }
     UnitVector operator-(UnitVector other) const { return {vsubq_u16(units, other.units)}; }
     UnitVector atMost(UnitVector other) const { return {vcleq_u16(units, other.units)}; }
     UnitMask mask() const { return {vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(units, 4)), 0)}; }
@@ -101,6 +111,9 @@ struct UnitVector {
     }
     UnitVector operator&(UnitVector other) const {
         return make([&](int i) { return units[i] & other.units[i]; });
+    }
+    UnitVector without(UnitVector other) const {
+        return make([&](int i) { return units[i] & ~other.units[i]; });
     }
     UnitVector operator-(UnitVector other) const {
         return make([&](int i) { return units[i] - other.units[i]; });

@@ -2,7 +2,9 @@
 
 add_library(tamo_options INTERFACE)
 target_compile_options(tamo_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wno-missing-field-initializers -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+    -Wall -Wextra -Wpedantic -Wno-missing-field-initializers -Wshadow -Wconversion -Wno-sign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    # The standard library's own stable_sort calls a function that it deprecates.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>)
 if(TAMO_SANITIZERS)
     target_compile_options(tamo_options INTERFACE
         -fsanitize=${TAMO_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
