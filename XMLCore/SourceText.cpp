@@ -1,16 +1,10 @@
 #include "SourceText.h"
 
+#include "UTF16.h"
 #include "UnitScan.h"
 
 #include <algorithm>
 #include <limits>
-
-namespace {
-
-constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
-
-} // namespace
 
 SourceText::SourceText(std::u16string_view units) : m_count(units.size()) {
     precondition(units.size() <= std::numeric_limits<Offset>::max(), "a text has at most 4294967295 units");
@@ -80,9 +74,10 @@ std::u16string_view SourceText::lineEnding() const {
 std::u16string repaired(std::u16string_view units) {
     std::u16string string(units);
     for (std::size_t i = 0; i < string.size(); ++i) {
-        if (isHighSurrogate(string[i]) && i + 1 < string.size() && isLowSurrogate(string[i + 1])) {
+        if (UTF16::isHighSurrogate(string[i]) && i + 1 < string.size() &&
+            UTF16::isLowSurrogate(string[i + 1])) {
             ++i;
-        } else if (isHighSurrogate(string[i]) || isLowSurrogate(string[i])) {
+        } else if (UTF16::isSurrogate(string[i])) {
             string[i] = u'\uFFFD';
         }
     }

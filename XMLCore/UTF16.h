@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// UTF-16 units and the scalars that they stand for. A lone surrogate is a scalar of its own here.
+namespace UTF16 {
+
+constexpr bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+constexpr bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+constexpr bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
+
+constexpr char32_t decode(char16_t high, char16_t low) {
+    return 0x10000 + ((static_cast<char32_t>(high) & 0x3FF) << 10) + (static_cast<char32_t>(low) & 0x3FF);
+}
+
+/// The number of units of `scalar`.
+constexpr std::size_t length(char32_t scalar) { return scalar < 0x10000 ? 1 : 2; }
+
+/// The scalar whose first unit is `*at`; `end`, beyond `at`, is where the text ends.
+constexpr char32_t scalarAt(const char16_t* at, const char16_t* end) {
+    const bool isPair = isHighSurrogate(*at) && end - at > 1 && isLowSurrogate(at[1]);
+    return isPair ? decode(at[0], at[1]) : *at;
+}
+
+/// The scalar whose last unit is `at[-1]`; `begin`, before `at`, is where the text starts.
+constexpr char32_t scalarBefore(const char16_t* begin, const char16_t* at) {
+    const bool isPair = isLowSurrogate(at[-1]) && at - begin > 1 && isHighSurrogate(at[-2]);
+    return isPair ? decode(at[-2], at[-1]) : at[-1];
+}
+
+constexpr void append(std::u16string& text, char32_t scalar) {
+    if (scalar < 0x10000) {
+        text.push_back(static_cast<char16_t>(scalar));
+    } else {
+        text.push_back(static_cast<char16_t>(0xD800 + ((scalar - 0x10000) >> 10)));
+        text.push_back(static_cast<char16_t>(0xDC00 + (scalar & 0x3FF)));
+    }
+}
+
+} // namespace UTF16
