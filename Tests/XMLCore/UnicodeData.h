@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// One line of a property file of the Unicode Character Database.
+struct PropertyLine {
+    char32_t first = 0;
+    char32_t last = 0;
+    std::string value;
+};
+
+/// The lines of `file`, a path within the installed database, with their comments cut off. Fails the test
+/// when it cannot be read.
+std::vector<PropertyLine> propertyLines(const std::string& file);
+
+/// The lines of `file` that hold more than a comment, without it.
+std::vector<std::string> dataLines(const std::string& file);
