@@ -28,7 +28,8 @@ std::u16string TextEdit::apply(std::span<const TextEdit> edits, std::u16string_v
         result.append(to.substr(kept, edit.range.lower - kept)).append(edit.replacement);
         kept = edit.range.upper;
     }
-    return result.append(to.substr(kept));
+    result.append(to.substr(kept));
+    return result;
 }
 
 std::int64_t TextEdit::map(Offset offset, std::span<const TextEdit> edits) {
