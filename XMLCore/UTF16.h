@@ -30,13 +30,20 @@ constexpr char32_t scalarBefore(const char16_t* begin, const char16_t* at) {
     return isPair ? decode(at[-2], at[-1]) : at[-1];
 }
 
-constexpr void append(std::u16string& text, char32_t scalar) {
+/// Writes the units of `scalar` to `to` and answers where they end.
+constexpr char16_t* write(char32_t scalar, char16_t* to) {
     if (scalar < 0x10000) {
-        text.push_back(static_cast<char16_t>(scalar));
+        *to++ = static_cast<char16_t>(scalar);
     } else {
-        text.push_back(static_cast<char16_t>(0xD800 + ((scalar - 0x10000) >> 10)));
-        text.push_back(static_cast<char16_t>(0xDC00 + (scalar & 0x3FF)));
+        *to++ = static_cast<char16_t>(0xD800 + ((scalar - 0x10000) >> 10));
+        *to++ = static_cast<char16_t>(0xDC00 + (scalar & 0x3FF));
     }
+    return to;
+}
+
+constexpr void append(std::u16string& text, char32_t scalar) {
+    char16_t units[2] = {};
+    text.append(units, write(scalar, units));
 }
 
 } // namespace UTF16
