@@ -2,8 +2,10 @@
 
 #include "SourceText.h"
 #include "Token.h"
+#include "UnitIndex.h"
 #include "UnitScan.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,7 +25,7 @@ public:
         tag,     ///< Inside a start or end tag, after its name.
     };
 
-    std::u16string_view units;   ///< The whole text; borrowed.
+    std::u16string_view units;   ///< The whole text; borrowed. Not to be changed any more, nor is `end`.
     std::ptrdiff_t end = 0;      ///< Where lexing stops.
     std::ptrdiff_t position = 0; ///< The next offset to read.
     Mode mode = Mode::content;
@@ -51,13 +53,22 @@ public:
     Token::Kind scanTagName(std::ptrdiff_t& start);
     Token::Kind scanTag(std::ptrdiff_t& start);
 
+    /// `scanTag` where an `attributeValue` comes next in all likelihood.
+    Token::Kind scanValue(std::ptrdiff_t& start);
+
     // Shortcuts for what mostly comes next. Each takes the tokens that it names when they stand right at
     // `position`, no white space before or between them, and otherwise changes nothing and answers false.
 
+    /// In a start tag after its `<`: the `tagName`, which covers `start ..< position`. The mode is `tag`
+    /// then, whatever stands there.
+    bool takeTagName(std::ptrdiff_t& start);
     /// The `equals` between an attribute's name and its value.
     bool takeEquals();
     /// In an end tag after its `</`: a `tagName` with the units of `expected`, and the `tagEnd`.
     bool takeEndTagRest(SourceRange expected);
+
+    /// Whether the `text` that `scanContent` has just found holds anything but white space.
+    bool textHasContent() const { return m_textContent < position; }
 
     /// Goes back to a token that starts at `start`, to be read again in `inMode`.
     void rewind(std::ptrdiff_t start, Mode inMode) {
@@ -74,6 +85,10 @@ public:
     static bool isValidName(std::u16string_view name);
 
 private:
+    std::ptrdiff_t find(std::uint64_t UnitFlags::* flags, std::ptrdiff_t from);
+    void nextFlags(std::ptrdiff_t from);
+    void moveIndex(std::ptrdiff_t from);
+
     Token::Kind take(Token::Kind kind, std::ptrdiff_t upTo) {
         position = upTo;
         return kind;
@@ -88,6 +103,12 @@ private:
     static Rare reference(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end);
     Token::Kind takeMarkup();
     Token::Kind takeValue(std::ptrdiff_t from, char16_t quote);
+
+    UnitIndex m_index;
+    std::ptrdiff_t m_flagsPosition = UnitIndex::count - 1; ///< Which flags of the index are at work.
+    std::ptrdiff_t m_flagsLower =
+        -UnitIndex::flagsLength;      ///< The offset of the first unit that they tell of.
+    std::ptrdiff_t m_textContent = 0; ///< Where the white space that the last text starts with ends.
 };
 
 inline std::optional<Token> Lexer::next() {
@@ -97,6 +118,29 @@ inline std::optional<Token> Lexer::next() {
         return std::nullopt;
     }
     return Token{kind, SourceRange::unchecked(static_cast<Offset>(start), static_cast<Offset>(position))};
+}
+
+/// The first unit from `from` on that has one of `flags`, or `end`.
+TAMO_ALWAYS_INLINE std::ptrdiff_t Lexer::find(std::uint64_t UnitFlags::* flags, std::ptrdiff_t from) {
+    const auto index = static_cast<std::size_t>(from - m_flagsLower);
+    std::uint64_t rest = index < UnitIndex::flagsLength ? m_index[m_flagsPosition].*flags >> index : 0;
+    while (rest == 0) {
+        nextFlags(from);
+        from = std::max(from, m_flagsLower);
+        rest = m_index[m_flagsPosition].*flags >> (from - m_flagsLower);
+    }
+    return from + std::countr_zero(rest);
+}
+
+/// Goes on to the flags of the next units, or to those of `from` where these are others.
+TAMO_ALWAYS_INLINE void Lexer::nextFlags(std::ptrdiff_t from) {
+    const auto index = static_cast<std::size_t>(from - m_flagsLower);
+    if (index < 2 * UnitIndex::flagsLength && m_flagsPosition + 1 < UnitIndex::count) [[likely]] {
+        ++m_flagsPosition;
+        m_flagsLower += UnitIndex::flagsLength;
+    } else {
+        moveIndex(from);
+    }
 }
 
 TAMO_ALWAYS_INLINE Token::Kind Lexer::scan(std::ptrdiff_t& start) {
@@ -133,14 +177,30 @@ TAMO_ALWAYS_INLINE Token::Kind Lexer::scanContent(std::ptrdiff_t& start) {
         const Rare token = reference(units, position, end);
         return take(token.kind, token.upper);
     }
-    return take(Token::Kind::text, UnitScan::findAny(units.data(), position + 1, end, u'<', u'&'));
+    m_textContent = UnitScan::isWhitespace(unit) ? find(&UnitFlags::content, position + 1) : position;
+    return take(Token::Kind::text, find(&UnitFlags::markup, m_textContent));
 }
 
 TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTagName(std::ptrdiff_t& start) {
     mode = Mode::tag;
     if (position < end && UnitScan::isNameStart(units[position])) {
         start = position;
-        return take(Token::Kind::tagName, UnitScan::findNameEnd(units.data(), position + 1, end));
+        return take(Token::Kind::tagName, find(&UnitFlags::nameEnd, position + 1));
+    }
+    return scanTag(start);
+}
+
+TAMO_ALWAYS_INLINE bool Lexer::takeTagName(std::ptrdiff_t& start) {
+    mode = Mode::tag;
+    start = position;
+    position = find(&UnitFlags::nameEnd, position);
+    return position != start;
+}
+
+TAMO_ALWAYS_INLINE Token::Kind Lexer::scanValue(std::ptrdiff_t& start) {
+    if (position < end && units[position] == u'"') [[likely]] {
+        start = position;
+        return takeValue(position, u'"');
     }
     return scanTag(start);
 }
@@ -167,17 +227,17 @@ TAMO_ALWAYS_INLINE bool Lexer::takeEndTagRest(SourceRange expected) {
 
 /// The quoted value that starts at `from` and ends with `quote`, the mark that stands there.
 TAMO_ALWAYS_INLINE Token::Kind Lexer::takeValue(std::ptrdiff_t from, char16_t quote) {
-    const std::ptrdiff_t stop = UnitScan::findAny(units.data(), from + 1, end, quote, u'<');
+    std::ptrdiff_t stop = from;
+    do {
+        stop = find(&UnitFlags::valueEnd, stop + 1);
+    } while (stop < end && units[stop] != quote && units[stop] != u'<');
     const bool isClosed = stop < end && units[stop] == quote;
     return take(Token::Kind::attributeValue, isClosed ? stop + 1 : stop);
 }
 
 TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTag(std::ptrdiff_t& start) {
     if (position < end && UnitScan::isWhitespace(units[position])) {
-        ++position;
-        if (position < end && UnitScan::isWhitespace(units[position])) {
-            position = UnitScan::findNonWhitespace(units.data(), position + 1, end);
-        }
+        position = find(&UnitFlags::content, position + 1);
     }
     start = position;
     if (position >= end) {
@@ -192,7 +252,7 @@ TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTag(std::ptrdiff_t& start) {
         return takeValue(position, u'"');
     }
     if (UnitScan::isNameStart(unit)) {
-        return take(Token::Kind::attributeName, UnitScan::findNameEnd(units.data(), position + 1, end));
+        return take(Token::Kind::attributeName, find(&UnitFlags::nameEnd, position + 1));
     }
     if (unit == u'/' && position + 1 < end && units[position + 1] == u'>') {
         mode = Mode::content;

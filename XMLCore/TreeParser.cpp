@@ -53,7 +53,7 @@ private:
     void openTag(Lexer& lexer, Offset lower);
     Offset skipInvalidContent(Offset upper);
     void appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper);
-    void appendCutOffElement(const StartTag& tag, Offset upper);
+    void appendCutOffElement(StartTag tag, Offset upper);
     void appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper);
     Offset attribute(Lexer& lexer, SourceRange name, std::uint32_t firstAttribute);
     void diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute);
@@ -85,8 +85,13 @@ private:
     RecordArray<DiagnosticRecord> m_diagnostics;
     OpenElements m_open;
     AttributeNames m_attributeNames;
-    SourceRange m_textRun; ///< The text gathered since the last markup; empty when there is none.
+
+    // The text gathered since the last markup.
+    static constexpr Offset noTextRun = 0xFFFFFFFF;
+    Offset m_textRunLower = 0;
+    Offset m_textRunUpper = noTextRun;
     bool m_textRunHasContent = false;
+
     bool m_hasRoot = false;
 };
 
@@ -142,13 +147,9 @@ DocumentTree Builder::build(const std::stop_token& stop) {
 
 TAMO_ALWAYS_INLINE void Builder::dispatch(Lexer& lexer, Token::Kind kind, SourceRange range) {
     switch (kind) {
-    case Token::Kind::text: {
-        const bool hasContent =
-            !UnitScan::isWhitespace(m_units[range.lower]) ||
-            UnitScan::findNonWhitespace(m_units.data(), range.lower, range.upper) != range.upper;
-        addToTextRun(range, hasContent);
+    case Token::Kind::text:
+        addToTextRun(range, lexer.textHasContent());
         break;
-    }
     case Token::Kind::entity:
         addToTextRun(range, true);
         break;
@@ -211,25 +212,25 @@ TAMO_ALWAYS_INLINE TreeNode& Builder::append(Kind kind, TreeNode::Flags flags, S
 }
 
 TAMO_ALWAYS_INLINE void Builder::addToTextRun(SourceRange range, bool hasContent) {
-    if (!m_textRun.isEmpty() && m_textRun.upper == range.lower) {
-        m_textRun.upper = range.upper;
-    } else {
+    if (m_textRunUpper != range.lower) {
         flushTextRun();
-        m_textRun = range;
+        m_textRunLower = range.lower;
     }
+    m_textRunUpper = range.upper;
     m_textRunHasContent |= hasContent;
 }
 
 /// White space alone, between elements or as indentation, makes no node.
 TAMO_ALWAYS_INLINE void Builder::flushTextRun() {
     if (m_textRunHasContent) {
+        const SourceRange run = rangeOf(m_textRunLower, m_textRunUpper);
         if (isOutsideRoot()) {
-            diagnose(Rule::textOutsideRoot, m_textRun);
+            diagnose(Rule::textOutsideRoot, run);
         }
-        append(Kind::text, {}, m_textRun, rangeOf(m_textRun.lower, m_textRun.lower), m_textRun);
+        append(Kind::text, {}, run, rangeOf(run.lower, run.lower), run);
+        m_textRunHasContent = false;
     }
-    m_textRun = {};
-    m_textRunHasContent = false;
+    m_textRunUpper = noTextRun;
 }
 
 /// The start tag whose `<` stands at `lower`.
@@ -239,11 +240,10 @@ TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
     StartTag tag{lower, rangeOf(lower, lower), static_cast<std::uint32_t>(m_attributes.size())};
     Offset upper = lower + 1;
     std::ptrdiff_t start = 0;
-    if (lexer.scanTagName(start) == Token::Kind::tagName) {
+    if (lexer.takeTagName(start)) [[likely]] {
         tag.name = rangeOf(start, lexer.position);
         upper = tag.name.upper;
     } else {
-        lexer.rewind(upper, Lexer::Mode::tag);
         diagnose(Rule::missingTagName, rangeOf(lower, upper));
     }
     while (true) {
@@ -301,7 +301,7 @@ TAMO_ALWAYS_INLINE void Builder::appendElement(const StartTag& tag, TreeNode::Fl
 }
 
 /// A start tag that something else than `>` or `/>` follows at `upper`. What follows becomes its sibling.
-void Builder::appendCutOffElement(const StartTag& tag, Offset upper) {
+[[gnu::noinline]] void Builder::appendCutOffElement(StartTag tag, Offset upper) {
     const SourceRange name = tag.name.isEmpty() ? rangeOf(tag.lower, tag.lower + 1) : tag.name;
     diagnose(Rule::unterminatedStartTag, name, upper);
     appendTag(tag, TreeNode::selfClosing | TreeNode::unterminated, upper);
@@ -330,7 +330,7 @@ TAMO_ALWAYS_INLINE Offset Builder::attribute(Lexer& lexer, SourceRange name, std
         }
     }
     const auto equalsUpper = static_cast<Offset>(lexer.position);
-    if (const Token::Kind kind = lexer.scanTag(start); kind != Token::Kind::attributeValue) {
+    if (const Token::Kind kind = lexer.scanValue(start); kind != Token::Kind::attributeValue) {
         if (kind != Lexer::noToken) {
             lexer.rewind(start, Lexer::Mode::tag);
         }
