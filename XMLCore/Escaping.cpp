@@ -13,6 +13,12 @@ namespace {
 using UnicodeProperties::GraphemeBreak;
 using UnicodeProperties::graphemeBreak;
 
+/// The first of `wanted` from `from` on, or `end`.
+template <class... Units>
+const char16_t* findAny(const char16_t* from, const char16_t* end, Units... wanted) {
+    return from + UnitScan::findAny(from, 0, end - from, wanted...);
+}
+
 /// Whether the ASCII unit at `at`, no control, is a character by itself. Its two neighbours decide that, so
 /// that no character is ever walked, however many marks it carries.
 bool standsAlone(const char16_t* begin, const char16_t* at, const char16_t* end) {
@@ -67,8 +73,8 @@ std::u16string escape(std::u16string_view text, Units... markup) {
     std::u16string result;
     result.reserve(text.size() + 8);
     const char16_t* copied = begin;
-    for (const char16_t* at = UnitScan::findAny(begin, end, markup...); at != end;
-         at = UnitScan::findAny(at + 1, end, markup...)) {
+    for (const char16_t* at = findAny(begin, end, markup...); at != end;
+         at = findAny(at + 1, end, markup...)) {
         if (isWholeCharacter(begin, at, end)) {
             result.append(copied, at).append(reference(*at));
             copied = at + 1;
@@ -145,8 +151,9 @@ std::optional<Reference> referenceAt(const char16_t* at, const char16_t* end) {
 } // namespace
 
 std::u16string Escaping::escapeText(std::u16string text) {
-    const char16_t* const end = text.data() + text.size();
-    if (UnitScan::findAny(text.data(), end, u'&', u'<', u'>') == end) {
+    const char16_t* const begin = text.data();
+    const char16_t* const end = begin + text.size();
+    if (findAny(begin, end, u'&', u'<', u'>') == end) {
         return text;
     }
     return escape(text, u'&', u'<', u'>');
@@ -160,7 +167,7 @@ std::u16string Escaping::escapeAttribute(std::u16string_view value, char16_t quo
 std::u16string Escaping::unescape(std::u16string text) {
     char16_t* const begin = text.data();
     const char16_t* const end = begin + text.size();
-    const auto nextAmpersand = [end](const char16_t* from) { return UnitScan::findAny(from, end, u'&'); };
+    const auto nextAmpersand = [end](const char16_t* from) { return findAny(from, end, u'&'); };
     // A reference is longer than what it means, so the result never catches up with what is still to be read.
     char16_t* written = begin;
     const char16_t* read = begin;
