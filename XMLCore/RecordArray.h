@@ -56,7 +56,8 @@ public:
         }
         return m_records[m_size++];
     }
-    void append(const Record& record) { append() = record; }
+    /// `record` may be one of the array's own: growing does not touch the copy.
+    void append(Record record) { append() = record; }
 
     void removeLast() { --m_size; }
     void clear() { m_size = 0; }
