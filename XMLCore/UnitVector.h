@@ -5,14 +5,15 @@
 #include <cstdint>
 #include <utility>
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 #include <emmintrin.h>
-#elif defined(__ARM_NEON)
+#elif defined(__ARM_NEON) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 #include <arm_neon.h>
 #endif
 
 /// Eight UTF-16 units side by side: the one place that knows the processor's vector instructions. Everything
-/// compares lane by lane and answers with a `UnitMask`.
+/// compares lane by lane and answers with a `UnitMask`. Processors without them, and those who define
+/// `TAMO_PLAIN_UNIT_VECTOR`, get the same in plain C++.
 
 /// One flag a lane, packed as the processor gives them.
 template <class Bits, unsigned bitsPerLane>
@@ -39,7 +40,7 @@ private:
     static constexpr Bits allLanes = static_cast<Bits>(~Bits(0)) >> (sizeof(Bits) * 8 - 8 * bitsPerLane);
 };
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 
 using UnitMask = BasicUnitMask<std::uint32_t, 2>;
 
@@ -92,7 +93,7 @@ struct ByteVector {
     std::uint64_t highBits() const { return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes)); }
 };
 
-#elif defined(__ARM_NEON)
+#elif defined(__ARM_NEON) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 
 using UnitMask = BasicUnitMask<std::uint64_t, 8>;
 
