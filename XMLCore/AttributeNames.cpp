@@ -11,7 +11,8 @@ bool AttributeNames::isRepeated(SourceRange name, std::span<const AttributeSpan>
     }
     if (earlier.front().name.lower != m_firstName) {
         m_firstName = earlier.front().name.lower;
-        m_names.clear();
+        // Clearing would take the time of the largest tag so far, again and again.
+        m_names = decltype(m_names)();
         m_namesCount = 0;
     }
     for (; m_namesCount < earlier.size(); ++m_namesCount) {
