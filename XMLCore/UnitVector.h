@@ -30,6 +30,8 @@ struct BasicUnitMask {
     }
     void clearFirst() { bits &= ~(laneMask << (first() * bitsPerLane)); }
     BasicUnitMask operator~() const { return {static_cast<Bits>(~bits & allLanes)}; }
+    /// How many lanes have their flag set.
+    int count() const { return std::popcount(bits) / bitsPerLane; }
     /// The flags of the first `count` lanes, 0 to 7, alone.
     BasicUnitMask firstLanes(std::ptrdiff_t count) const {
         return {static_cast<Bits>(bits & ((Bits(1) << (count * bitsPerLane)) - 1))};
