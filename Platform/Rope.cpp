@@ -41,15 +41,41 @@ void Rope::requireInside(SourceRange range) const {
     precondition(range.upper <= size(), "the range lies inside the text");
 }
 
-Rope Rope::replaced(SourceRange range, std::u16string_view units) const {
-    requireInside(range);
-    precondition(units.size() <= std::numeric_limits<Offset>::max() - (size() - range.length()),
+void Rope::requireRoom(SourceRange inPlaceOf, std::size_t units) const {
+    requireInside(inPlaceOf);
+    precondition(units <= std::numeric_limits<Offset>::max() - (size() - inPlaceOf.length()),
                  "a text has at most 4294967295 units");
+}
+
+Rope Rope::replaced(SourceRange range, std::u16string_view units) const {
+    requireRoom(range, units.size());
     if (m_root == nullptr) {
         return Rope(RopeNode::root(RopeNode::chunks(units, {}, {}), 0));
     }
     const int height = m_root->height;
     return Rope(RopeNode::root(RopeNode::replaced({m_root->sums, m_root}, height, range, units), height));
+}
+
+Rope Rope::replaced(SourceRange range, const Rope& units) const {
+    requireRoom(range, units.size());
+    return part({0, range.lower}).joined(units).joined(part({range.upper, size()}));
+}
+
+Rope Rope::joined(const Rope& next) const {
+    if (isEmpty() || next.isEmpty()) {
+        return isEmpty() ? next : *this;
+    }
+    const int height = m_root->height;
+    const int nextHeight = next.m_root->height;
+    RopeNode::Parts parts =
+        RopeNode::joined({m_root->sums, m_root}, height, {next.m_root->sums, next.m_root}, nextHeight);
+    return Rope(RopeNode::root(std::move(parts), std::max(height, nextHeight)));
+}
+
+Rope Rope::part(SourceRange range) const {
+    requireInside(range);
+    constexpr std::u16string_view nothing;
+    return replaced({range.upper, size()}, nothing).replaced({0, range.lower}, nothing);
 }
 
 char16_t Rope::unit(Offset at) const {

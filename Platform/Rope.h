@@ -38,6 +38,12 @@ public:
     /// the number of `units`. Stops the program when the text would get more than 4294967295 units.
     Rope replaced(SourceRange range, std::u16string_view units) const;
 
+    /// The same with the units of another rope, whose chunks are shared: takes logarithmic time only.
+    Rope replaced(SourceRange range, const Rope& units) const;
+
+    /// The units of `range` as a rope of their own, which shares the chunks; takes logarithmic time.
+    Rope part(SourceRange range) const;
+
     char16_t unit(Offset at) const;
     std::u16string units(SourceRange range) const;
 
@@ -78,7 +84,9 @@ private:
     explicit Rope(std::shared_ptr<const RopeNode> root) : m_root(std::move(root)) {}
 
     TextSums sums() const;
+    Rope joined(const Rope& next) const;
     void requireInside(SourceRange range) const;
+    void requireRoom(SourceRange inPlaceOf, std::size_t units) const;
     Offset countBefore(Offset at, Offset TextSums::* what) const;
 
     std::shared_ptr<const RopeNode> m_root; ///< Null for the empty text.

@@ -146,6 +146,35 @@ Parts RopeNode::replaced(const Part& part, int height, SourceRange range, std::u
     return packed(std::move(children), height);
 }
 
+Parts RopeNode::joined(const Part& first, int firstHeight, const Part& second, int secondHeight) {
+    const int height = std::max(firstHeight, secondHeight);
+    if (firstHeight == secondHeight) {
+        Parts both = {first, second};
+        balance(both, height, 0, both.size());
+        return both;
+    }
+    Parts children;
+    children.reserve(maximumParts + 2);
+    std::size_t changedBegin = 0;
+    std::size_t changedEnd = 0;
+    if (firstHeight > secondHeight) {
+        const std::span<const Part> kept = first.node().parts().first(first.node().count - 1);
+        const Part& last = first.node().parts().back();
+        std::ranges::copy(kept, std::back_inserter(children));
+        std::ranges::move(joined(last, height - 1, second, secondHeight), std::back_inserter(children));
+        changedBegin = kept.size();
+        changedEnd = children.size();
+    } else {
+        const std::span<const Part> kept = second.node().parts().subspan(1);
+        const Part& next = second.node().parts().front();
+        std::ranges::move(joined(first, firstHeight, next, height - 1), std::back_inserter(children));
+        changedEnd = children.size();
+        std::ranges::copy(kept, std::back_inserter(children));
+    }
+    balance(children, height - 1, changedBegin, changedEnd);
+    return packed(std::move(children), height);
+}
+
 std::shared_ptr<const RopeNode> RopeNode::root(Parts parts, int height) {
     while (parts.size() > 1 || (height == 0 && !parts.empty())) {
         parts = packed(std::move(parts), ++height);

@@ -52,6 +52,9 @@ struct RopeNode {
     /// inside it, become `units`. None when nothing is left. A single one may be less than half full.
     static Parts replaced(const Part& part, int height, SourceRange range, std::u16string_view units);
 
+    /// The parts, of the greater of the two heights, that hold `first` and then `second`.
+    static Parts joined(const Part& first, int firstHeight, const Part& second, int secondHeight);
+
     /// The root of a tree over `parts` of the given height; null for none.
     static std::shared_ptr<const RopeNode> root(Parts parts, int height);
 };

@@ -246,6 +246,39 @@ TEST(Rope, FillsItsChunksWhateverItsHistory) {
     expectHolds(cut, std::u16string(15, u'x'));
 }
 
+TEST(Rope, CutsAndJoinsPartsOfAnySize) {
+    const std::u16string text = repeated(u"0123456\n", 60'000);
+    const Rope rope(text);
+    for (unsigned seed = 1; seed <= 100; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        Random random(seed);
+        const SourceRange from =
+            seed % 2 == 0 ? random.range(text.size()) : SourceRange(0, random.upTo(text.size()));
+        const SourceRange range = random.range(text.size());
+        const Rope part = rope.part(from);
+        const std::u16string partText = text.substr(from.lower, from.length());
+        expectHolds(part, partText);
+        expectFullChunks(part);
+        std::u16string expected = text;
+        expected.replace(range.lower, range.length(), partText);
+        const Rope edited = rope.replaced(range, part);
+        expectHolds(edited, expected);
+        expectFullChunks(edited);
+    }
+}
+
+TEST(Rope, SharesTheChunksOfAnInsertedRope) {
+    const SourceText text(repeated(u"line\n", 20'000));
+    const Rope edited = Rope(u"()").replaced({1, 1}, Rope(text));
+    std::size_t shared = 0;
+    for (const std::u16string_view chunk : edited.chunks()) {
+        const bool isOfText = std::less_equal<>()(text.units().data(), chunk.data()) &&
+                              std::less<>()(chunk.data(), text.units().data() + text.count());
+        shared += isOfText ? chunk.size() : 0;
+    }
+    EXPECT_GE(shared, text.count() - 4 * 2048);
+}
+
 TEST(Rope, AnswersAsAPlainStringDoes) {
     for (unsigned seed = 1; seed <= 30; ++seed) {
         SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -256,7 +289,7 @@ TEST(Rope, AnswersAsAPlainStringDoes) {
             const SourceRange range = random.range(text.size());
             const std::u16string units = random.text();
             text.replace(range.lower, range.length(), units);
-            rope = rope.replaced(range, units);
+            rope = random.upTo(1) == 0 ? rope.replaced(range, units) : rope.replaced(range, Rope(units));
             ASSERT_NO_FATAL_FAILURE(
                 expectHoldsAt(rope, text, random.upTo(text.size()), random.range(text.size())));
         }
