@@ -163,12 +163,15 @@ Offset Rope::lineStart(std::size_t ofLine) const {
             continue;
         }
         const std::u16string_view units = node->storage[index].units();
-        const char16_t* const end = units.data() + units.size();
-        const char16_t* feed = UnitScan::findAny(units.data(), end, u'\n');
+        const auto nextFeed = [&](std::size_t from) {
+            return UnitScan::findAny(units.data(), static_cast<UnitScan::Position>(from),
+                                     static_cast<UnitScan::Position>(units.size()), u'\n');
+        };
+        auto feed = nextFeed(0);
         for (; feedsToSkip > 0; --feedsToSkip) {
-            feed = UnitScan::findAny(feed + 1, end, u'\n');
+            feed = nextFeed(feed + 1);
         }
-        return start + static_cast<Offset>(feed + 1 - units.data());
+        return start + static_cast<Offset>(feed + 1);
     }
 }
 

@@ -32,7 +32,7 @@ struct TreeNode {
     struct Flags {
         std::uint8_t rawValue = 0;
 
-        constexpr bool contains(Flags flags) const { return (rawValue & flags.rawValue) == flags.rawValue; }
+        constexpr bool contains(Flags others) const { return (rawValue & others.rawValue) == others.rawValue; }
         constexpr Flags operator|(Flags other) const {
             return {static_cast<std::uint8_t>(rawValue | other.rawValue)};
         }
