@@ -309,7 +309,6 @@ TEST(TextBufferDeathTest, StopsOnBrokenEdits) {
 }
 
 TEST(TextBufferDeathTest, StopsOnAnotherThread) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_DEATH(
         {
             Document document(u"abc");
