@@ -1,0 +1,215 @@
+#include "ReparseScheduler.h"
+
+#include "Signposter.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QThread>
+#include <QThreadPool>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Runs the event loop until `isDone`; the deadline only keeps a failing test from hanging.
+template <class IsDone>
+bool runUntil(IsDone isDone) {
+    const QDeadlineTimer deadline(60s);
+    while (!isDone() && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return isDone();
+}
+
+/// Runs the event loop until a parse that is scheduled now by another scheduler is delivered: whatever was
+/// ready before it has been delivered too.
+void settle() {
+    ReparseScheduler other;
+    bool isDelivered = false;
+    QThreadPool::globalInstance()->waitForDone();
+    other.schedule(
+        0ms, [] { return ReparseScheduler::Snapshot(); }, [&](const auto&) { isDelivered = true; });
+    EXPECT_TRUE(runUntil([&] { return isDelivered; }));
+}
+
+/// A scheduler, and what it asked for and delivered.
+class Session {
+public:
+    void schedule(std::chrono::milliseconds delay, std::u16string_view text) {
+        scheduler->schedule(
+            delay,
+            [this, text = Rope(text)] {
+                snapshots.push_back(text.units(text.fullRange()));
+                if (whileParsing) {
+                    // Posted before the parse begins, so that it runs before the result arrives.
+                    QMetaObject::invokeMethod(qApp, std::exchange(whileParsing, nullptr),
+                                              Qt::QueuedConnection);
+                }
+                return ReparseScheduler::Snapshot{text, static_cast<std::int64_t>(snapshots.size())};
+            },
+            [this](ReparseScheduler::Result result) {
+                EXPECT_EQ(QThread::currentThread(), scheduler->thread());
+                delivered.push_back(result.tree.text.string());
+                last = std::move(result);
+            });
+    }
+
+    std::function<void()> whileParsing; ///< Run once, between the next snapshot and the arrival of its tree.
+    std::unique_ptr<ReparseScheduler> scheduler = std::make_unique<ReparseScheduler>();
+    std::vector<std::u16string> snapshots;
+    std::vector<std::u16string> delivered;
+    std::optional<ReparseScheduler::Result> last;
+};
+
+using Texts = std::vector<std::u16string>;
+
+TEST(ReparseScheduler, DeliversTheTreeWithWhatDerivesFromTheText) {
+    Session session;
+    session.schedule(0ms, u"<a>\n\t<b/>\n\t<c/>\n</a>");
+    EXPECT_TRUE(session.snapshots.empty());
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    EXPECT_EQ(session.last->tree.attributes.size(), 0);
+    ASSERT_TRUE(session.last->tree.rootElement().has_value());
+    EXPECT_EQ(session.last->tree.name(*session.last->tree.rootElement()), u"a");
+    EXPECT_EQ(session.last->lines.starts, (std::vector<Offset>{0, 4, 10, 16}));
+    EXPECT_EQ(session.last->indent, IndentStyle::tabs());
+    EXPECT_EQ(session.last->generation, 1);
+}
+
+TEST(ReparseScheduler, ParsesOnlyTheLastOfABurst) {
+    Session session;
+    session.schedule(120ms, u"<first/>");
+    QThread::msleep(50);
+    QCoreApplication::processEvents();
+    session.schedule(120ms, u"<second/>");
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    settle();
+    EXPECT_EQ(session.snapshots, Texts{u"<second/>"});
+    EXPECT_EQ(session.delivered, Texts{u"<second/>"});
+}
+
+TEST(ReparseScheduler, LetsARequestWithoutDelayCancelASleepingOne) {
+    Session session;
+    session.schedule(50ms, u"<sleeping/>");
+    session.schedule(0ms, u"<now/>");
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    QThread::msleep(60);
+    QCoreApplication::processEvents();
+    settle();
+    EXPECT_EQ(session.snapshots, Texts{u"<now/>"});
+    EXPECT_EQ(session.delivered, Texts{u"<now/>"});
+}
+
+TEST(ReparseScheduler, DiscardsAFinishedResultThatWasOvertaken) {
+    for (const std::u16string_view newer : {u"<newer/>", u"<older/>"}) {
+        Session session;
+        session.whileParsing = [&] {
+            QThreadPool::globalInstance()->waitForDone();
+            session.schedule(0ms, newer);
+        };
+        session.schedule(0ms, u"<older/>");
+        ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+        settle();
+        EXPECT_EQ(session.delivered, Texts{std::u16string(newer)});
+        EXPECT_EQ(session.last->generation, 2);
+    }
+}
+
+TEST(ReparseScheduler, WaitsForACancelledParseWithTheNext) {
+    Session session;
+    std::u16string large;
+    for (int i = 0; i < 300'000; ++i) {
+        large += u"<a b='c'>";
+    }
+    session.whileParsing = [&] { session.schedule(0ms, u"<small/>"); };
+    session.schedule(0ms, large);
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    settle();
+    EXPECT_EQ(session.delivered, Texts{u"<small/>"});
+}
+
+TEST(ReparseScheduler, DeliversNothingOnceItIsGone) {
+    Session sleeping;
+    sleeping.schedule(0ms, u"<a/>");
+    sleeping.scheduler.reset();
+    settle();
+    EXPECT_TRUE(sleeping.snapshots.empty());
+
+    Session parsing;
+    parsing.whileParsing = [&] { parsing.scheduler.reset(); };
+    parsing.schedule(0ms, u"<a/>");
+    ASSERT_TRUE(runUntil([&] { return parsing.scheduler == nullptr; }));
+    settle();
+    EXPECT_EQ(parsing.snapshots.size(), 1);
+    EXPECT_TRUE(parsing.delivered.empty());
+}
+
+TEST(ReparseScheduler, MayBeScheduledOrDestroyedByADelivery) {
+    auto scheduler = std::make_unique<ReparseScheduler>();
+    int deliveries = 0;
+    const auto snapshot = [] { return ReparseScheduler::Snapshot{Rope(u"<a/>"), 0}; };
+    scheduler->schedule(0ms, snapshot, [&](const auto&) {
+        ++deliveries;
+        scheduler->schedule(0ms, snapshot, [&](const auto&) {
+            ++deliveries;
+            scheduler.reset();
+        });
+    });
+    ASSERT_TRUE(runUntil([&] { return scheduler == nullptr; }));
+    EXPECT_EQ(deliveries, 2);
+}
+
+TEST(ReparseScheduler, UsesOldTreesAgain) {
+    Session session;
+    std::u16string text = u"<root>";
+    for (int i = 0; i < 1000; ++i) {
+        text += u"<child name='value'/>text";
+    }
+    text += u"</root>";
+    session.schedule(0ms, text);
+    ASSERT_TRUE(runUntil([&] { return session.delivered.size() == 1; }));
+    const std::size_t nodes = session.last->tree.nodes.size();
+    const void* const storage = session.last->tree.nodes.data();
+    session.scheduler->recycle(std::move(*session.last));
+    session.schedule(0ms, text);
+    ASSERT_TRUE(runUntil([&] { return session.delivered.size() == 2; }));
+    EXPECT_EQ(session.last->tree.nodes.size(), nodes);
+    EXPECT_EQ(session.last->tree.nodes.data(), storage);
+    EXPECT_EQ(session.delivered[1], text);
+}
+
+TEST(ReparseScheduler, MarksEachParse) {
+    Signposter::takeRecords();
+    Signposter::setRecording(true);
+    Session session;
+    session.schedule(0ms, u"<a/>");
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    Signposter::setRecording(false);
+    const std::vector<Signposter::Record> records = Signposter::takeRecords();
+    ASSERT_EQ(records.size(), 1);
+    EXPECT_STREQ(records[0].name, "Parse");
+    EXPECT_STREQ(records[0].category, "Parse");
+    EXPECT_STREQ(records[0].subsystem, "tamo");
+}
+
+TEST(ReparseSchedulerDeathTest, StopsOnAnotherThread) {
+    EXPECT_DEATH(
+        {
+            ReparseScheduler scheduler;
+            std::thread([&] { scheduler.schedule(0ms, nullptr, nullptr); }).join();
+        },
+        "on the main thread");
+}
+
+} // namespace
