@@ -29,7 +29,6 @@ void drop(Value value) {
 struct ReparseScheduler::Job {
     Snapshot snapshot;
     std::stop_token stop;
-    DeliveryStep deliver;
     std::shared_ptr<RopeFlattener> flattener;
     std::vector<Result> old;
     Result result;
@@ -87,7 +86,6 @@ void ReparseScheduler::start() {
     const auto job = std::make_shared<Job>();
     job->snapshot = std::exchange(m_snapshot, nullptr)();
     job->stop = m_task.get_token();
-    job->deliver = std::exchange(m_deliver, nullptr);
     job->flattener = m_flattener;
     job->old = std::exchange(m_old, {});
     m_isParsing = true;
@@ -111,8 +109,8 @@ void ReparseScheduler::start() {
 void ReparseScheduler::finish(Job& job) {
     m_isParsing = false;
     if (!job.stop.stop_requested()) {
-        // May end in another request or in the end of this scheduler.
-        job.deliver(std::move(job.result));
+        // May lead to another request or to the end of this scheduler.
+        std::exchange(m_deliver, nullptr)(std::move(job.result));
         return;
     }
     m_old.push_back(std::move(job.result));
