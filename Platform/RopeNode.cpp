@@ -30,6 +30,17 @@ Parts packed(Parts children, int height) {
     return nodes;
 }
 
+/// A copy of `node` with another child, the commonest outcome of an edit by far.
+Part withChild(const RopeNode& node, std::size_t index, Part child) {
+    const auto copy = std::make_shared<RopeNode>(node);
+    copy->storage[index] = std::move(child);
+    copy->sums = {};
+    for (const Part& part : copy->parts()) {
+        copy->sums += part.sums;
+    }
+    return {copy->sums, copy};
+}
+
 bool isUnderfull(const Part& part, int height) {
     return height == 0 ? part.sums.units < RopeNode::minimumChunk
                        : part.node().count < RopeNode::minimumParts;
@@ -128,18 +139,21 @@ Parts RopeNode::replaced(const Part& part, int height, SourceRange range, std::u
     const Position first = find(old, range.lower);
     const Position last = find(old, range.upper);
 
+    const bool isInOneChild = first.index == last.index;
+    const Offset firstEnd = isInOneChild ? range.upper - first.start : old[first.index].sums.units;
+    Parts changed = replaced(old[first.index], height - 1, {range.lower - first.start, firstEnd}, units);
+    if (isInOneChild && changed.size() == 1 && (old.size() == 1 || !isUnderfull(changed[0], height - 1))) {
+        return {withChild(part.node(), first.index, std::move(changed[0]))};
+    }
+    if (!isInOneChild) {
+        Parts end = replaced(old[last.index], height - 1, {0, range.upper - last.start}, {});
+        std::ranges::move(end, std::back_inserter(changed));
+    }
+
     Parts children;
     children.reserve(maximumParts + 2);
-    const auto replaceIn = [&](const Part& child, SourceRange inside, std::u16string_view with) {
-        std::ranges::move(replaced(child, height - 1, inside, with), std::back_inserter(children));
-    };
     std::ranges::copy(old.first(first.index), std::back_inserter(children));
-    if (first.index == last.index) {
-        replaceIn(old[first.index], {range.lower - first.start, range.upper - first.start}, units);
-    } else {
-        replaceIn(old[first.index], {range.lower - first.start, old[first.index].sums.units}, units);
-        replaceIn(old[last.index], {0, range.upper - last.start}, {});
-    }
+    std::ranges::move(changed, std::back_inserter(children));
     const std::size_t changedEnd = children.size();
     std::ranges::copy(old.subspan(last.index + 1), std::back_inserter(children));
     balance(children, height - 1, first.index, changedEnd);
