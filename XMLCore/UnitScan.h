@@ -1,5 +1,6 @@
 #pragma once
 
+#include "UTF16.h"
 #include "UnitVector.h"
 
 #include <array>
@@ -118,6 +119,21 @@ TAMO_ALWAYS_INLINE Position findNonWhitespace(const char16_t* units, Position fr
                         .mask();
         },
         [](char16_t unit) { return !isWhitespace(unit); });
+}
+
+/// The first surrogate that is no half of a pair.
+inline const char16_t* findLoneSurrogate(const char16_t* from, const char16_t* end) {
+    for (const char16_t* at = from;; at += 2) {
+        at = find(
+            at, end,
+            [](UnitVector units) {
+                return ((units & UnitVector::all(0xF800)) == UnitVector::all(0xD800)).mask();
+            },
+            UTF16::isSurrogate);
+        if (at == end || UTF16::length(UTF16::scalarAt(at, end)) == 1) {
+            return at;
+        }
+    }
 }
 
 /// Just after the first whole `terminator`, of two or three units, or `end`.

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <type_traits>
+
+/// `size` bytes straight from the system, in huge pages where it has them; throws `std::bad_alloc` when it
+/// has not as many. Nothing is touched: what is never written takes no memory.
+void* mapLargeMemory(std::size_t size);
+void unmapLargeMemory(void* memory, std::size_t size);
+
+/// An array whose elements hold no particular values, for the contents and the text of whole files. Touching
+/// new memory page by page costs more than decoding into it, so that a large array asks for huge pages.
+template <class Element>
+std::shared_ptr<Element[]> makeLargeArray(std::size_t count) {
+    static_assert(std::is_trivially_default_constructible_v<Element>);
+    constexpr std::size_t large = std::size_t{4} << 20;
+    if (count < large / sizeof(Element)) {
+        return std::make_shared_for_overwrite<Element[]>(count);
+    }
+    const std::size_t size = count * sizeof(Element);
+    auto* const elements = static_cast<Element*>(mapLargeMemory(size));
+    return {elements, [size](Element* memory) { unmapLargeMemory(memory, size); }};
+}

@@ -1,0 +1,156 @@
+#include "TextEncoder.h"
+
+#include "ByteVector.h"
+#include "Precondition.h"
+#include "UTF16.h"
+#include "UTF8.h"
+#include "UnitScan.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <utility>
+
+namespace {
+
+/// What is encoded at a time: small enough for the processor's cache, and three bytes a unit fit the buffer.
+constexpr std::size_t sliceLength = 16384;
+constexpr std::size_t bufferSize = sliceLength * 3;
+
+/// The first unit that is not a character of Latin-1.
+const char16_t* findBeyondLatin1(const char16_t* from, const char16_t* end) {
+    return UnitScan::find(
+        from, end, [](UnitVector units) { return ~units.atMost(UnitVector::all(0xFF)).mask(); },
+        [](char16_t unit) { return unit > 0xFF; });
+}
+
+} // namespace
+
+TextEncoder::TextEncoder(const StringEncoding& encoding, Sink sink)
+    : m_family(encoding.family()), m_sink(std::move(sink)),
+      m_buffer(std::make_unique_for_overwrite<std::uint8_t[]>(bufferSize)) {
+    if (m_family == StringEncoding::Family::converter) {
+        m_converter = openConverter(encoding.converterName());
+        precondition(m_converter != nullptr, "an encoding has its converter");
+    }
+}
+
+TextEncoder::Result TextEncoder::append(std::u16string_view units) {
+    if (m_pendingHigh != 0 && !units.empty()) {
+        const std::array pair{std::exchange(m_pendingHigh, u'\0'), units.front()};
+        const bool isPair = UTF16::isLowSurrogate(pair[1]);
+        units.remove_prefix(isPair ? 1 : 0);
+        if (Result result = encode({pair.data(), isPair ? std::size_t{2} : 1}); !result) {
+            return result;
+        }
+    }
+    while (!units.empty()) {
+        std::size_t length = std::min(units.size(), sliceLength);
+        if (UTF16::isHighSurrogate(units[length - 1])) {
+            --length;
+            if (length + 1 == units.size()) {
+                m_pendingHigh = units.back();
+                units.remove_suffix(1);
+            }
+        }
+        if (Result result = encode(units.substr(0, length)); !result) {
+            return result;
+        }
+        units.remove_prefix(length);
+    }
+    return {};
+}
+
+TextEncoder::Result TextEncoder::finish() {
+    if (m_pendingHigh != 0) {
+        const char16_t lone = std::exchange(m_pendingHigh, u'\0');
+        if (Result result = encode({&lone, 1}); !result) {
+            return result;
+        }
+    }
+    return m_converter ? convert({}, true) : Result();
+}
+
+TextEncoder::Result TextEncoder::advance(std::u16string_view slice, std::size_t read) {
+    m_offset += read;
+    if (read < slice.size()) {
+        const char32_t character = UTF16::scalarAt(slice.data() + read, slice.data() + slice.size());
+        return std::unexpected(UnencodableCharacter{m_offset, character});
+    }
+    return {};
+}
+
+TextEncoder::Result TextEncoder::encode(std::u16string_view slice) {
+    switch (m_family) {
+    case StringEncoding::Family::utf8:
+        return encodeUTF8(slice);
+    case StringEncoding::Family::utf16LittleEndian:
+    case StringEncoding::Family::utf16BigEndian:
+        return encodeUTF16(slice);
+    case StringEncoding::Family::latin1:
+        return encodeLatin1(slice);
+    case StringEncoding::Family::converter:
+        break;
+    }
+    return convert(slice, false);
+}
+
+TextEncoder::Result TextEncoder::encodeUTF8(std::u16string_view slice) {
+    const UTF8::Progress progress = UTF8::encode(slice, m_buffer.get());
+    m_sink({m_buffer.get(), progress.written});
+    return advance(slice, progress.read);
+}
+
+TextEncoder::Result TextEncoder::encodeUTF16(std::u16string_view slice) {
+    const std::size_t count =
+        UnitScan::findLoneSurrogate(slice.data(), slice.data() + slice.size()) - slice.data();
+    const bool isBigEndian = m_family == StringEncoding::Family::utf16BigEndian;
+    std::uint8_t* const to = m_buffer.get();
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto high = static_cast<std::uint8_t>(slice[i] >> 8);
+        const auto low = static_cast<std::uint8_t>(slice[i]);
+        to[2 * i] = isBigEndian ? high : low;
+        to[2 * i + 1] = isBigEndian ? low : high;
+    }
+    m_sink({to, count * 2});
+    return advance(slice, count);
+}
+
+TextEncoder::Result TextEncoder::encodeLatin1(std::u16string_view slice) {
+    const std::size_t count = findBeyondLatin1(slice.data(), slice.data() + slice.size()) - slice.data();
+    std::size_t at = 0;
+    for (; count - at >= ByteVector::lanes; at += ByteVector::lanes) {
+        const char16_t* const from = slice.data() + at;
+        ByteVector::narrow(UnitVector::load(from), UnitVector::load(from + UnitVector::lanes))
+            .store(m_buffer.get() + at);
+    }
+    for (; at < count; ++at) {
+        m_buffer[at] = static_cast<std::uint8_t>(slice[at]);
+    }
+    m_sink({m_buffer.get(), count});
+    return advance(slice, count);
+}
+
+TextEncoder::Result TextEncoder::convert(std::u16string_view slice, bool isLast) {
+    const char16_t* at = slice.data();
+    const char16_t* const end = at + slice.size();
+    UErrorCode error = U_BUFFER_OVERFLOW_ERROR;
+    while (error == U_BUFFER_OVERFLOW_ERROR) {
+        error = U_ZERO_ERROR;
+        char* const begin = reinterpret_cast<char*>(m_buffer.get());
+        char* to = begin;
+        ucnv_fromUnicode(m_converter.get(), &to, begin + bufferSize, &at, end, nullptr, isLast, &error);
+        m_sink({m_buffer.get(), static_cast<std::size_t>(to - begin)});
+    }
+    m_offset += at - slice.data();
+    return U_SUCCESS(error) ? Result() : std::unexpected(refused());
+}
+
+UnencodableCharacter TextEncoder::refused() const {
+    std::array<char16_t, 8> units{};
+    auto length = static_cast<std::int8_t>(units.size());
+    UErrorCode error = U_ZERO_ERROR;
+    ucnv_getInvalidUChars(m_converter.get(), units.data(), &length, &error);
+    precondition(U_SUCCESS(error) && length > 0, "the converter knows what it refused");
+    return {m_offset - length, UTF16::scalarAt(units.data(), units.data() + length)};
+}

@@ -1,0 +1,90 @@
+#include "TextEncodingDetector.h"
+
+#include "UTF8.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+using namespace std::string_view_literals;
+
+namespace {
+
+struct Mark {
+    std::string_view bytes;
+    StringEncoding encoding;
+};
+constexpr Mark marks[]{
+    {"\xEF\xBB\xBF"sv, StringEncoding::utf8()},
+    {"\xFF\xFE"sv, StringEncoding::utf16LittleEndian()},
+    {"\xFE\xFF"sv, StringEncoding::utf16BigEndian()},
+};
+
+/// White space of ASCII, and of Latin-1: next line and no-break space.
+constexpr bool isSpace(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\r') || character == '\x85' ||
+           character == '\xA0';
+}
+
+constexpr bool isNameCharacter(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
+           (character >= '0' && character <= '9') || character == '.' || character == '_' || character == '-';
+}
+
+std::string_view withoutSpaces(std::string_view text) {
+    return text.substr(std::ranges::find_if_not(text, isSpace) - text.begin());
+}
+
+/// The name in `= "name"`, or nothing when `text` does not start like that. The quotes need not be the same.
+std::optional<std::string_view> assignedName(std::string_view text) {
+    text = withoutSpaces(text);
+    if (!text.starts_with('=')) {
+        return std::nullopt;
+    }
+    text = withoutSpaces(text.substr(1));
+    if (!text.starts_with('"') && !text.starts_with('\'')) {
+        return std::nullopt;
+    }
+    text.remove_prefix(1);
+    const std::size_t length = std::ranges::find_if_not(text, isNameCharacter) - text.begin();
+    const bool isClosed = length > 0 && length < text.size() && (text[length] == '"' || text[length] == '\'');
+    return isClosed ? std::optional(text.substr(0, length)) : std::nullopt;
+}
+
+/// The first encoding name of an XML declaration at the start of `prefix`.
+std::optional<std::string_view> declaredName(std::string_view prefix) {
+    constexpr std::string_view attribute = "encoding";
+    if (!prefix.starts_with("<?xml")) {
+        return std::nullopt;
+    }
+    for (std::size_t at = prefix.find(attribute); at != std::string_view::npos;
+         at = prefix.find(attribute, at + 1)) {
+        if (const auto name = assignedName(prefix.substr(at + attribute.size()))) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
+    constexpr std::size_t prefixLength = 256;
+    const Bytes prefix = bytes.first(std::min(bytes.size(), prefixLength));
+    const auto name = declaredName({reinterpret_cast<const char*>(prefix.data()), prefix.size()});
+    const auto encoding = name ? StringEncoding::named(*name) : std::nullopt;
+    return encoding && encoding->isPlainUTF16() ? StringEncoding::utf8() : encoding;
+}
+
+} // namespace
+
+Detection TextEncodingDetector::detect(Bytes bytes) {
+    for (const Mark& mark : marks) {
+        const Bytes start = bytes.first(std::min(bytes.size(), mark.bytes.size()));
+        if (std::ranges::equal(start, bytesOf(mark.bytes))) {
+            return {mark.encoding, start};
+        }
+    }
+    if (const auto declared = declaredEncoding(bytes)) {
+        return {*declared, {}};
+    }
+    return {UTF8::isValid(bytes) ? StringEncoding::utf8() : StringEncoding::latin1(), {}};
+}

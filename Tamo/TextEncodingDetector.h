@@ -1,0 +1,22 @@
+#pragma once
+
+#include "StringEncoding.h"
+
+/// In which encoding a file is written, and the byte-order mark at its start.
+struct Detection {
+    StringEncoding encoding;
+    Bytes bom; ///< The bytes of the mark, borrowed from the file's; empty when there is none.
+};
+
+/// Finds the encoding of a file.
+namespace TextEncodingDetector {
+
+/// The encoding of `bytes`, the whole contents of a file: the one of its byte-order mark (of UTF-8 or
+/// UTF-16), or else the one that the XML declaration names within the first 256 bytes, or else UTF-8 when all
+/// bytes are legal in it, or else ISO Latin 1.
+///
+/// A declared encoding wins untried. A declaration that can be read byte by byte is not UTF-16, so that a
+/// declared "UTF-16" without a mark stands for UTF-8. Never fails.
+Detection detect(Bytes bytes);
+
+} // namespace TextEncodingDetector
