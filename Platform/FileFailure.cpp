@@ -1,0 +1,28 @@
+#include "FileFailure.h"
+
+#include <cerrno>
+
+FileFailure fileFailure(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return FileFailure::missing;
+    case EISDIR:
+        return FileFailure::folder;
+    case ENXIO:
+        return FileFailure::notRegular;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return FileFailure::noPermission;
+    case ENOSPC:
+    case EDQUOT:
+        return FileFailure::noSpace;
+    case EFBIG:
+    case EOVERFLOW:
+    case ENOMEM:
+        return FileFailure::tooLarge;
+    default:
+        return FileFailure::other;
+    }
+}
