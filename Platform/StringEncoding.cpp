@@ -75,7 +75,8 @@ Decoded decodeUTF16(Bytes bytes, std::endian byteOrder) {
         std::ranges::transform(units.get(), units.get() + count, units.get(),
                                [](char16_t unit) { return static_cast<char16_t>(unit << 8 | unit >> 8); });
     }
-    const std::size_t lone = UnitScan::findLoneSurrogate(units.get(), units.get() + count) - units.get();
+    const auto end = static_cast<UnitScan::Position>(count);
+    const std::size_t lone = UnitScan::findLoneSurrogate(units.get(), 0, end);
     if (lone < count || bytes.size() % 2 != 0) {
         return illegal(lone * 2);
     }

@@ -17,10 +17,11 @@ namespace {
 constexpr std::size_t sliceLength = 16384;
 constexpr std::size_t bufferSize = sliceLength * 3;
 
-/// The first unit that is not a character of Latin-1.
-const char16_t* findBeyondLatin1(const char16_t* from, const char16_t* end) {
+/// How many units from the first on are characters of Latin-1.
+std::size_t latin1Prefix(std::u16string_view units) {
     return UnitScan::find(
-        from, end, [](UnitVector units) { return ~units.atMost(UnitVector::all(0xFF)).mask(); },
+        units.data(), 0, static_cast<UnitScan::Position>(units.size()),
+        [](UnitVector vector) { return ~vector.atMost(UnitVector::all(0xFF)).mask(); },
         [](char16_t unit) { return unit > 0xFF; });
 }
 
@@ -102,8 +103,8 @@ TextEncoder::Result TextEncoder::encodeUTF8(std::u16string_view slice) {
 }
 
 TextEncoder::Result TextEncoder::encodeUTF16(std::u16string_view slice) {
-    const std::size_t count =
-        UnitScan::findLoneSurrogate(slice.data(), slice.data() + slice.size()) - slice.data();
+    const auto end = static_cast<UnitScan::Position>(slice.size());
+    const std::size_t count = UnitScan::findLoneSurrogate(slice.data(), 0, end);
     const bool isBigEndian = m_family == StringEncoding::Family::utf16BigEndian;
     std::uint8_t* const to = m_buffer.get();
     for (std::size_t i = 0; i < count; ++i) {
@@ -117,7 +118,7 @@ TextEncoder::Result TextEncoder::encodeUTF16(std::u16string_view slice) {
 }
 
 TextEncoder::Result TextEncoder::encodeLatin1(std::u16string_view slice) {
-    const std::size_t count = findBeyondLatin1(slice.data(), slice.data() + slice.size()) - slice.data();
+    const std::size_t count = latin1Prefix(slice);
     std::size_t at = 0;
     for (; count - at >= ByteVector::lanes; at += ByteVector::lanes) {
         const char16_t* const from = slice.data() + at;

@@ -47,14 +47,7 @@ struct UnitWriter {
         at += count;
     }
     void ascii(std::uint8_t byte) { *at++ = byte; }
-    void character(char32_t character) {
-        if (character < 0x10000) {
-            *at++ = static_cast<char16_t>(character);
-        } else {
-            *at++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
-            *at++ = static_cast<char16_t>(0xDC00 | (character & 0x3FF));
-        }
-    }
+    void character(char32_t character) { at = UTF16::write(character, at); }
 };
 
 struct NoWriter {

@@ -121,17 +121,17 @@ TAMO_ALWAYS_INLINE Position findNonWhitespace(const char16_t* units, Position fr
         [](char16_t unit) { return !isWhitespace(unit); });
 }
 
-/// The first surrogate that is no half of a pair.
-inline const char16_t* findLoneSurrogate(const char16_t* from, const char16_t* end) {
-    for (const char16_t* at = from;; at += 2) {
-        at = find(
-            at, end,
-            [](UnitVector units) {
-                return ((units & UnitVector::all(0xF800)) == UnitVector::all(0xD800)).mask();
+/// The first surrogate that is no half of a pair within the stretch.
+inline Position findLoneSurrogate(const char16_t* units, Position from, Position end) {
+    for (;; from += 2) {
+        from = find(
+            units, from, end,
+            [](UnitVector vector) {
+                return ((vector & UnitVector::all(0xF800)) == UnitVector::all(0xD800)).mask();
             },
             UTF16::isSurrogate);
-        if (at == end || UTF16::length(UTF16::scalarAt(at, end)) == 1) {
-            return at;
+        if (from == end || UTF16::length(UTF16::scalarAt(units + from, units + end)) == 1) {
+            return from;
         }
     }
 }
