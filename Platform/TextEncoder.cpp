@@ -33,10 +33,29 @@ TextEncoder::TextEncoder(const StringEncoding& encoding, Sink sink)
     if (m_family == StringEncoding::Family::converter) {
         m_converter = openConverter(encoding.converterName());
         precondition(m_converter != nullptr, "an encoding has its converter");
+        m_slice.reserve(sliceLength);
     }
 }
 
 TextEncoder::Result TextEncoder::append(std::u16string_view units) {
+    return m_converter ? appendForConverter(units) : appendForOwnPath(units);
+}
+
+TextEncoder::Result TextEncoder::appendForConverter(std::u16string_view units) {
+    while (!units.empty()) {
+        const std::size_t count = std::min(units.size(), sliceLength - m_slice.size());
+        m_slice.append(units.substr(0, count));
+        units.remove_prefix(count);
+        if (m_slice.size() == sliceLength) {
+            if (Result result = convertSlice(MoreText::follows); !result) {
+                return result;
+            }
+        }
+    }
+    return {};
+}
+
+TextEncoder::Result TextEncoder::appendForOwnPath(std::u16string_view units) {
     if (m_pendingHigh != 0 && !units.empty()) {
         const std::array pair{std::exchange(m_pendingHigh, u'\0'), units.front()};
         const bool isPair = UTF16::isLowSurrogate(pair[1]);
@@ -63,13 +82,11 @@ TextEncoder::Result TextEncoder::append(std::u16string_view units) {
 }
 
 TextEncoder::Result TextEncoder::finish() {
-    if (m_pendingHigh != 0) {
-        const char16_t lone = std::exchange(m_pendingHigh, u'\0');
-        if (Result result = encode({&lone, 1}); !result) {
-            return result;
-        }
+    if (m_converter) {
+        return convertSlice(MoreText::none);
     }
-    return m_converter ? convert({}, true) : Result();
+    const char16_t lone = std::exchange(m_pendingHigh, u'\0');
+    return lone != 0 ? encode({&lone, 1}) : Result();
 }
 
 TextEncoder::Result TextEncoder::advance(std::u16string_view slice, std::size_t read) {
@@ -93,7 +110,7 @@ TextEncoder::Result TextEncoder::encode(std::u16string_view slice) {
     case StringEncoding::Family::converter:
         break;
     }
-    return convert(slice, false);
+    preconditionFailed("a converter takes its own slices");
 }
 
 TextEncoder::Result TextEncoder::encodeUTF8(std::u16string_view slice) {
@@ -132,18 +149,20 @@ TextEncoder::Result TextEncoder::encodeLatin1(std::u16string_view slice) {
     return advance(slice, count);
 }
 
-TextEncoder::Result TextEncoder::convert(std::u16string_view slice, bool isLast) {
-    const char16_t* at = slice.data();
-    const char16_t* const end = at + slice.size();
+TextEncoder::Result TextEncoder::convertSlice(MoreText moreText) {
+    const char16_t* at = m_slice.data();
+    const char16_t* const end = at + m_slice.size();
     UErrorCode error = U_BUFFER_OVERFLOW_ERROR;
     while (error == U_BUFFER_OVERFLOW_ERROR) {
         error = U_ZERO_ERROR;
         char* const begin = reinterpret_cast<char*>(m_buffer.get());
         char* to = begin;
-        ucnv_fromUnicode(m_converter.get(), &to, begin + bufferSize, &at, end, nullptr, isLast, &error);
+        ucnv_fromUnicode(m_converter.get(), &to, begin + bufferSize, &at, end, nullptr,
+                         moreText == MoreText::none, &error);
         m_sink({m_buffer.get(), static_cast<std::size_t>(to - begin)});
     }
-    m_offset += at - slice.data();
+    m_offset += at - m_slice.data();
+    m_slice.clear();
     return U_SUCCESS(error) ? Result() : std::unexpected(refused());
 }
 

@@ -22,7 +22,8 @@ struct UnencodableCharacter {
 /// Turns a text into bytes, stretch by stretch, so that nobody needs the whole of either. Strict: no
 /// character is left out or replaced by another.
 ///
-/// A stretch may end anywhere, between the two units of a pair too. After a failure the encoder is spent.
+/// A stretch may end anywhere, between the two units of a pair too: the bytes depend on the text alone. A
+/// failure may show stretches later; after it the encoder is spent.
 class TextEncoder {
 public:
     /// Takes the bytes as they come; keeps none of them.
@@ -37,11 +38,14 @@ public:
     Result finish();
 
 private:
+    Result appendForConverter(std::u16string_view units);
+    Result appendForOwnPath(std::u16string_view units);
     Result encode(std::u16string_view slice);
     Result encodeUTF8(std::u16string_view slice);
     Result encodeUTF16(std::u16string_view slice);
     Result encodeLatin1(std::u16string_view slice);
-    Result convert(std::u16string_view slice, bool isLast);
+    enum class MoreText : std::uint8_t { follows, none };
+    Result convertSlice(MoreText moreText);
     /// Counts `read` units of `slice` as done; a failure when they are not all.
     Result advance(std::u16string_view slice, std::size_t read);
     /// The character that the converter has just stopped at.
@@ -49,7 +53,8 @@ private:
 
     StringEncoding::Family m_family;
     Sink m_sink;
-    Converter m_converter;
+    Converter m_converter;  ///< Null for an encoding with a path of its own.
+    std::u16string m_slice; ///< What the converter takes next. Some compress, and look ahead in a slice.
     std::unique_ptr<std::uint8_t[]> m_buffer;
     std::uint64_t m_offset = 0;
     char16_t m_pendingHigh = 0; ///< The last unit so far, when the next may complete it.

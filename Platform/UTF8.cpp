@@ -87,7 +87,7 @@ inline const std::uint8_t* decodeInto(Writer& writer, Bytes bytes) {
 }
 
 /// How many units from the first on are below 0x80.
-inline int asciiPrefix(UnitVector first, UnitVector second) {
+inline std::ptrdiff_t asciiPrefix(UnitVector first, UnitVector second) {
     const UnitVector limit = UnitVector::all(0x7F);
     const UnitMask beyondInFirst = ~first.atMost(limit).mask();
     if (beyondInFirst.any()) {
@@ -137,7 +137,7 @@ UTF8::Progress UTF8::encode(std::u16string_view units, std::uint8_t* to) {
         while (end - at >= ByteVector::lanes) {
             const UnitVector first = UnitVector::load(at);
             const UnitVector second = UnitVector::load(at + UnitVector::lanes);
-            const int count = asciiPrefix(first, second);
+            const std::ptrdiff_t count = asciiPrefix(first, second);
             // What follows the prefix is written over at once.
             ByteVector::narrow(first, second).store(output);
             output += count;
