@@ -11,3 +11,8 @@ using Bytes = std::span<const std::uint8_t>;
 inline Bytes bytesOf(std::string_view string) {
     return {reinterpret_cast<const std::uint8_t*>(string.data()), string.size()};
 }
+
+/// The same bytes as a string.
+inline std::string_view stringOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}

@@ -65,7 +65,7 @@ template <class Stretches>
 std::expected<std::string, UnencodableCharacter> encoded(const Stretches& stretches,
                                                          const StringEncoding& encoding) {
     std::string bytes;
-    TextEncoder encoder(encoding, [&bytes](Bytes more) { bytes.append(more.begin(), more.end()); });
+    TextEncoder encoder(encoding, [&bytes](Bytes more) { bytes += stringOf(more); });
     for (const std::u16string_view stretch : stretches) {
         if (const auto result = encoder.append(stretch); !result) {
             return std::unexpected(result.error());

@@ -69,7 +69,7 @@ std::optional<std::string_view> declaredName(std::string_view prefix) {
 std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
     constexpr std::size_t prefixLength = 256;
     const Bytes prefix = bytes.first(std::min(bytes.size(), prefixLength));
-    const auto name = declaredName({reinterpret_cast<const char*>(prefix.data()), prefix.size()});
+    const auto name = declaredName(stringOf(prefix));
     const auto encoding = name ? StringEncoding::named(*name) : std::nullopt;
     return encoding && encoding->isPlainUTF16() ? StringEncoding::utf8() : encoding;
 }
@@ -79,7 +79,7 @@ std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
 Detection TextEncodingDetector::detect(Bytes bytes) {
     for (const Mark& mark : marks) {
         const Bytes start = bytes.first(std::min(bytes.size(), mark.bytes.size()));
-        if (std::ranges::equal(start, bytesOf(mark.bytes))) {
+        if (stringOf(start) == mark.bytes) {
             return {mark.encoding, start};
         }
     }

@@ -1,0 +1,133 @@
+#include "XMLFileDocument.h"
+
+#include "AtomicFile.h"
+#include "TextBuffer.h"
+#include "TextEncoder.h"
+#include "TextEncodingDetector.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+using Action = DocumentError::Action;
+
+template <class Cause>
+std::unexpected<DocumentError> failure(Action action, const Cause& cause) {
+    return std::unexpected(DocumentError{action, cause});
+}
+
+UnencodableText unencodable(const UnencodableCharacter& found, const Rope& text,
+                            const StringEncoding& encoding) {
+    return {found.character, text.line(static_cast<Offset>(found.offset)) + 1, encoding};
+}
+
+} // namespace
+
+std::span<const ContentType> XMLFileDocument::contentTypes() {
+    static const std::array types{
+        ContentType{QStringLiteral("XML"),
+                    {QStringLiteral("application/xml"), QStringLiteral("text/xml")},
+                    {QStringLiteral("xml")}},
+        ContentType{QStringLiteral("SVG"), {QStringLiteral("image/svg+xml")}, {QStringLiteral("svg")}},
+    };
+    return types;
+}
+
+XMLFileDocument::XMLFileDocument() : XMLFileDocument(StringEncoding::utf8(), {}, {}) {}
+
+XMLFileDocument::XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText)
+    : m_encoding(encoding), m_bom(bom.begin(), bom.end()), m_initialText(std::move(initialText)),
+      m_mirror(std::make_shared<TextMirror>(Rope(m_initialText))) {}
+
+XMLFileDocument::~XMLFileDocument() = default;
+
+std::expected<std::unique_ptr<XMLFileDocument>, DocumentError> XMLFileDocument::read(const QString& path) {
+    const auto contents = FileContents::read(path);
+    if (!contents) {
+        return failure(Action::read, contents.error());
+    }
+    return decode(*contents);
+}
+
+std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
+XMLFileDocument::decode(const FileContents& contents) {
+    const Detection detection = TextEncodingDetector::detect(contents.bytes());
+    const Bytes rest = contents.bytes().subspan(detection.bom.size());
+    auto text = detection.encoding.decode(rest);
+    const bool isLegal = text.has_value();
+    if (!isLegal) {
+        text = StringEncoding::latin1().decode(rest);
+    }
+    if (!text) {
+        return failure(Action::read, text.error());
+    }
+    std::unique_ptr<XMLFileDocument> document(
+        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text)));
+    if (isLegal && !document->givesBack(contents.bytes())) {
+        document->m_original = contents;
+    }
+    return document;
+}
+
+/// Whether encoding the initial text gives `bytes` again. The encodings with paths of their own have one way
+/// to write a text.
+bool XMLFileDocument::givesBack(Bytes bytes) const {
+    if (m_encoding.family() != StringEncoding::Family::converter) {
+        return true;
+    }
+    bool isSame = true;
+    const auto result = encodeInto(m_mirror->text(), [&](Bytes encoded) {
+        isSame = isSame && stringOf(bytes).starts_with(stringOf(encoded));
+        bytes = isSame ? bytes.subspan(encoded.size()) : bytes;
+    });
+    return result && isSame && bytes.empty();
+}
+
+TextBuffer& XMLFileDocument::buffer() {
+    if (!m_buffer) {
+        m_buffer = std::make_unique<TextBuffer>(m_mirror->text(), m_mirror);
+    }
+    return *m_buffer;
+}
+
+template <class Sink>
+std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snapshot, Sink sink) const {
+    if (!m_original.bytes().empty() && snapshot == Rope(m_initialText)) {
+        sink(m_original.bytes());
+        return {};
+    }
+    sink(m_bom);
+    TextEncoder encoder(m_encoding, sink);
+    for (const std::u16string_view chunk : snapshot.chunks()) {
+        if (const auto result = encoder.append(chunk); !result) {
+            return failure(Action::write, unencodable(result.error(), snapshot, m_encoding));
+        }
+    }
+    if (const auto result = encoder.finish(); !result) {
+        return failure(Action::write, unencodable(result.error(), snapshot, m_encoding));
+    }
+    return {};
+}
+
+std::expected<void, DocumentError> XMLFileDocument::write(const Rope& snapshot, const QString& path) const {
+    auto file = AtomicFile::open(path);
+    if (!file) {
+        return failure(Action::write, file.error());
+    }
+    if (auto result = encodeInto(snapshot, [&file](Bytes bytes) { file->write(bytes); }); !result) {
+        return result;
+    }
+    if (const auto result = file->commit(); !result) {
+        return failure(Action::write, result.error());
+    }
+    return {};
+}
+
+std::expected<std::string, DocumentError> XMLFileDocument::encode(const Rope& snapshot) const {
+    std::string all;
+    const auto result = encodeInto(snapshot, [&all](Bytes bytes) { all += stringOf(bytes); });
+    return result ? std::expected<std::string, DocumentError>(std::move(all))
+                  : std::unexpected(result.error());
+}
