@@ -1,6 +1,8 @@
 #include "XMLFileDocument.h"
 
+#include "ApplicationIdentifier.h"
 #include "AtomicFile.h"
+#include "Signposter.h"
 #include "TextBuffer.h"
 #include "TextEncoder.h"
 #include "TextEncodingDetector.h"
@@ -12,6 +14,8 @@
 namespace {
 
 using Action = DocumentError::Action;
+
+constexpr Signposter signposter(applicationIdentifier, "Document");
 
 template <class Cause>
 std::unexpected<DocumentError> failure(Action action, const Cause& cause) {
@@ -53,6 +57,7 @@ std::expected<std::unique_ptr<XMLFileDocument>, DocumentError> XMLFileDocument::
 
 std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
 XMLFileDocument::decode(const FileContents& contents) {
+    const Signposter::Interval interval = signposter.interval("Decode");
     const Detection detection = TextEncodingDetector::detect(contents.bytes());
     const Bytes rest = contents.bytes().subspan(detection.bom.size());
     auto text = detection.encoding.decode(rest);

@@ -1,5 +1,6 @@
 #include "XMLFileDocument.h"
 
+#include "Signposter.h"
 #include "TextBuffer.h"
 
 #include <QFile>
@@ -140,6 +141,17 @@ TEST_F(XMLFileDocumentTest, ReadsWhatIsIllegalAsLatin1AndKeepsTheEncoding) {
     EXPECT_EQ(document->encode(document->snapshot()), "\xEF\xBB\xBF<a>ñ</a>");
     EXPECT_EQ(decoded("\xFF\xFE\x00\xD8"s)->initialText().units(), u"\0Ø"s);
     EXPECT_EQ(decoded("\xFF\xFE<")->initialText().units(), u"<");
+}
+
+TEST_F(XMLFileDocumentTest, MarksTheDecoding) {
+    Signposter::takeRecords();
+    Signposter::setRecording(true);
+    decoded("<a/>");
+    Signposter::setRecording(false);
+    const std::vector<Signposter::Record> records = Signposter::takeRecords();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_STREQ(records[0].name, "Decode");
+    EXPECT_STREQ(records[0].category, "Document");
 }
 
 TEST_F(XMLFileDocumentTest, WritesTheLatestTextOfTheBuffer) {
