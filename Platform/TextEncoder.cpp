@@ -13,17 +13,12 @@
 
 namespace {
 
-/// What is encoded at a time: small enough for the processor's cache, and three bytes a unit fit the buffer.
+/// What is encoded at a time.
 constexpr std::size_t sliceLength = 16384;
-constexpr std::size_t bufferSize = sliceLength * 3;
-
-/// How many units from the first on are characters of Latin-1.
-std::size_t latin1Prefix(std::u16string_view units) {
-    return UnitScan::find(
-        units.data(), 0, static_cast<UnitScan::Position>(units.size()),
-        [](UnitVector vector) { return ~vector.atMost(UnitVector::all(0xFF)).mask(); },
-        [](char16_t unit) { return unit > 0xFF; });
-}
+constexpr std::size_t mostBytesOfSlice = sliceLength * 3;
+/// What the sink gets at a time: so much that writing it costs more than calling the system, and little
+/// enough for the processor's cache.
+constexpr std::size_t bufferSize = 128 * 1024;
 
 } // namespace
 
@@ -83,10 +78,20 @@ TextEncoder::Result TextEncoder::appendForOwnPath(std::u16string_view units) {
 
 TextEncoder::Result TextEncoder::finish() {
     if (m_converter) {
-        return convertSlice(MoreText::none);
+        if (Result result = convertSlice(MoreText::none); !result) {
+            return result;
+        }
     }
-    const char16_t lone = std::exchange(m_pendingHigh, u'\0');
-    return lone != 0 ? encode({&lone, 1}) : Result();
+    if (const char16_t lone = std::exchange(m_pendingHigh, u'\0'); lone != 0) {
+        return encode({&lone, 1});
+    }
+    flush();
+    return {};
+}
+
+void TextEncoder::flush() {
+    m_sink({m_buffer.get(), m_used});
+    m_used = 0;
 }
 
 TextEncoder::Result TextEncoder::advance(std::u16string_view slice, std::size_t read) {
@@ -99,6 +104,9 @@ TextEncoder::Result TextEncoder::advance(std::u16string_view slice, std::size_t 
 }
 
 TextEncoder::Result TextEncoder::encode(std::u16string_view slice) {
+    if (bufferSize - m_used < mostBytesOfSlice) {
+        flush();
+    }
     switch (m_family) {
     case StringEncoding::Family::utf8:
         return encodeUTF8(slice);
@@ -114,8 +122,8 @@ TextEncoder::Result TextEncoder::encode(std::u16string_view slice) {
 }
 
 TextEncoder::Result TextEncoder::encodeUTF8(std::u16string_view slice) {
-    const UTF8::Progress progress = UTF8::encode(slice, m_buffer.get());
-    m_sink({m_buffer.get(), progress.written});
+    const UTF8::Progress progress = UTF8::encode(slice, m_buffer.get() + m_used);
+    m_used += progress.written;
     return advance(slice, progress.read);
 }
 
@@ -123,43 +131,49 @@ TextEncoder::Result TextEncoder::encodeUTF16(std::u16string_view slice) {
     const auto end = static_cast<UnitScan::Position>(slice.size());
     const std::size_t count = UnitScan::findLoneSurrogate(slice.data(), 0, end);
     const bool isBigEndian = m_family == StringEncoding::Family::utf16BigEndian;
-    std::uint8_t* const to = m_buffer.get();
+    std::uint8_t* const to = m_buffer.get() + m_used;
     for (std::size_t i = 0; i < count; ++i) {
         const auto high = static_cast<std::uint8_t>(slice[i] >> 8);
         const auto low = static_cast<std::uint8_t>(slice[i]);
         to[2 * i] = isBigEndian ? high : low;
         to[2 * i + 1] = isBigEndian ? low : high;
     }
-    m_sink({to, count * 2});
+    m_used += count * 2;
     return advance(slice, count);
 }
 
 TextEncoder::Result TextEncoder::encodeLatin1(std::u16string_view slice) {
-    const std::size_t count = latin1Prefix(slice);
+    std::uint8_t* const to = m_buffer.get() + m_used;
     std::size_t at = 0;
-    for (; count - at >= ByteVector::lanes; at += ByteVector::lanes) {
-        const char16_t* const from = slice.data() + at;
-        ByteVector::narrow(UnitVector::load(from), UnitVector::load(from + UnitVector::lanes))
-            .store(m_buffer.get() + at);
+    for (; slice.size() - at >= ByteVector::lanes; at += ByteVector::lanes) {
+        const UnitVector first = UnitVector::load(slice.data() + at);
+        const UnitVector second = UnitVector::load(slice.data() + at + UnitVector::lanes);
+        if ((~(first | second).atMost(UnitVector::all(0xFF)).mask()).any()) {
+            break;
+        }
+        ByteVector::narrow(first, second).store(to + at);
     }
-    for (; at < count; ++at) {
-        m_buffer[at] = static_cast<std::uint8_t>(slice[at]);
+    for (; at < slice.size() && slice[at] <= 0xFF; ++at) {
+        to[at] = static_cast<std::uint8_t>(slice[at]);
     }
-    m_sink({m_buffer.get(), count});
-    return advance(slice, count);
+    m_used += at;
+    return advance(slice, at);
 }
 
 TextEncoder::Result TextEncoder::convertSlice(MoreText moreText) {
     const char16_t* at = m_slice.data();
     const char16_t* const end = at + m_slice.size();
+    char* const begin = reinterpret_cast<char*>(m_buffer.get());
     UErrorCode error = U_BUFFER_OVERFLOW_ERROR;
     while (error == U_BUFFER_OVERFLOW_ERROR) {
         error = U_ZERO_ERROR;
-        char* const begin = reinterpret_cast<char*>(m_buffer.get());
-        char* to = begin;
+        char* to = begin + m_used;
         ucnv_fromUnicode(m_converter.get(), &to, begin + bufferSize, &at, end, nullptr,
                          moreText == MoreText::none, &error);
-        m_sink({m_buffer.get(), static_cast<std::size_t>(to - begin)});
+        m_used = to - begin;
+        if (error == U_BUFFER_OVERFLOW_ERROR) {
+            flush();
+        }
     }
     m_offset += at - m_slice.data();
     m_slice.clear();

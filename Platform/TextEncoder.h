@@ -26,7 +26,7 @@ struct UnencodableCharacter {
 /// failure may show stretches later; after it the encoder is spent.
 class TextEncoder {
 public:
-    /// Takes the bytes as they come; keeps none of them.
+    /// Takes the bytes, many at a time; keeps none of them.
     using Sink = std::function<void(Bytes)>;
     using Result = std::expected<void, UnencodableCharacter>;
 
@@ -38,6 +38,7 @@ public:
     Result finish();
 
 private:
+    void flush();
     Result appendForConverter(std::u16string_view units);
     Result appendForOwnPath(std::u16string_view units);
     Result encode(std::u16string_view slice);
@@ -56,6 +57,7 @@ private:
     Converter m_converter;  ///< Null for an encoding with a path of its own.
     std::u16string m_slice; ///< What the converter takes next. Some compress, and look ahead in a slice.
     std::unique_ptr<std::uint8_t[]> m_buffer;
+    std::size_t m_used = 0; ///< How many bytes of the buffer wait for the sink.
     std::uint64_t m_offset = 0;
     char16_t m_pendingHigh = 0; ///< The last unit so far, when the next may complete it.
 };
