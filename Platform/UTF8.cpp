@@ -65,11 +65,14 @@ inline const std::uint8_t* decodeInto(Writer& writer, Bytes bytes) {
         while (end - at >= ByteVector::lanes) {
             const ByteVector block = ByteVector::load(at);
             const int count = block.asciiPrefix();
-            writer.ascii(block, count);
-            at += count;
             if (count < ByteVector::lanes) {
+                writer.ascii(block, count);
+                at += count;
                 break;
             }
+            // A constant step: the next block need not wait for the count of this one.
+            writer.ascii(block, ByteVector::lanes);
+            at += ByteVector::lanes;
         }
         if (at != end && *at < 0x80) {
             writer.ascii(*at++);
@@ -140,11 +143,13 @@ UTF8::Progress UTF8::encode(std::u16string_view units, std::uint8_t* to) {
             const std::ptrdiff_t count = asciiPrefix(first, second);
             // What follows the prefix is written over at once.
             ByteVector::narrow(first, second).store(output);
-            output += count;
-            at += count;
             if (count < ByteVector::lanes) {
+                output += count;
+                at += count;
                 break;
             }
+            output += ByteVector::lanes;
+            at += ByteVector::lanes;
         }
         if (at != end && *at < 0x80) {
             *output++ = static_cast<std::uint8_t>(*at++);
