@@ -2,14 +2,16 @@
 #include "Precondition.h"
 #include "StringEncoding.h"
 #include "TextEncoder.h"
-#include "TextEncodingDetector.h"
+#include "XMLFileDocument.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -63,6 +65,17 @@ void checkDecoding(Bytes bytes, const StringEncoding& encoding) {
     }
 }
 
+/// Opens a file of these bytes and saves it, untouched.
+void checkDocument(Bytes bytes) {
+    auto storage = std::make_shared<std::uint8_t[]>(bytes.size());
+    std::ranges::copy(bytes, storage.get());
+    const auto document = XMLFileDocument::decode({std::move(storage), bytes.size()});
+    precondition(document.has_value(), "any bytes open");
+    const auto saved = (*document)->encode((*document)->snapshot());
+    const bool isLegal = (*document)->encoding().decode(bytes.subspan((*document)->bom().size())).has_value();
+    precondition(!isLegal || (saved && std::ranges::equal(bytesOf(*saved), bytes)), "the file is the same");
+}
+
 } // namespace
 
 /// The first byte chooses an encoding besides the detected one.
@@ -72,8 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const Bytes bytes = Bytes(data, size).subspan(1);
-    const Detection detection = TextEncodingDetector::detect(bytes);
-    checkDecoding(bytes.subspan(detection.bom.size()), detection.encoding);
+    checkDocument(bytes);
     checkDecoding(bytes, encodings[data[0] % encodings.size()]);
     for (const StringEncoding& encoding : {StringEncoding::utf8(), StringEncoding::utf16LittleEndian(),
                                            StringEncoding::utf16BigEndian(), StringEncoding::latin1()}) {
