@@ -50,11 +50,12 @@ TEST(DocumentTemplate, HasTheExactTexts) {
                                                  u"    <elemento atributo=\"valor\">Texto</elemento>\n"
                                                  u"</raiz>\n");
     EXPECT_EQ(find(u"empty").text, declaration);
-    EXPECT_EQ(find(u"svg").text,
-              u"<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"200\" height=\"200\" viewBox=\"0 0 200 200\">\n"
-              u"    <rect x=\"20\" y=\"20\" width=\"160\" height=\"160\" rx=\"24\" fill=\"#4F8EF7\"/>\n"
-              u"    <circle cx=\"100\" cy=\"100\" r=\"48\" fill=\"#FFFFFF\"/>\n"
-              u"</svg>\n");
+    EXPECT_EQ(
+        find(u"svg").text,
+        u"<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"200\" height=\"200\" viewBox=\"0 0 200 200\">\n"
+        u"    <rect x=\"20\" y=\"20\" width=\"160\" height=\"160\" rx=\"24\" fill=\"#4F8EF7\"/>\n"
+        u"    <circle cx=\"100\" cy=\"100\" r=\"48\" fill=\"#FFFFFF\"/>\n"
+        u"</svg>\n");
     EXPECT_EQ(find(u"plist").text, declaration + u"<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
                                                  u"\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
                                                  u"<plist version=\"1.0\">\n"

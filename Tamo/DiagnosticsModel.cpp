@@ -1,0 +1,75 @@
+#include "DiagnosticsModel.h"
+
+#include <QApplication>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int batch = 1000;
+
+QIcon icon(Diagnostic::Severity severity) {
+    const auto symbol = severity == Diagnostic::Severity::error ? QStyle::SP_MessageBoxCritical
+                                                                : QStyle::SP_MessageBoxWarning;
+    return QApplication::style()->standardIcon(symbol);
+}
+
+} // namespace
+
+void DiagnosticsModel::setTree(const DocumentTree* tree, const LineIndex* lines) {
+    beginResetModel();
+    m_tree = tree;
+    m_lines = lines;
+    m_shown = std::min(total(), batch);
+    endResetModel();
+}
+
+int DiagnosticsModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : m_shown; }
+
+QVariant DiagnosticsModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= m_shown) {
+        return {};
+    }
+    const auto row = static_cast<std::size_t>(index.row());
+    const DiagnosticList& diagnostics = m_tree->diagnostics;
+    switch (role) {
+    case Qt::DisplayRole: {
+        const auto line = m_lines->line(diagnostics.range(row).lower) + 1;
+        // Composed by hand, since the message holds names of the document, which may hold "%1".
+        return QStringLiteral("Línea ") + QString::number(line) + QStringLiteral(": ") +
+               QString::fromStdU16String(diagnostics[row].message);
+    }
+    case Qt::DecorationRole:
+        return icon(diagnostics.severity(row));
+    case Qt::ToolTipRole: {
+        const auto fix = diagnostics[row].fix;
+        // Plain text must not be taken for rich text.
+        return fix ? QStringLiteral("<span>%1</span>")
+                         .arg(QStringLiteral("Doble clic: ")
+                                  .append(QString::fromStdU16String(fix->title))
+                                  .toHtmlEscaped())
+                   : QVariant();
+    }
+    default:
+        return {};
+    }
+}
+
+bool DiagnosticsModel::canFetchMore(const QModelIndex& parent) const {
+    return !parent.isValid() && m_shown < total();
+}
+
+void DiagnosticsModel::fetchMore(const QModelIndex& parent) {
+    if (canFetchMore(parent)) {
+        const int more = std::min(batch, total() - m_shown);
+        beginInsertRows({}, m_shown, m_shown + more - 1);
+        m_shown += more;
+        endInsertRows();
+    }
+}
+
+int DiagnosticsModel::total() const {
+    return m_tree != nullptr ? static_cast<int>(std::min<std::size_t>(m_tree->diagnostics.size(), INT_MAX))
+                             : 0;
+}
