@@ -524,7 +524,8 @@ int TextView::marginWidth() const {
 
 void TextView::updateFont() {
     const QFontMetricsF metrics(font());
-    m_lineHeight = static_cast<int>(std::ceil(metrics.height() * 1.15));
+    m_lineHeight = static_cast<int>(std::ceil(metrics.height() * 1.2));
+    m_baseline = std::round((m_lineHeight - metrics.height()) / 2 + metrics.ascent());
     m_digitWidth = metrics.horizontalAdvance(u'0');
     m_layouts.setFont(font(), m_digitWidth * tabColumns);
     m_widest = 0;
@@ -572,6 +573,10 @@ void TextView::paintEvent(QPaintEvent* event) {
     const std::size_t end = lineAt(m_vertical.value() + event->rect().bottom()) + 1;
     const std::size_t start = lineAt(m_vertical.value() + event->rect().top());
 
+    if (selection().isEmpty()) {
+        const double caretLine = textOrigin(m_text.line(m_caret)).y();
+        painter.fillRect(QRectF(0, caretLine, viewport()->width(), m_lineHeight), palette().alternateBase());
+    }
     painter.setClipRect(area);
     for (std::size_t line = start; line < end; ++line) {
         paintLine(painter, line);
@@ -607,15 +612,15 @@ void TextView::paintLine(QPainter& painter, std::size_t line) {
         formats.append(
             {static_cast<int>(lower - shown.range.lower), static_cast<int>(upper - lower), format});
     }
-    const double textHeight = shown.layout->lineAt(0).height();
-    const QPointF centred = start + QPointF(0, std::floor((m_lineHeight - textHeight) / 2));
+    const QTextLine row = shown.layout->lineAt(0);
+    const QPointF drawn = start + QPointF(0, m_baseline - row.ascent());
     if (selected.lower <= whole.upper && whole.upper < selected.upper) {
         // The selected line feed.
-        const double end = start.x() + shown.layout->lineAt(0).naturalTextWidth();
-        painter.fillRect(QRectF(end, centred.y(), m_digitWidth / 2, textHeight), palette().highlight());
+        const double end = start.x() + row.naturalTextWidth();
+        painter.fillRect(QRectF(end, drawn.y(), m_digitWidth / 2, row.height()), palette().highlight());
     }
     painter.setPen(palette().color(QPalette::Text));
-    shown.layout->draw(&painter, centred, formats, viewport()->rect());
+    shown.layout->draw(&painter, drawn, formats, viewport()->rect());
     paintUnderlines(painter, shown, start);
 }
 
@@ -644,10 +649,11 @@ void TextView::paintUnderlines(QPainter& painter, const Stretch& shown, QPointF 
 }
 
 void TextView::paintNumber(QPainter& painter, std::size_t line) const {
-    const QRectF area(0, textOrigin(line).y(), marginWidth() - 2 * padding, m_lineHeight);
+    const QString number = QString::number(line + 1);
+    const double width = m_digitWidth * static_cast<double>(number.size());
     const bool isCurrent = line == m_text.line(m_caret);
     painter.setPen(palette().color(isCurrent ? QPalette::Text : QPalette::PlaceholderText));
-    painter.drawText(area, Qt::AlignRight | Qt::AlignVCenter, QString::number(line + 1));
+    painter.drawText(QPointF(marginWidth() - 2 * padding - width, textOrigin(line).y() + m_baseline), number);
 }
 
 void TextView::paintPreedit(QPainter& painter) {

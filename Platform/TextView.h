@@ -139,6 +139,7 @@ private:
     double m_wantedX = -1; ///< Where a caret that moves up and down wants to be; negative when unknown.
 
     int m_lineHeight = 1;
+    double m_baseline = 1; ///< From the top of a line.
     double m_digitWidth = 1;
     double m_widest = 0; ///< Of the lines laid out so far.
     bool m_caretIsOn = true;

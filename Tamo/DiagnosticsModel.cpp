@@ -1,21 +1,32 @@
 #include "DiagnosticsModel.h"
 
-#include <QApplication>
-#include <QStyle>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 
 #include <algorithm>
 
 namespace {
 
 constexpr int batch = 1000;
+constexpr int dotSize = 10;
 
 QIcon icon(Diagnostic::Severity severity) {
-    const auto symbol = severity == Diagnostic::Severity::error ? QStyle::SP_MessageBoxCritical
-                                                                : QStyle::SP_MessageBoxWarning;
-    return QApplication::style()->standardIcon(symbol);
+    QPixmap dot(dotSize, dotSize);
+    dot.fill(Qt::transparent);
+    QPainter painter(&dot);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(DiagnosticsModel::color(severity));
+    painter.drawEllipse(QRectF(dot.rect()).adjusted(1, 1, -1, -1));
+    return QIcon(dot);
 }
 
 } // namespace
+
+QColor DiagnosticsModel::color(Diagnostic::Severity severity) {
+    return severity == Diagnostic::Severity::error ? QColor(0xD1, 0x34, 0x38) : QColor(0xD0, 0x7A, 0x00);
+}
 
 void DiagnosticsModel::setTree(const DocumentTree* tree, const LineIndex* lines) {
     beginResetModel();

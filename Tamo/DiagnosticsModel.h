@@ -4,6 +4,7 @@
 #include "LineIndex.h"
 
 #include <QAbstractListModel>
+#include <QColor>
 
 /// The diagnostics of a document as rows for a list view, each composed when it is shown. A hostile document
 /// has millions, so the list starts with a thousand and grows as the view asks for more.
@@ -12,6 +13,9 @@ class DiagnosticsModel : public QAbstractListModel {
 
 public:
     using QAbstractListModel::QAbstractListModel;
+
+    /// The colour that stands for problems of a severity.
+    static QColor color(Diagnostic::Severity severity);
 
     /// Shows the diagnostics of `tree`, whose text has `lines`. Both outlive the model or the next call.
     void setTree(const DocumentTree* tree, const LineIndex* lines);

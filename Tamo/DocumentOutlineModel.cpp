@@ -1,14 +1,17 @@
 #include "DocumentOutlineModel.h"
 
 #include <QFont>
+#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QSize>
 
 #include <algorithm>
 
 namespace {
 
 constexpr std::size_t textPreviewLimit = 100;
+constexpr int rowPadding = 6;
 constexpr std::size_t cdataPreviewLimit = 80;
 
 QString preview(const DocumentTree& tree, NodeID node, std::size_t limit) {
@@ -27,13 +30,12 @@ QString label(const DocumentTree& tree, NodeID node) {
     }
     case Kind::text:
     case Kind::comment:
+    case Kind::doctype:
         return preview(tree, node, textPreviewLimit);
     case Kind::cdata:
         return QStringLiteral("CDATA ") + preview(tree, node, cdataPreviewLimit);
     case Kind::instruction:
         return QStringLiteral("?") + QString::fromStdU16String(tree.name(node));
-    case Kind::doctype:
-        return QStringLiteral("DOCTYPE ") + preview(tree, node, textPreviewLimit);
     }
     return {};
 }
@@ -99,6 +101,8 @@ QVariant DocumentOutlineModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
         return label(*m_tree, node(index));
+    case Qt::SizeHintRole:
+        return QSize(0, QFontMetrics(QGuiApplication::font()).height() + rowPadding);
     case Qt::FontRole:
         return font(kind);
     case Qt::ForegroundRole:

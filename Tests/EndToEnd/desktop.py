@@ -1,0 +1,172 @@
+"""A desktop for tests: a virtual display, a message bus, and the accessibility tree of what runs there."""
+
+import os
+import subprocess
+import tempfile
+import time
+
+PATIENCE = 30  # Seconds until something that should happen counts as not happening.
+
+
+def wait_until(condition, what):
+    """Polls `condition` until it gives something true, which is returned; fails after a while."""
+    end = time.monotonic() + PATIENCE
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise AssertionError(f"in {PATIENCE} s there was no: {what}")
+        time.sleep(0.02)
+
+
+class Desktop:
+    """Starts a display and a bus of its own and makes them this process's."""
+
+    def __init__(self):
+        self._processes = []
+        # Of the person who runs the tests, nothing may be seen or touched.
+        for name in ("WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "AT_SPI_BUS_ADDRESS"):
+            os.environ.pop(name, None)
+        self._folder = tempfile.TemporaryDirectory()
+        os.environ.update(
+            XDG_RUNTIME_DIR=self._folder.name,
+            LC_ALL="C.UTF-8",
+            QT_QPA_PLATFORM="xcb",
+            QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+            QT_SCALE_FACTOR="1",
+        )
+        os.environ["DISPLAY"] = ":" + self._start_and_read(
+            lambda fd: ["Xvfb", "-displayfd", str(fd), "-screen", "0", "1600x1000x24", "-nolisten", "tcp"]
+        )
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._start_and_read(
+            lambda fd: ["dbus-daemon", "--session", "--nofork", f"--print-address={fd}"]
+        )
+
+    def _start_and_read(self, command):
+        """Starts what `command` gives for a descriptor, and returns the line that it writes there."""
+        reading, writing = os.pipe()
+        with os.fdopen(reading) as answer:
+            self._processes.append(
+                subprocess.Popen(command(writing), pass_fds=[writing], stderr=subprocess.DEVNULL)
+            )
+            os.close(writing)
+            line = answer.readline().strip()
+        if not line:
+            raise RuntimeError(f"{command(writing)[0]} did not start")
+        return line
+
+    def close(self):
+        for process in reversed(self._processes):
+            process.terminate()
+            process.wait()
+        self._folder.cleanup()
+
+
+class Application:
+    """The program, running on the desktop, with its first window in front."""
+
+    def __init__(self, program, *arguments):
+        self.process = subprocess.Popen([program, *map(str, arguments)])
+        try:
+            self._window = wait_until(self._find_window, "window")
+            self._focus()
+        except BaseException:
+            self.close()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def close(self):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+
+    def _find_window(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"the program ended with {self.process.returncode}")
+        found = self._xdotool("search", "--onlyvisible", "--pid", str(self.process.pid), "--name", "Tamo")
+        return found.split()[0] if found else None
+
+    def _focus(self):
+        def is_focused():
+            self._xdotool("windowfocus", self._window)
+            return self._xdotool("getwindowfocus").strip() == self._window
+
+        wait_until(is_focused, "focus")
+        # Keys go where the program believes the focus to be.
+        wait_until(lambda: self.find(role="frame", state="active"), "active window")
+
+    @staticmethod
+    def _xdotool(*arguments):
+        return subprocess.run(["xdotool", *arguments], capture_output=True, text=True, check=False).stdout
+
+    def press(self, *keys):
+        self._xdotool("key", "--clearmodifiers", *keys)
+
+    def type(self, text):
+        self._xdotool("type", "--clearmodifiers", "--delay", "5", text)
+
+    def title(self):
+        return self._xdotool("getwindowname", self._window).strip()
+
+    # The accessibility tree
+
+    def _root(self):
+        desktop = accessibility().get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            if child is not None and child.get_process_id() == self.process.pid:
+                return child
+        return None
+
+    def accessibles(self):
+        """Every accessible of the program with at most a few hundred children, breadth first."""
+        queue = [self._root()]
+        while queue:
+            current = queue.pop(0)
+            if current is None:
+                continue
+            yield current
+            queue += [current.get_child_at_index(i) for i in range(min(current.get_child_count(), 300))]
+
+    def find(self, role=None, state=None, starts=None):
+        """The first accessible with that role, that state, and a name that starts so."""
+        api = accessibility()
+        try:
+            for each in self.accessibles():
+                if role is not None and each.get_role_name() != role:
+                    continue
+                if starts is not None and not (each.get_name() or "").startswith(starts):
+                    continue
+                if state is None or each.get_state_set().contains(getattr(api.StateType, state.upper())):
+                    return each
+        except api_error():
+            pass  # The tree changed meanwhile; the caller asks again.
+        return None
+
+    def names(self, role):
+        try:
+            return [each.get_name() for each in self.accessibles() if each.get_role_name() == role]
+        except api_error():
+            return []
+
+
+def accessibility():
+    # Connects to the bus when it is first used, so only after the desktop stands.
+    import gi
+
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi
+
+    return Atspi
+
+
+def api_error():
+    from gi.repository import GLib
+
+    return GLib.Error
