@@ -80,6 +80,7 @@ class EndToEnd(unittest.TestCase):
         wait_until(lambda: app.title().startswith("manual.xml*"), "mark of an edited document")
         app.press("ctrl+s")
         self.wait_for_bytes(path, b"<a/>")
+        wait_until(lambda: not app.find(role="table cell", starts="manual"), "outline of the new text")
 
         def undone():
             app.press("ctrl+z")
