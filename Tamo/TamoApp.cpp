@@ -1,6 +1,7 @@
 #include "TamoApp.h"
 
 #include "DocumentWindow.h"
+#include "Signposter.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -9,6 +10,7 @@
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QMessageBox>
+#include <QSaveFile>
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
@@ -22,12 +24,31 @@ const QCommandLineOption
                      QStringLiteral("Guarda una imagen de la primera ventana y termina."),
                      QStringLiteral("archivo.png"));
 
+const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
+                                    QStringLiteral("Muestra esta ayuda y termina."));
+const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
+                                       QStringLiteral("Muestra la versión y termina."));
+const QCommandLineOption traceOption(QStringLiteral("trace"),
+                                     QStringLiteral("Al terminar, escribe en qué se fue el tiempo."),
+                                     QStringLiteral("archivo.json"));
+
 /// The file that an argument of the command line means: a path or a `file:` URL.
 QString localPath(const QString& argument) {
     return argument.startsWith(QStringLiteral("file:")) ? QUrl(argument).toLocalFile() : argument;
 }
 
 void printError(const QString& text) { std::fprintf(stderr, "tamo: %s\n", qUtf8Printable(text)); }
+
+bool writeTrace(const QString& path) {
+    const auto records = Signposter::takeRecords();
+    QSaveFile file(path);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(Signposter::trace(records)) >= 0 && file.commit();
+    if (!written) {
+        printError(QStringLiteral("No se pudo guardar «%1».").arg(path));
+    }
+    return written;
+}
 
 } // namespace
 
@@ -43,21 +64,31 @@ TamoApp::TamoApp() {
 int TamoApp::run(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Editor de XML para el escritorio."));
-    parser.addOption(screenshotOption);
-    parser.addHelpOption();
-    parser.addVersionOption();
+    parser.addOptions({helpOption, versionOption, screenshotOption, traceOption});
     parser.addPositionalArgument(QStringLiteral("archivo"),
                                  QStringLiteral("Archivos que abrir, cada uno en su ventana."),
                                  QStringLiteral("[archivo…]"));
     parser.process(arguments);
+    if (parser.isSet(helpOption)) {
+        parser.showHelp();
+    }
+    if (parser.isSet(versionOption)) {
+        parser.showVersion();
+    }
 
-    m_isBatch = parser.isSet(screenshotOption);
-    const int failures = openAll(parser.positionalArguments());
+    Signposter::setRecording(parser.isSet(traceOption));
+    const int code = runWith(parser.positionalArguments(), parser.value(screenshotOption));
+    return !parser.isSet(traceOption) || writeTrace(parser.value(traceOption)) ? code : EXIT_FAILURE;
+}
+
+int TamoApp::runWith(const QStringList& files, const QString& picture) {
+    m_isBatch = !picture.isEmpty();
+    const int failures = openAll(files);
     if (m_first == nullptr || (m_isBatch && failures != 0)) {
         return EXIT_FAILURE;
     }
     if (m_isBatch) {
-        takePicture(m_first, parser.value(screenshotOption));
+        takePicture(m_first, picture);
     }
     return QApplication::exec();
 }

@@ -24,6 +24,7 @@ public:
     DocumentWindow* openUntitled();
 
 private:
+    int runWith(const QStringList& files, const QString& picture);
     DocumentWindow* show(std::unique_ptr<DocumentWindow> window);
     void chooseAndOpen(DocumentWindow* from);
     int openAll(const QStringList& files);
