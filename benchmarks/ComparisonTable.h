@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+/// What was measured over one group of documents.
+struct ComparisonRow {
+    /// Seconds for one parse of every document.
+    struct Time {
+        double best = 0;
+        double median = 0;
+    };
+
+    std::string name;
+    std::size_t documents = 0;
+    std::size_t leftOut = 0; ///< Documents that could not be decoded or that a strict parser gave up on.
+    std::uint64_t bytes = 0; ///< Of UTF-8.
+    std::uint64_t nodes = 0;
+    std::uint64_t attributes = 0;
+    std::uint64_t allocatedBytes = 0; ///< What the records take, spare capacity included.
+    std::map<std::string, Time, std::less<>> times;
+};
+
+enum class TableStyle : std::uint8_t { text, markdown };
+
+/// A table of the throughputs, in MB of UTF-8 a second, and one of the trees' memory.
+void printComparison(const std::vector<ComparisonRow>& rows, TableStyle style);
