@@ -16,8 +16,8 @@ struct ComparisonRow {
 
     std::string name;
     std::size_t documents = 0;
-    std::size_t leftOut = 0; ///< Documents that could not be decoded or that a strict parser gave up on.
-    std::uint64_t bytes = 0; ///< Of UTF-8.
+    std::vector<std::string> leftOut; ///< Documents that were not measured, each with the reason.
+    std::uint64_t bytes = 0;          ///< Of UTF-8.
     std::uint64_t nodes = 0;
     std::uint64_t attributes = 0;
     std::uint64_t allocatedBytes = 0; ///< What the records take, spare capacity included.

@@ -29,8 +29,8 @@ files in it. A path before the first --group makes a row of its own.
 
   --group NAME     the paths that follow make one row
   --each           one row a document instead
-  --only A,B       only these of: ours, pugixml, expat, libxml2, memchr,
-                   roofline, damaged (ours on a seeded damage of the document)
+  --only A,B       only these of: ours, pugixml, pugixml-copy, expat, libxml2,
+                   memchr, roofline, damaged (ours on a damaged document)
   --rounds N       rounds a document (default 9)
   --seconds S      at most about S seconds a row, though one round at least
   --min-size N     skips files of fewer bytes
@@ -205,11 +205,12 @@ public:
             if (m_options.eachDocument) {
                 addRow(path.filename().string());
             }
-            const std::optional<BenchmarkDocument> document = loadDocument(path);
             const auto size = static_cast<double>(std::filesystem::file_size(path));
             const double share = m_options.seconds * size / static_cast<double>(groupSize);
-            if (!document || !measure(*document, share)) {
-                ++m_rows.back().leftOut;
+            if (const std::optional<BenchmarkDocument> document = loadDocument(path)) {
+                measure(*document, share);
+            } else {
+                m_rows.back().leftOut.push_back(path.filename().string() + ": cannot be decoded");
             }
         }
     }
@@ -222,14 +223,24 @@ private:
         m_rows.back().name = name;
     }
 
-    /// Whether all contenders took the document.
-    bool measure(const BenchmarkDocument& document, double seconds) {
+    void leaveOut(const BenchmarkDocument& document, const std::string& reason) {
+        m_rows.back().leftOut.push_back(std::filesystem::path(document.name).filename().string() + ": " +
+                                        reason);
+    }
+
+    void measure(const BenchmarkDocument& document, double seconds) {
         std::vector<Stopwatch> stopwatches;
         for (const auto& contender : m_contenders) {
             stopwatches.emplace_back(*contender);
             if (!stopwatches.back().prepare(document)) {
-                return false;
+                leaveOut(document, std::string(contender->name()) + " refuses it");
+                return;
             }
+        }
+        if (const ElementCounts counts = elementCounts(document); counts.ours != counts.pugixml) {
+            leaveOut(document, "ours finds " + std::to_string(counts.ours) + " elements, pugixml " +
+                                   std::to_string(counts.pugixml));
+            return;
         }
         const auto start = std::chrono::steady_clock::now();
         const std::chrono::duration<double> limit(seconds);
@@ -242,7 +253,6 @@ private:
             }
         }
         add(document, stopwatches);
-        return true;
     }
 
     void add(const BenchmarkDocument& document, std::vector<Stopwatch>& stopwatches) {
@@ -277,6 +287,7 @@ int main(int argc, char** argv) {
     // What a parser frees stays with the process, so that all find a warm heap.
     constexpr int mostBytesKept = 2'000'000'000;
     mallopt(M_TRIM_THRESHOLD, mostBytesKept);
+    mallopt(M_MMAP_MAX, 0);
 
     Comparison comparison(options);
     for (const Group& group : options.groups) {
