@@ -1,8 +1,11 @@
 #include "BenchmarkDocument.h"
 
+#include "TreeParser.h"
+
 #include <unicode/ucnv.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <fstream>
 #include <iterator>
@@ -119,22 +122,28 @@ private:
 
 } // namespace
 
-std::optional<BenchmarkDocument> makeDocument(std::string name, std::u16string_view text) {
-    std::optional<std::string> utf8 = encoded(text);
-    if (!utf8) {
-        return std::nullopt;
-    }
-    return BenchmarkDocument{std::move(name), std::move(*utf8), SourceText(text)};
-}
-
 std::optional<BenchmarkDocument> loadDocument(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!file || bytes.empty()) {
+    const std::optional<std::u16string> text = file && !bytes.empty() ? decoded(bytes) : std::nullopt;
+    std::optional<std::string> utf8 = text ? encoded(*text) : std::nullopt;
+    if (!utf8) {
         return std::nullopt;
     }
-    const std::optional<std::u16string> text = decoded(bytes);
-    return text ? makeDocument(path.string(), *text) : std::nullopt;
+    constexpr std::uint32_t oneTagIn = 200;
+    constexpr std::uint32_t seed = 1;
+    const DocumentTree tree = TreeParser::parse(SourceText(*text));
+    return BenchmarkDocument{
+        .name = path.filename().string(),
+        .utf8 = std::move(*utf8),
+        .text = tree.text,
+        .damagedText = SourceText(damaged(*text, oneTagIn, seed)),
+        .nodeCount = tree.nodes.size(),
+        .attributeCount = tree.attributes.size(),
+        .elementCount = static_cast<std::size_t>(std::ranges::count_if(tree.nodes, &TreeNode::isElement)),
+        .allocatedBytes =
+            tree.nodes.capacity() * sizeof(TreeNode) + tree.attributes.capacity() * sizeof(AttributeSpan),
+    };
 }
 
 std::u16string damaged(std::u16string_view intact, std::uint32_t oneIn, std::uint32_t seed) {

@@ -3,7 +3,6 @@
 #include "BenchmarkDocument.h"
 #include "ComparisonTable.h"
 #include "ParserContender.h"
-#include "TreeParser.h"
 
 #include <algorithm>
 #include <charconv>
@@ -12,10 +11,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <malloc.h>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -140,28 +143,28 @@ std::vector<std::filesystem::path> files(const Group& group, std::uintmax_t minS
 /// Times one contender on one document.
 class Stopwatch {
 public:
-    explicit Stopwatch(ParserContender& contender) : m_contender(contender) {}
-
-    std::string_view name() const { return m_contender.name(); }
-
-    /// Warms up and chooses how often a round parses; false when the contender gives up on the document.
-    bool prepare(const BenchmarkDocument& document) {
+    /// Chooses how often a round parses. The contender did not give up on the document when `isUsable`.
+    Stopwatch(ParserContender& contender, const BenchmarkDocument& document)
+        : m_contender(&contender), m_document(&document) {
         constexpr double shortestRound = 0.001;
         constexpr double mostRepetitions = 1000;
-        m_contender.parse(document);
-        const std::optional<double> seconds = m_contender.parse(document);
-        if (!seconds) {
-            return false;
-        }
-        m_repetitions =
-            static_cast<int>(std::clamp(std::ceil(shortestRound / *seconds), 1.0, mostRepetitions));
-        return true;
+        m_contender->parse(document);
+        const std::optional<double> seconds = m_contender->parse(document);
+        isUsable = seconds.has_value();
+        m_repetitions = static_cast<int>(
+            std::clamp(std::ceil(shortestRound / seconds.value_or(shortestRound)), 1.0, mostRepetitions));
     }
 
-    void round(const BenchmarkDocument& document) {
+    bool isUsable = false;
+
+    std::string name() const { return std::string(m_contender->name()); }
+
+    void round() {
+        // The last document may have left too little room behind.
+        m_contender->parse(*m_document);
         double sum = 0;
         for (int i = 0; i < m_repetitions; ++i) {
-            sum += m_contender.parse(document).value();
+            sum += m_contender->parse(*m_document).value();
         }
         m_rounds.push_back(sum / m_repetitions);
     }
@@ -173,7 +176,8 @@ public:
     }
 
 private:
-    ParserContender& m_contender;
+    ParserContender* m_contender;
+    const BenchmarkDocument* m_document;
     int m_repetitions = 1;
     std::vector<double> m_rounds;
 };
@@ -194,82 +198,79 @@ public:
 
     void measure(const Group& group) {
         const std::vector<std::filesystem::path> paths = files(group, m_options.minSize);
-        std::uintmax_t groupSize = 0;
-        for (const std::filesystem::path& path : paths) {
-            groupSize += std::filesystem::file_size(path);
-        }
-        if (!m_options.eachDocument) {
-            addRow(group.name);
-        }
-        for (const std::filesystem::path& path : paths) {
-            if (m_options.eachDocument) {
-                addRow(path.filename().string());
+        if (m_options.eachDocument) {
+            for (const std::filesystem::path& path : paths) {
+                m_rows.push_back(row(path.filename().string(), {path}));
             }
-            const auto size = static_cast<double>(std::filesystem::file_size(path));
-            const double share = m_options.seconds * size / static_cast<double>(groupSize);
-            if (const std::optional<BenchmarkDocument> document = loadDocument(path)) {
-                measure(*document, share);
-            } else {
-                m_rows.back().leftOut.push_back(path.filename().string() + ": cannot be decoded");
-            }
+        } else {
+            m_rows.push_back(row(group.name, paths));
         }
     }
 
     const std::vector<ComparisonRow>& rows() const { return m_rows; }
 
 private:
-    void addRow(const std::string& name) {
-        m_rows.emplace_back();
-        m_rows.back().name = name;
-    }
-
-    void leaveOut(const BenchmarkDocument& document, const std::string& reason) {
-        m_rows.back().leftOut.push_back(std::filesystem::path(document.name).filename().string() + ": " +
-                                        reason);
-    }
-
-    void measure(const BenchmarkDocument& document, double seconds) {
+    ComparisonRow row(const std::string& name, const std::vector<std::filesystem::path>& paths) {
+        ComparisonRow row;
+        row.name = name;
+        std::vector<std::unique_ptr<const BenchmarkDocument>> documents;
         std::vector<Stopwatch> stopwatches;
-        for (const auto& contender : m_contenders) {
-            stopwatches.emplace_back(*contender);
-            if (!stopwatches.back().prepare(document)) {
-                leaveOut(document, std::string(contender->name()) + " refuses it");
-                return;
+        for (const std::filesystem::path& path : paths) {
+            std::optional<BenchmarkDocument> document = loadDocument(path);
+            if (!document) {
+                row.leftOut.push_back(path.filename().string() + ": cannot be decoded");
+                continue;
             }
+            documents.push_back(std::make_unique<const BenchmarkDocument>(std::move(*document)));
+            add(*documents.back(), row, stopwatches);
         }
-        if (const ElementCounts counts = elementCounts(document); counts.ours != counts.pugixml) {
-            leaveOut(document, "ours finds " + std::to_string(counts.ours) + " elements, pugixml " +
-                                   std::to_string(counts.pugixml));
-            return;
-        }
-        const auto start = std::chrono::steady_clock::now();
-        const std::chrono::duration<double> limit(seconds);
-        for (int round = 0; round < m_options.rounds; ++round) {
-            if (round > 0 && std::chrono::steady_clock::now() - start > limit) {
-                break;
-            }
-            for (Stopwatch& stopwatch : stopwatches) {
-                stopwatch.round(document);
-            }
-        }
-        add(document, stopwatches);
-    }
-
-    void add(const BenchmarkDocument& document, std::vector<Stopwatch>& stopwatches) {
-        ComparisonRow& row = m_rows.back();
+        time(stopwatches);
         for (Stopwatch& stopwatch : stopwatches) {
             const ComparisonRow::Time time = stopwatch.time();
-            ComparisonRow::Time& sum = row.times[std::string(stopwatch.name())];
+            ComparisonRow::Time& sum = row.times[stopwatch.name()];
             sum.best += time.best;
             sum.median += time.median;
         }
-        const DocumentTree tree = TreeParser::parse(document.text);
+        return row;
+    }
+
+    /// Adds the document's stopwatches, unless its times could not be compared.
+    void add(const BenchmarkDocument& document, ComparisonRow& row, std::vector<Stopwatch>& stopwatches) {
+        const std::size_t peerCount = elementCountOfPugixml(document);
+        std::vector<Stopwatch> added;
+        for (const auto& contender : m_contenders) {
+            added.emplace_back(*contender, document);
+            if (!added.back().isUsable) {
+                row.leftOut.push_back(document.name + ": " + added.back().name() + " refuses it");
+                return;
+            }
+        }
+        if (document.elementCount != peerCount) {
+            row.leftOut.push_back(document.name + ": ours finds " + std::to_string(document.elementCount) +
+                                  " elements, pugixml " + std::to_string(peerCount));
+            return;
+        }
+        std::ranges::move(added, std::back_inserter(stopwatches));
         ++row.documents;
         row.bytes += document.utf8.size();
-        row.nodes += tree.nodes.size();
-        row.attributes += tree.attributes.size();
-        row.allocatedBytes +=
-            tree.nodes.capacity() * sizeof(TreeNode) + tree.attributes.capacity() * sizeof(AttributeSpan);
+        row.nodes += document.nodeCount;
+        row.attributes += document.attributeCount;
+        row.allocatedBytes += document.allocatedBytes;
+    }
+
+    /// Goes round all documents and, on each, all contenders. A spell in which the machine is busy spoils
+    /// some rounds of many documents rather than all rounds of one.
+    void time(std::vector<Stopwatch>& stopwatches) const {
+        const auto start = std::chrono::steady_clock::now();
+        const std::chrono::duration<double> limit(m_options.seconds);
+        for (int round = 0; round < m_options.rounds; ++round) {
+            if (round > 0 && std::chrono::steady_clock::now() - start > limit) {
+                return;
+            }
+            for (Stopwatch& stopwatch : stopwatches) {
+                stopwatch.round();
+            }
+        }
     }
 
     const Options& m_options;
