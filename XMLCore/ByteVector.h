@@ -12,10 +12,8 @@ struct ByteVector {
     static constexpr int lanes = 16;
 
     static ByteVector load(const std::uint8_t* at);
+    static ByteVector all(std::uint8_t byte);
     void store(std::uint8_t* at) const;
-
-    /// How many bytes from the first on are below 0x80: 0 to 16.
-    int asciiPrefix() const;
 
     /// Writes the sixteen bytes as sixteen units.
     void widen(char16_t* to) const;
@@ -23,28 +21,55 @@ struct ByteVector {
     /// The low bytes of sixteen units. Where a unit is 0x100 or above, the byte may be any.
     static ByteVector narrow(UnitVector first, UnitVector second);
 
-#if defined(__SSE2__)
+    /// Sixteen units as bytes, those of 0xFF and above as 0xFF.
+    static ByteVector clamp(UnitVector first, UnitVector second);
+
+    ByteVector operator==(ByteVector other) const;
+    ByteVector operator|(ByteVector other) const;
+    ByteVector operator-(ByteVector other) const;
+    /// The bits that `other` does not have.
+    ByteVector without(ByteVector other) const;
+    /// All bits of a lane set where its byte is at most `other`'s.
+    ByteVector atMost(ByteVector other) const;
+
+    /// The highest bit of every lane, that of the first lane lowest.
+    std::uint32_t highBits() const;
+
+    /// How many bytes from the first on are below 0x80: 0 to 16.
+    int asciiPrefix() const {
+        constexpr std::uint32_t pastTheLast = 1u << lanes;
+        return std::countr_zero(highBits() | pastTheLast);
+    }
+
+#if defined(__SSE2__) && !defined(TAMO_PLAIN_UNIT_VECTOR)
     __m128i bytes;
-#elif defined(__ARM_NEON)
+#elif defined(__ARM_NEON) && !defined(TAMO_PLAIN_UNIT_VECTOR)
     uint8x16_t bytes;
 #else
     std::uint8_t bytes[lanes];
+
+private:
+    template <class Lane>
+    static ByteVector make(Lane lane) {
+        ByteVector vector;
+        for (int i = 0; i < lanes; ++i) {
+            vector.bytes[i] = static_cast<std::uint8_t>(lane(i));
+        }
+        return vector;
+    }
 #endif
 };
 
-#if defined(__SSE2__)
+#if defined(__SSE2__) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 
 inline ByteVector ByteVector::load(const std::uint8_t* at) {
     return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(at))};
 }
 
+inline ByteVector ByteVector::all(std::uint8_t byte) { return {_mm_set1_epi8(static_cast<char>(byte))}; }
+
 inline void ByteVector::store(std::uint8_t* at) const {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at), bytes);
-}
-
-inline int ByteVector::asciiPrefix() const {
-    constexpr std::uint32_t pastTheLast = 1u << lanes;
-    return std::countr_zero(static_cast<std::uint32_t>(_mm_movemask_epi8(bytes)) | pastTheLast);
 }
 
 inline void ByteVector::widen(char16_t* to) const {
@@ -58,17 +83,35 @@ inline ByteVector ByteVector::narrow(UnitVector first, UnitVector second) {
     return {_mm_packus_epi16(first.units, second.units)};
 }
 
-#elif defined(__ARM_NEON)
+inline ByteVector ByteVector::clamp(UnitVector first, UnitVector second) {
+    const auto atMost255 = [](__m128i units) {
+        return _mm_sub_epi16(units, _mm_subs_epu16(units, _mm_set1_epi16(0xFF)));
+    };
+    return {_mm_packus_epi16(atMost255(first.units), atMost255(second.units))};
+}
+
+inline ByteVector ByteVector::operator==(ByteVector other) const {
+    return {_mm_cmpeq_epi8(bytes, other.bytes)};
+}
+inline ByteVector ByteVector::operator|(ByteVector other) const { return {_mm_or_si128(bytes, other.bytes)}; }
+inline ByteVector ByteVector::operator-(ByteVector other) const { return {_mm_sub_epi8(bytes, other.bytes)}; }
+inline ByteVector ByteVector::without(ByteVector other) const {
+    return {_mm_andnot_si128(other.bytes, bytes)};
+}
+inline ByteVector ByteVector::atMost(ByteVector other) const {
+    return {_mm_cmpeq_epi8(_mm_min_epu8(bytes, other.bytes), bytes)};
+}
+inline std::uint32_t ByteVector::highBits() const {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
+}
+
+#elif defined(__ARM_NEON) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 
 inline ByteVector ByteVector::load(const std::uint8_t* at) { return {vld1q_u8(at)}; }
 
-inline void ByteVector::store(std::uint8_t* at) const { vst1q_u8(at, bytes); }
+inline ByteVector ByteVector::all(std::uint8_t byte) { return {vdupq_n_u8(byte)}; }
 
-inline int ByteVector::asciiPrefix() const {
-    const uint8x16_t beyond = vcgeq_u8(bytes, vdupq_n_u8(0x80));
-    const uint8x8_t nibbles = vshrn_n_u16(vreinterpretq_u16_u8(beyond), 4);
-    return std::countr_zero(vget_lane_u64(vreinterpret_u64_u8(nibbles), 0)) / 4;
-}
+inline void ByteVector::store(std::uint8_t* at) const { vst1q_u8(at, bytes); }
 
 inline void ByteVector::widen(char16_t* to) const {
     auto* const target = reinterpret_cast<std::uint16_t*>(to);
@@ -80,28 +123,36 @@ inline ByteVector ByteVector::narrow(UnitVector first, UnitVector second) {
     return {vcombine_u8(vmovn_u16(first.units), vmovn_u16(second.units))};
 }
 
+inline ByteVector ByteVector::clamp(UnitVector first, UnitVector second) {
+    return {vcombine_u8(vqmovn_u16(first.units), vqmovn_u16(second.units))};
+}
+
+inline ByteVector ByteVector::operator==(ByteVector other) const { return {vceqq_u8(bytes, other.bytes)}; }
+inline ByteVector ByteVector::operator|(ByteVector other) const { return {vorrq_u8(bytes, other.bytes)}; }
+inline ByteVector ByteVector::operator-(ByteVector other) const { return {vsubq_u8(bytes, other.bytes)}; }
+inline ByteVector ByteVector::without(ByteVector other) const { return {vbicq_u8(bytes, other.bytes)}; }
+inline ByteVector ByteVector::atMost(ByteVector other) const { return {vcleq_u8(bytes, other.bytes)}; }
+inline std::uint32_t ByteVector::highBits() const {
+    constexpr std::uint8_t weights[] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+    const uint8x16_t isHigh = vcgeq_u8(bytes, vdupq_n_u8(0x80));
+    const uint8x16_t flags = vandq_u8(isHigh, vld1q_u8(weights));
+    return vaddv_u8(vget_low_u8(flags)) | static_cast<std::uint32_t>(vaddv_u8(vget_high_u8(flags))) << 8;
+}
+
 #else
 
 inline ByteVector ByteVector::load(const std::uint8_t* at) {
-    ByteVector vector;
-    for (int i = 0; i < lanes; ++i) {
-        vector.bytes[i] = at[i];
-    }
-    return vector;
+    return make([at](int i) { return at[i]; });
+}
+
+inline ByteVector ByteVector::all(std::uint8_t byte) {
+    return make([byte](int) { return byte; });
 }
 
 inline void ByteVector::store(std::uint8_t* at) const {
     for (int i = 0; i < lanes; ++i) {
         at[i] = bytes[i];
     }
-}
-
-inline int ByteVector::asciiPrefix() const {
-    int count = 0;
-    while (count < lanes && bytes[count] < 0x80) {
-        ++count;
-    }
-    return count;
 }
 
 inline void ByteVector::widen(char16_t* to) const {
@@ -111,12 +162,38 @@ inline void ByteVector::widen(char16_t* to) const {
 }
 
 inline ByteVector ByteVector::narrow(UnitVector first, UnitVector second) {
-    ByteVector vector;
-    for (int i = 0; i < UnitVector::lanes; ++i) {
-        vector.bytes[i] = static_cast<std::uint8_t>(first.units[i]);
-        vector.bytes[i + UnitVector::lanes] = static_cast<std::uint8_t>(second.units[i]);
+    return make(
+        [&](int i) { return i < UnitVector::lanes ? first.units[i] : second.units[i - UnitVector::lanes]; });
+}
+
+inline ByteVector ByteVector::clamp(UnitVector first, UnitVector second) {
+    return make([&](int i) {
+        const char16_t unit = i < UnitVector::lanes ? first.units[i] : second.units[i - UnitVector::lanes];
+        return unit < 0xFF ? unit : 0xFF;
+    });
+}
+
+inline ByteVector ByteVector::operator==(ByteVector other) const {
+    return make([&](int i) { return bytes[i] == other.bytes[i] ? 0xFF : 0; });
+}
+inline ByteVector ByteVector::operator|(ByteVector other) const {
+    return make([&](int i) { return bytes[i] | other.bytes[i]; });
+}
+inline ByteVector ByteVector::operator-(ByteVector other) const {
+    return make([&](int i) { return bytes[i] - other.bytes[i]; });
+}
+inline ByteVector ByteVector::without(ByteVector other) const {
+    return make([&](int i) { return bytes[i] & ~other.bytes[i]; });
+}
+inline ByteVector ByteVector::atMost(ByteVector other) const {
+    return make([&](int i) { return bytes[i] <= other.bytes[i] ? 0xFF : 0; });
+}
+inline std::uint32_t ByteVector::highBits() const {
+    std::uint32_t bits = 0;
+    for (int i = 0; i < lanes; ++i) {
+        bits |= static_cast<std::uint32_t>(bytes[i] >> 7) << i;
     }
-    return vector;
+    return bits;
 }
 
 #endif

@@ -32,7 +32,9 @@ struct TreeNode {
     struct Flags {
         std::uint8_t rawValue = 0;
 
-        constexpr bool contains(Flags others) const { return (rawValue & others.rawValue) == others.rawValue; }
+        constexpr bool contains(Flags others) const {
+            return (rawValue & others.rawValue) == others.rawValue;
+        }
         constexpr Flags operator|(Flags other) const {
             return {static_cast<std::uint8_t>(rawValue | other.rawValue)};
         }

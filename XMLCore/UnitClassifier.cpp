@@ -1,7 +1,7 @@
 #include "UnitClassifier.h"
 
+#include "ByteVector.h"
 #include "UnitScan.h"
-#include "UnitVector.h"
 
 #include <array>
 #include <vector>
@@ -20,7 +20,8 @@ inline UnitFlags flagsOfVectors(const char16_t* units) {
     std::uint64_t valueEnd = 0;
     std::uint64_t whitespace = 0;
     for (int i = 0; i < UnitIndex::flagsLength; i += ByteVector::lanes) {
-        const ByteVector bytes = ByteVector::loadUnits(units + i);
+        const ByteVector bytes =
+            ByteVector::clamp(UnitVector::load(units + i), UnitVector::load(units + i + UnitVector::lanes));
         const ByteVector lessThan = bytes == all('<');
         const ByteVector quote = (bytes == all('"')) | (bytes == all('\''));
         const ByteVector blank =
@@ -30,10 +31,10 @@ inline UnitFlags flagsOfVectors(const char16_t* units) {
         const ByteVector letter = ((bytes | all(0x20)) - all('a')).atMost(all('z' - 'a'));
         const ByteVector dashToColon = (bytes - all('-')).atMost(all(':' - '-'));
         const ByteVector mayBeName = bytes | letter | dashToColon | (bytes == all('_'));
-        markup |= (lessThan | (bytes == all('&'))).highBits() << i;
-        name |= mayBeName.without(bytes == all('/')).highBits() << i;
-        valueEnd |= (lessThan | quote).highBits() << i;
-        whitespace |= blank.highBits() << i;
+        markup |= std::uint64_t{(lessThan | (bytes == all('&'))).highBits()} << i;
+        name |= std::uint64_t{mayBeName.without(bytes == all('/')).highBits()} << i;
+        valueEnd |= std::uint64_t{(lessThan | quote).highBits()} << i;
+        whitespace |= std::uint64_t{blank.highBits()} << i;
     }
     return {markup, ~name, valueEnd, ~whitespace};
 }

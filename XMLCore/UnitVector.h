@@ -69,32 +69,6 @@ struct UnitVector {
     UnitMask mask() const { return {static_cast<std::uint32_t>(_mm_movemask_epi8(units))}; }
 };
 
-/// Sixteen units as bytes, those above 255 as 255: what tells ASCII apart, at twice the speed.
-struct ByteVector {
-    static constexpr int lanes = 16;
-    __m128i bytes;
-
-    static ByteVector loadUnits(const char16_t* at) {
-        const __m128i highest = _mm_set1_epi16(0xFF);
-        const auto clamped = [highest](__m128i units) {
-            return _mm_sub_epi16(units, _mm_subs_epu16(units, highest));
-        };
-        return {_mm_packus_epi16(clamped(UnitVector::load(at).units),
-                                 clamped(UnitVector::load(at + UnitVector::lanes).units))};
-    }
-    static ByteVector all(std::uint8_t byte) { return {_mm_set1_epi8(static_cast<char>(byte))}; }
-
-    ByteVector operator==(ByteVector other) const { return {_mm_cmpeq_epi8(bytes, other.bytes)}; }
-    ByteVector operator|(ByteVector other) const { return {_mm_or_si128(bytes, other.bytes)}; }
-    ByteVector without(ByteVector other) const { return {_mm_andnot_si128(other.bytes, bytes)}; }
-    ByteVector operator-(ByteVector other) const { return {_mm_sub_epi8(bytes, other.bytes)}; }
-    ByteVector atMost(ByteVector other) const {
-        return {_mm_cmpeq_epi8(_mm_min_epu8(bytes, other.bytes), bytes)};
-    }
-    /// The highest bit of every lane, that of the first lane lowest.
-    std::uint64_t highBits() const { return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes)); }
-};
-
 #elif defined(__ARM_NEON) && !defined(TAMO_PLAIN_UNIT_VECTOR)
 
 using UnitMask = BasicUnitMask<std::uint64_t, 8>;
@@ -115,29 +89,6 @@ struct UnitVector {
     UnitVector operator-(UnitVector other) const { return {vsubq_u16(units, other.units)}; }
     UnitVector atMost(UnitVector other) const { return {vcleq_u16(units, other.units)}; }
     UnitMask mask() const { return {vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(units, 4)), 0)}; }
-};
-
-struct ByteVector {
-    static constexpr int lanes = 16;
-    uint8x16_t bytes;
-
-    static ByteVector loadUnits(const char16_t* at) {
-        return {vcombine_u8(vqmovn_u16(UnitVector::load(at).units),
-                            vqmovn_u16(UnitVector::load(at + UnitVector::lanes).units))};
-    }
-    static ByteVector all(std::uint8_t byte) { return {vdupq_n_u8(byte)}; }
-
-    ByteVector operator==(ByteVector other) const { return {vceqq_u8(bytes, other.bytes)}; }
-    ByteVector operator|(ByteVector other) const { return {vorrq_u8(bytes, other.bytes)}; }
-    ByteVector without(ByteVector other) const { return {vbicq_u8(bytes, other.bytes)}; }
-    ByteVector operator-(ByteVector other) const { return {vsubq_u8(bytes, other.bytes)}; }
-    ByteVector atMost(ByteVector other) const { return {vcleq_u8(bytes, other.bytes)}; }
-    std::uint64_t highBits() const {
-        constexpr std::uint8_t weights[] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-        const uint8x16_t flags =
-            vandq_u8(vreinterpretq_u8_s8(vshrq_n_s8(vreinterpretq_s8_u8(bytes), 7)), vld1q_u8(weights));
-        return vaddv_u8(vget_low_u8(flags)) | static_cast<std::uint64_t>(vaddv_u8(vget_high_u8(flags))) << 8;
-    }
 };
 
 #else
@@ -187,51 +138,6 @@ private:
         UnitVector vector;
         for (int i = 0; i < lanes; ++i) {
             vector.units[i] = static_cast<char16_t>(lane(i));
-        }
-        return vector;
-    }
-};
-
-struct ByteVector {
-    static constexpr int lanes = 16;
-    std::uint8_t bytes[lanes];
-
-    static ByteVector loadUnits(const char16_t* at) {
-        return make([at](int i) { return at[i] < 0xFF ? at[i] : 0xFF; });
-    }
-    static ByteVector all(std::uint8_t byte) {
-        return make([byte](int) { return byte; });
-    }
-
-    ByteVector operator==(ByteVector other) const {
-        return make([&](int i) { return bytes[i] == other.bytes[i] ? 0xFF : 0; });
-    }
-    ByteVector operator|(ByteVector other) const {
-        return make([&](int i) { return bytes[i] | other.bytes[i]; });
-    }
-    ByteVector without(ByteVector other) const {
-        return make([&](int i) { return bytes[i] & ~other.bytes[i]; });
-    }
-    ByteVector operator-(ByteVector other) const {
-        return make([&](int i) { return bytes[i] - other.bytes[i]; });
-    }
-    ByteVector atMost(ByteVector other) const {
-        return make([&](int i) { return bytes[i] <= other.bytes[i] ? 0xFF : 0; });
-    }
-    std::uint64_t highBits() const {
-        std::uint64_t bits = 0;
-        for (int i = 0; i < lanes; ++i) {
-            bits |= static_cast<std::uint64_t>(bytes[i] >> 7) << i;
-        }
-        return bits;
-    }
-
-private:
-    template <class Lane>
-    static ByteVector make(Lane lane) {
-        ByteVector vector;
-        for (int i = 0; i < lanes; ++i) {
-            vector.bytes[i] = static_cast<std::uint8_t>(lane(i));
         }
         return vector;
     }
