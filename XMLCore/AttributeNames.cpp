@@ -1,22 +1,39 @@
 #include "AttributeNames.h"
 
+#include "NameHash.h"
+
 #include <algorithm>
 
-bool AttributeNames::isRepeated(SourceRange name, std::span<const AttributeSpan> earlier) {
+bool AttributeNames::isAmong(std::span<const AttributeSpan> earlier, SourceRange name) const {
     const std::u16string_view wanted = units(name);
-    constexpr std::size_t comparedOneByOne = 16;
-    if (earlier.size() <= comparedOneByOne) {
-        return std::ranges::any_of(
-            earlier, [&](const AttributeSpan& attribute) { return units(attribute.name) == wanted; });
+    return std::ranges::any_of(
+        earlier, [&](const AttributeSpan& attribute) { return units(attribute.name) == wanted; });
+}
+
+std::vector<SourceRange> AttributeNames::repeatedLater(std::span<const AttributeSpan> attributes) {
+    // A hash and a position in one number: sorting brings equal names together, the first one first.
+    m_keys.clear();
+    m_keys.reserve(attributes.size());
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        m_keys.push_back(NameHash()(units(attributes[i].name)) << 32 | i);
     }
-    if (earlier.front().name.lower != m_firstName) {
-        m_firstName = earlier.front().name.lower;
-        // Clearing would take the time of the largest tag so far, again and again.
-        m_names = decltype(m_names)();
-        m_namesCount = 0;
+    std::ranges::sort(m_keys);
+    const auto name = [&](std::uint64_t key) { return attributes[static_cast<std::uint32_t>(key)].name; };
+
+    std::vector<SourceRange> repeated;
+    std::vector<SourceRange> distinct; // The names of one hash; two only by a rare chance.
+    std::uint64_t hash = 0;
+    for (const std::uint64_t key : m_keys) {
+        if (distinct.empty() || key >> 32 != hash) {
+            hash = key >> 32;
+            distinct.clear();
+        }
+        const auto isSame = [&](SourceRange earlier) { return units(earlier) == units(name(key)); };
+        if (std::ranges::none_of(distinct, isSame)) {
+            distinct.push_back(name(key));
+        } else if (static_cast<std::uint32_t>(key) >= comparedOneByOne) {
+            repeated.push_back(name(key));
+        }
     }
-    for (; m_namesCount < earlier.size(); ++m_namesCount) {
-        m_names.insert(units(earlier[m_namesCount].name));
-    }
-    return m_names.contains(wanted);
+    return repeated;
 }

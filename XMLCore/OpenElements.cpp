@@ -1,5 +1,7 @@
 #include "OpenElements.h"
 
+#include <utility>
+
 std::optional<std::size_t> OpenElements::nearest(std::u16string_view named) {
     constexpr std::size_t comparedOneByOne = 16;
     std::size_t position = depth() - 1;
@@ -12,23 +14,25 @@ std::optional<std::size_t> OpenElements::nearest(std::u16string_view named) {
         return std::nullopt;
     }
     indexAll();
-    const auto found = m_nearest.find(named);
-    return found == m_nearest.end() || found->second == none ? std::nullopt : std::optional(found->second);
+    const auto number = m_names.find(named);
+    const std::uint32_t nearest = number ? m_nearest[*number] : none;
+    return nearest == none ? std::nullopt : std::optional<std::size_t>(nearest);
 }
 
 void OpenElements::indexAll() {
-    m_nextOfSameName.resize(m_indexedDepth);
-    for (; m_indexedDepth < depth(); ++m_indexedDepth) {
-        std::size_t next = none;
-        if (m_indexedDepth > 0) {
-            std::size_t& nearest = m_nearest[name(m_indexedDepth)];
-            next = std::exchange(nearest, m_indexedDepth);
+    while (m_indexed.size() < depth()) {
+        const auto position = static_cast<std::uint32_t>(m_indexed.size());
+        const std::uint32_t number = m_names.number(m_elements[position].name);
+        if (number == m_nearest.size()) {
+            m_nearest.push_back(none);
         }
-        m_nextOfSameName.push_back(next);
+        // The document, at position 0, is no element to be found.
+        m_indexed.push_back({number, position == 0 ? none : std::exchange(m_nearest[number], position)});
     }
 }
 
 void OpenElements::forgetTop() {
-    --m_indexedDepth;
-    m_nearest[name(m_indexedDepth)] = m_nextOfSameName[m_indexedDepth];
+    const Indexed top = m_indexed.back();
+    m_indexed.pop_back();
+    m_nearest[top.name] = top.nextOfSameName;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NameHash.h"
+#include "NameTable.h"
 #include "RecordArray.h"
 #include "SourceRange.h"
 
@@ -8,8 +8,6 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 /// An element, or the document, that the parser has not closed yet.
@@ -24,7 +22,7 @@ struct OpenElement {
 class OpenElements {
 public:
     /// `units` is the text that the elements' names lie in; borrowed.
-    explicit OpenElements(std::u16string_view units) : m_units(units) {}
+    explicit OpenElements(std::u16string_view units) : m_units(units), m_names(units) {}
 
     OpenElement& top() { return m_elements.back(); }
     /// The number of open elements, the document included.
@@ -32,7 +30,7 @@ public:
 
     void push(const OpenElement& element) { m_elements.append(element); }
     void pop() {
-        if (m_indexedDepth == m_elements.size()) [[unlikely]] {
+        if (m_indexed.size() == m_elements.size()) [[unlikely]] {
             forgetTop();
         }
         m_elements.removeLast();
@@ -54,11 +52,16 @@ private:
     std::u16string_view m_units;
     RecordArray<OpenElement> m_elements;
 
-    // What finds elements deep below the top: for every name the nearest position in the stack, and for
-    // every position the next one below it of the same name. Covers the bottom `m_indexedDepth` elements,
-    // and grows only when a search reaches below the few that it compares one by one.
-    static constexpr std::size_t none = 0;
-    std::unordered_map<std::u16string_view, std::size_t, NameHash> m_nearest;
-    std::vector<std::size_t> m_nextOfSameName;
-    std::size_t m_indexedDepth = 0;
+    // What finds elements deep below the top: for every name, by its number, the nearest position in the
+    // stack, and for every position the number of its name and the next position below it of the same name.
+    // Covers the bottom `m_indexed.size()` elements, and grows only when a search reaches below the few that
+    // it compares one by one.
+    struct Indexed {
+        std::uint32_t name;
+        std::uint32_t nextOfSameName;
+    };
+    static constexpr std::uint32_t none = 0;
+    NameTable m_names;
+    std::vector<std::uint32_t> m_nearest;
+    std::vector<Indexed> m_indexed;
 };

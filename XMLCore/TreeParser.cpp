@@ -57,6 +57,10 @@ private:
     void appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper);
     Offset attribute(Lexer& lexer, SourceRange name, std::uint32_t firstAttribute);
     void diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute);
+    void diagnoseRepeatedLater(std::uint32_t firstAttribute);
+    std::span<const AttributeSpan> attributesFrom(std::uint32_t first) const {
+        return std::span(m_attributes.begin(), m_attributes.end()).subspan(first);
+    }
     void appendAttribute(SourceRange name, Offset upper, SourceRange value, char16_t quote);
 
     void closeTag(Lexer& lexer, SourceRange opener);
@@ -71,6 +75,7 @@ private:
     void leaf(SourceRange range, const Delimiters& delimiters);
 
     void finish();
+    void sortDiagnostics();
     void diagnose(Rule rule, SourceRange range, Offset fixOffset = 0) {
         m_diagnostics.append({range, fixOffset, rule});
     }
@@ -311,6 +316,9 @@ TAMO_ALWAYS_INLINE void Builder::appendTag(const StartTag& tag, TreeNode::Flags 
     TreeNode& node = append(Kind::element, flags, rangeOf(tag.lower, upper), tag.name, rangeOf(upper, upper));
     node.firstAttribute = tag.firstAttribute;
     node.attributeCount = static_cast<std::uint32_t>(m_attributes.size()) - tag.firstAttribute;
+    if (node.attributeCount > AttributeNames::comparedOneByOne) [[unlikely]] {
+        diagnoseRepeatedLater(tag.firstAttribute);
+    }
 }
 
 /// The attribute that starts with `name`; answers where its last token ends.
@@ -350,8 +358,15 @@ TAMO_ALWAYS_INLINE Offset Builder::attribute(Lexer& lexer, SourceRange name, std
 }
 
 void Builder::diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute) {
-    const std::span<const AttributeSpan> all(m_attributes.begin(), m_attributes.end());
-    if (m_attributeNames.isRepeated(name, all.subspan(firstAttribute))) {
+    const std::span<const AttributeSpan> earlier = attributesFrom(firstAttribute);
+    if (earlier.size() < AttributeNames::comparedOneByOne && m_attributeNames.isAmong(earlier, name)) {
+        diagnose(Rule::duplicateAttribute, name);
+    }
+}
+
+/// For a tag with more attributes than are compared one by one.
+void Builder::diagnoseRepeatedLater(std::uint32_t firstAttribute) {
+    for (const SourceRange name : m_attributeNames.repeatedLater(attributesFrom(firstAttribute))) {
         diagnose(Rule::duplicateAttribute, name);
     }
 }
@@ -486,8 +501,19 @@ void Builder::finish() {
     if (!m_hasRoot && !m_text.isWhitespace(m_text.fullRange())) {
         diagnose(Rule::noRoot, SourceRange());
     }
-    std::ranges::stable_sort(m_diagnostics, {},
-                             [](const DiagnosticRecord& record) { return record.range.lower; });
+    sortDiagnostics();
+}
+
+/// Sorts by offset and otherwise leaves the order as it is, but for a repeated attribute: that it is one may
+/// have been found out after what else is wrong with it, and is said first.
+void Builder::sortDiagnostics() {
+    const auto order = [](const DiagnosticRecord& record) {
+        const bool isRepeated = record.rule == Rule::duplicateAttribute;
+        return std::uint64_t{record.range.lower} << 1 | (isRepeated ? 0 : 1);
+    };
+    if (!std::ranges::is_sorted(m_diagnostics, {}, order)) {
+        std::ranges::stable_sort(m_diagnostics, {}, order);
+    }
 }
 
 } // namespace
