@@ -3,6 +3,7 @@
 #include "AttributeNames.h"
 #include "Lexer.h"
 #include "OpenElements.h"
+#include "RunSort.h"
 
 #include <algorithm>
 
@@ -511,9 +512,7 @@ void Builder::sortDiagnostics() {
         const bool isRepeated = record.rule == Rule::duplicateAttribute;
         return std::uint64_t{record.range.lower} << 1 | (isRepeated ? 0 : 1);
     };
-    if (!std::ranges::is_sorted(m_diagnostics, {}, order)) {
-        std::ranges::stable_sort(m_diagnostics, {}, order);
-    }
+    sortByRuns(std::span(m_diagnostics.begin(), m_diagnostics.end()), order);
 }
 
 } // namespace
