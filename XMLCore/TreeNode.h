@@ -19,7 +19,9 @@ struct NodeID {
     constexpr bool isNone() const { return raw == noneRaw; }
 
     /// "#3", or "#none".
-    std::string description() const { return isNone() ? "#none" : "#" + std::to_string(raw); }
+    std::string description() const {
+        return std::string("#").append(isNone() ? "none" : std::to_string(raw));
+    }
 
     constexpr auto operator<=>(const NodeID&) const = default;
 };
