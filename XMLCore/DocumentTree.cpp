@@ -1,7 +1,99 @@
 #include "DocumentTree.h"
 
+#include "Escaping.h"
+#include "GraphemeBreaker.h"
+#include "NameHash.h"
+#include "UnicodeProperties.h"
+
 #include <algorithm>
 #include <unordered_set>
+
+namespace {
+
+/// A part of a text that is wanted on one line.
+struct Line {
+    std::u16string string;
+    bool isCut = false;        ///< Whether `string` reached the limit of its length.
+    std::size_t unitsRead = 0; ///< How many units of the text `string` depends on.
+};
+
+/// `text` with its white space collapsed, cut after `limit` characters.
+Line collapsed(std::u16string_view text, std::size_t limit) {
+    Line line;
+    line.isCut = limit == 0;
+    std::size_t length = 0;
+    bool isSpacePending = false;
+    const auto append = [&](std::u16string_view character) {
+        if (length < limit) {
+            line.string += character;
+            line.isCut = ++length == limit;
+        }
+    };
+    for (const std::u16string_view character : GraphemeBreaker::Characters(text)) {
+        if (line.isCut) {
+            break;
+        }
+        line.unitsRead += character.size();
+        if (UnicodeProperties::isWhitespace(character)) {
+            isSpacePending = !line.string.empty();
+            continue;
+        }
+        if (isSpacePending) {
+            append(u" ");
+        }
+        append(character);
+        isSpacePending = false;
+    }
+    return line;
+}
+
+std::u16string shown(Line line) {
+    if (line.isCut) {
+        line.string += u'…';
+    }
+    return std::move(line.string);
+}
+
+/// What the user reads in the first `units` units of a leaf's content.
+std::u16string contentPrefix(const DocumentTree& tree, const TreeNode& leaf, std::size_t units) {
+    const std::u16string_view content = tree.text.units(leaf.contentRange);
+    std::u16string prefix = repaired(content.substr(0, units));
+    return leaf.kind == TreeNode::Kind::text ? Escaping::unescape(std::move(prefix)) : prefix;
+}
+
+/// What the user reads in the direct texts and CDATA sections of an element, as far as the first `units`
+/// units of them go.
+std::u16string textPrefix(const DocumentTree& tree, NodeID element, std::size_t units) {
+    std::u16string prefix;
+    for (const NodeID id : tree.children(element)) {
+        const TreeNode& child = tree[id];
+        if (child.kind == TreeNode::Kind::text || child.kind == TreeNode::Kind::cdata) {
+            const std::size_t taken = std::min<std::size_t>(units, child.contentRange.length());
+            prefix += contentPrefix(tree, child, taken);
+            units -= taken;
+        }
+        if (units == 0) {
+            break;
+        }
+    }
+    return prefix;
+}
+
+/// The text of an element, collapsed. Reads no more of it than the line needs; `units` is a first guess.
+Line collapsedText(const DocumentTree& tree, NodeID element, std::size_t units, std::size_t limit) {
+    // Where a prefix ends, a reference or a character may be cut in two, so its last units prove nothing.
+    constexpr std::size_t unprovenUnits = 32;
+    const std::size_t count = tree[element].contentRange.length();
+    for (units += 2 * unprovenUnits;; units *= 2) {
+        const std::u16string prefix = textPrefix(tree, element, units);
+        Line line = collapsed(prefix, limit);
+        if (units >= count || (line.isCut && line.unitsRead + unprovenUnits <= prefix.size())) {
+            return line;
+        }
+    }
+}
+
+} // namespace
 
 DocumentTree DocumentTree::empty() {
     DocumentTree tree;
@@ -71,8 +163,34 @@ bool DocumentTree::hasOnlyTextContent(NodeID node) const {
     });
 }
 
+std::optional<std::u16string> DocumentTree::textContent(NodeID of) const {
+    const TreeNode& node = (*this)[of];
+    if (!node.isElement()) {
+        return contentPrefix(*this, node, node.contentRange.length());
+    }
+    if (!node.hasChildren()) {
+        return std::nullopt;
+    }
+    return textPrefix(*this, of, node.contentRange.length());
+}
+
+std::optional<std::u16string> DocumentTree::preview(NodeID of, std::size_t limit) const {
+    const TreeNode& node = (*this)[of];
+    const std::size_t count = node.contentRange.length();
+    // A limit beyond the content is as good as none; the product cannot overflow.
+    const std::size_t units = 4 * std::min(limit, count);
+    if (node.isElement()) {
+        const bool isText = node.hasChildren() && hasOnlyTextContent(of);
+        return isText ? std::optional(shown(collapsedText(*this, of, units, limit))) : std::nullopt;
+    }
+    if (node.kind == TreeNode::Kind::document) {
+        return std::nullopt;
+    }
+    return shown(collapsed(contentPrefix(*this, node, units), limit));
+}
+
 DocumentTree::Vocabulary DocumentTree::vocabulary() const {
-    std::unordered_set<std::u16string_view> seen;
+    std::unordered_set<std::u16string_view, NameHash> seen;
     const auto collect = [&](std::vector<std::u16string>& names, SourceRange name) {
         if (!name.isEmpty() && seen.insert(text.units(name)).second) {
             names.push_back(text.string(name));
