@@ -28,6 +28,12 @@ void appendUTF8(std::string& bytes, char32_t scalar) {
     }
 }
 
+/// Controls, line separators and lone surrogates.
+bool isUnreadable(char32_t scalar) {
+    return scalar < U' ' || (0x7F <= scalar && scalar < 0xA0) || scalar == 0x2028 || scalar == 0x2029 ||
+           (0xD800 <= scalar && scalar <= 0xDFFF);
+}
+
 std::string_view nameOf(TreeNode::Kind kind) {
     constexpr std::string_view names[] = {"document", "element",     "text",   "comment",
                                           "cdata",    "instruction", "doctype"};
@@ -128,8 +134,7 @@ std::string asLiteral(std::u16string_view text) {
     for (const char16_t* at = text.data(); at != end;) {
         const char32_t scalar = UTF16::scalarAt(at, end);
         at += UTF16::length(scalar);
-        const bool isLoneSurrogate = 0xD800 <= scalar && scalar <= 0xDFFF;
-        if (scalar < U' ' || scalar == U'\x7F' || isLoneSurrogate) {
+        if (isUnreadable(scalar)) {
             char escape[16];
             std::snprintf(escape, sizeof escape, "\\x%X;", static_cast<unsigned>(scalar));
             bytes += escape;
