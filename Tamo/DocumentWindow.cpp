@@ -39,6 +39,9 @@ QString summary(const DiagnosticList& diagnostics) {
     return parts.isEmpty() ? QStringLiteral("Sin errores") : parts.join(QStringLiteral(", "));
 }
 
+/// `title` for a menu, where a single ampersand would mark a letter.
+QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
+
 /// The kinds of file, as a file dialog lists them.
 QString saveFilters() {
     QStringList filters;
@@ -193,9 +196,9 @@ void DocumentWindow::showCaret() {
 }
 
 void DocumentWindow::showHistory() {
-    m_undo->setText(m_undoManager.undoMenuTitle());
+    m_undo->setText(menuText(m_undoManager.undoMenuTitle()));
     m_undo->setEnabled(m_undoManager.canUndo());
-    m_redo->setText(m_undoManager.redoMenuTitle());
+    m_redo->setText(menuText(m_undoManager.redoMenuTitle()));
     m_redo->setEnabled(m_undoManager.canRedo());
 }
 
@@ -209,11 +212,14 @@ std::vector<TextView::Underline> DocumentWindow::underlines(SourceRange visible)
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const EditedSpan& edits = m_session.editsSinceParse();
     const SourceRange range = edits.then(visible);
+    // The one before may reach into the range.
+    std::size_t index = diagnostics.firstIndex(range.lower);
+    index -= index != 0 && diagnostics.range(index - 1).upper > range.lower;
     std::vector<TextView::Underline> found;
-    for (std::size_t index = diagnostics.firstIndex(range.lower);
-         index < diagnostics.size() && diagnostics.range(index).lower <= range.upper &&
-         found.size() < mostUnderlines;
-         ++index) {
+    for (; index < diagnostics.size() && found.size() < mostUnderlines; ++index) {
+        if (diagnostics.range(index).lower > range.upper) {
+            break;
+        }
         if (const auto now = edits.now(diagnostics.range(index))) {
             found.push_back({*now, DiagnosticsModel::color(diagnostics.severity(index))});
         }

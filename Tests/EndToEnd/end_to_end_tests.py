@@ -3,6 +3,7 @@
 Usage: end_to_end_tests.py PROGRAM [TEST…]
 """
 
+import json
 import pathlib
 import shutil
 import subprocess
@@ -113,9 +114,8 @@ class EndToEnd(unittest.TestCase):
 
     def test_opens_several_files(self):
         app = self.start(self.sample("biblioteca.xml"), self.sample("faro.svg"))
-        frames = lambda: sorted(app.names("frame"))
-        wait_until(lambda: len(frames()) == 2, "second window")
-        self.assertEqual([name.split()[0] for name in frames()], ["biblioteca.xml", "faro.svg"])
+        titles = wait_until(lambda: len(app.names("frame")) == 2 and sorted(app.names("frame")), "second window")
+        self.assertEqual([title.split()[0] for title in titles], ["biblioteca.xml", "faro.svg"])
 
     def test_asks_before_closing_an_edited_document(self):
         path = self.sample("biblioteca.xml")
@@ -151,6 +151,20 @@ class Picture(unittest.TestCase):
             self.assertEqual(size, (1280, 820))
             # An empty window would compress to a few kilobytes.
             self.assertGreater(len(png), 20_000)
+
+    def test_opens_urls_and_writes_a_trace(self):
+        with tempfile.TemporaryDirectory() as folder:
+            out, trace = pathlib.Path(folder) / "ventana.png", pathlib.Path(folder) / "traza.json"
+            result = self.run_program("--screenshot", out, "--trace", trace, (SAMPLES / "manual.xml").as_uri())
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertTrue(out.exists())
+            names = [event["name"] for event in json.loads(trace.read_text())["traceEvents"]]
+            self.assertEqual(names, ["Decode", "Parse"])
+
+    def test_speaks_spanish(self):
+        result = self.run_program("--help")
+        self.assertEqual(result.returncode, 0)
+        self.assertTrue(result.stdout.startswith("Uso: "), result.stdout)
 
     def test_fails_without_the_file(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -1,5 +1,6 @@
 #include "DocumentTemplate.h"
 #include "IndentStyle.h"
+#include "TextEncodingDetector.h"
 #include "TreeParser.h"
 
 #include <gtest/gtest.h>
@@ -103,5 +104,15 @@ TEST(DocumentTemplate, MissesOnlyTheRootInTheBareDeclaration) {
 TEST(DocumentTemplate, IndentsByFourSpaces) {
     for (const DocumentTemplate& each : DocumentTemplate::catalogue()) {
         EXPECT_EQ(IndentStyle::detect(SourceText(each.text), 2000), IndentStyle::spaces(4));
+    }
+}
+
+TEST(DocumentTemplate, IsDetectedAsUTF8WhenSaved) {
+    for (const DocumentTemplate& each : DocumentTemplate::catalogue()) {
+        const QByteArray saved = QString(each.text).toUtf8();
+        const Detection detection = TextEncodingDetector::detect(
+            {reinterpret_cast<const std::uint8_t*>(saved.data()), std::size_t(saved.size())});
+        EXPECT_EQ(detection.encoding, StringEncoding::utf8());
+        EXPECT_TRUE(detection.bom.empty());
     }
 }
