@@ -109,7 +109,7 @@ TEST(DocumentTemplate, IndentsByFourSpaces) {
 
 TEST(DocumentTemplate, IsDetectedAsUTF8WhenSaved) {
     for (const DocumentTemplate& each : DocumentTemplate::catalogue()) {
-        const QByteArray saved = QString(each.text).toUtf8();
+        const QByteArray saved = QStringView(each.text).toUtf8();
         const Detection detection = TextEncodingDetector::detect(
             {reinterpret_cast<const std::uint8_t*>(saved.data()), std::size_t(saved.size())});
         EXPECT_EQ(detection.encoding, StringEncoding::utf8());
