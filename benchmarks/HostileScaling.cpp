@@ -14,6 +14,10 @@
 #include <string_view>
 #include <vector>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace {
 
 constexpr std::string_view usage = R"(usage: hostile_scaling [--max MIB] [--only PART-OF-NAME] [--list]
@@ -125,6 +129,12 @@ bool scales(const HostileShape& shape, std::size_t largest) {
 } // namespace
 
 int main(int argc, char** argv) {
+#if defined(__GLIBC__)
+    // Freed memory stays with the program at every size: else the parses beyond the allocator's threshold would
+    // also be charged for fresh pages, the smaller ones not.
+    mallopt(M_MMAP_MAX, 0);
+    mallopt(M_TRIM_THRESHOLD, -1);
+#endif
     const Options options = parseArguments(std::span(argv, argc).subspan(1));
     int failures = 0;
     for (const HostileShape& shape : hostileShapes()) {
