@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -283,11 +284,10 @@ private:
         const NodeID parent{static_cast<std::uint32_t>(m_stack.back())};
         node.parent = parent;
         m_result.nodes.push_back(node);
-        NodeID* link = &m_result.nodes[parent.raw].firstChild;
-        while (!link->isNone()) {
-            link = &m_result.nodes[link->raw].nextSibling;
-        }
-        *link = added;
+        m_lastChild.emplace_back();
+        const NodeID previous = std::exchange(m_lastChild[parent.raw], added);
+        (previous.isNone() ? m_result.nodes[parent.raw].firstChild
+                           : m_result.nodes[previous.raw].nextSibling) = added;
         ++m_result.nodes[parent.raw].childCount;
     }
 
@@ -529,6 +529,7 @@ private:
     PlainLexer m_lexer;
     std::optional<Token> m_pending;
     ReferenceParser::Result m_result;
+    std::vector<NodeID> m_lastChild{NodeID::none()}; ///< Of every node.
     std::vector<std::size_t> m_stack{0};
     std::optional<SourceRange> m_textRun;
     bool m_textRunHasContent = false;

@@ -7,6 +7,7 @@
 #include "TreeDump.h"
 
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace {
 
@@ -108,6 +109,20 @@ TEST(TreeParser, AgreesWithReferenceOnAllShortConstructs) {
     checkAllStrings(u"&#;xaF1g-", 5);
     for (const char16_t* const prefix : {u"<!", u"<![", u"<![C", u"<![CDATA", u"<!-", u"<a><!", u"<a><?"}) {
         checkAllStrings(u"<!-[>CDA?", 4, prefix);
+    }
+}
+
+TEST(TreeParser, AgreesWithReferenceAfterLongStretches) {
+    // The lexer looks ahead at 64 units at once, and at sixteen times as many.
+    const std::pair<std::u16string_view, char16_t> stretches[] = {
+        {u"", u'x'},        {u"", u' '},     {u"<", u'n'},   {u"<a ", u' '},       {u"<a b='", u'x'},
+        {u"<a b=\"", u'>'}, {u"<!--", u'-'}, {u"<!x", u'['}, {u"<![CDATA[", u']'}, {u"</", u'n'}};
+    for (const auto& [start, filling] : stretches) {
+        for (const std::size_t length : {62U, 63U, 64U, 65U, 127U, 128U, 1022U, 1023U, 1024U, 1025U}) {
+            std::u16string prefix(start);
+            prefix.resize(length, filling);
+            checkAllStrings(u"<>/a=' &", 3, prefix);
+        }
     }
 }
 
