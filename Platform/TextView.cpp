@@ -1,5 +1,7 @@
 #include "TextView.h"
 
+#include "EditingKeys.h"
+#include "TextMimeData.h"
 #include "TextNavigation.h"
 
 #include <QApplication>
@@ -7,7 +9,6 @@
 #include <QFontDatabase>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -28,81 +29,8 @@ constexpr int tabColumns = 4;
 constexpr int caretWidth = 2;
 constexpr int dragScrollInterval = 40;
 
-/// Units as they are, for what plain text on the clipboard cannot carry: NUL and lone surrogates.
-const QString unitsMimeType = QStringLiteral("application/x-tamo-utf16");
-
 std::u16string_view unitsOf(const QString& string) {
     return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
-}
-
-bool isTyping(const QKeyEvent& event) {
-    const QString text = event.text();
-    const bool isCommand = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
-    return !isCommand && !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate());
-}
-
-/// A key that moves the caret, the key that selects on the way, and where they lead.
-struct Motion {
-    QKeySequence::StandardKey move;
-    QKeySequence::StandardKey select;
-    Offset (*target)(Offset caret, const Rope& text);
-};
-
-Offset lineStart(Offset caret, const Rope& text) { return text.lineStart(text.line(caret)); }
-Offset lineEnd(Offset caret, const Rope& text) { return TextNavigation::lineEnd(text.line(caret), text); }
-Offset textStart(Offset, const Rope&) { return 0; }
-Offset textEnd(Offset, const Rope& text) { return text.size(); }
-
-constexpr Motion motions[] = {
-    {QKeySequence::MoveToNextChar, QKeySequence::SelectNextChar, TextNavigation::nextCharacter},
-    {QKeySequence::MoveToPreviousChar, QKeySequence::SelectPreviousChar, TextNavigation::previousCharacter},
-    {QKeySequence::MoveToNextWord, QKeySequence::SelectNextWord, TextNavigation::nextWord},
-    {QKeySequence::MoveToPreviousWord, QKeySequence::SelectPreviousWord, TextNavigation::previousWord},
-    {QKeySequence::MoveToStartOfLine, QKeySequence::SelectStartOfLine, lineStart},
-    {QKeySequence::MoveToEndOfLine, QKeySequence::SelectEndOfLine, lineEnd},
-    {QKeySequence::MoveToStartOfDocument, QKeySequence::SelectStartOfDocument, textStart},
-    {QKeySequence::MoveToEndOfDocument, QKeySequence::SelectEndOfDocument, textEnd},
-};
-
-/// The same for keys that move up or down, by lines or by pages.
-struct LineMotion {
-    QKeySequence::StandardKey move;
-    QKeySequence::StandardKey select;
-    int lines;
-    int pages;
-};
-
-constexpr LineMotion lineMotions[] = {
-    {QKeySequence::MoveToNextLine, QKeySequence::SelectNextLine, 1, 0},
-    {QKeySequence::MoveToPreviousLine, QKeySequence::SelectPreviousLine, -1, 0},
-    {QKeySequence::MoveToNextPage, QKeySequence::SelectNextPage, 0, 1},
-    {QKeySequence::MoveToPreviousPage, QKeySequence::SelectPreviousPage, 0, -1},
-};
-
-/// A key that erases from the caret to somewhere.
-struct Erasure {
-    QKeySequence::StandardKey key;
-    Offset (*target)(Offset caret, const Rope& text);
-};
-
-constexpr Erasure erasures[] = {
-    {QKeySequence::Delete, TextNavigation::nextCharacter},
-    {QKeySequence::DeleteStartOfWord, TextNavigation::previousWord},
-    {QKeySequence::DeleteEndOfWord, TextNavigation::nextWord},
-};
-
-/// Whether the event is the Backspace key, which is no standard key everywhere.
-bool isBackspace(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Backspace && !(event.modifiers() & ~Qt::ShiftModifier);
-}
-
-bool isEditingKey(const QKeyEvent& event) {
-    const auto moves = [&](const auto& motion) {
-        return event.matches(motion.move) || event.matches(motion.select);
-    };
-    const auto erases = [&](const Erasure& erasure) { return event.matches(erasure.key); };
-    return isTyping(event) || isBackspace(event) || std::ranges::any_of(motions, moves) ||
-           std::ranges::any_of(lineMotions, moves) || std::ranges::any_of(erasures, erases);
 }
 
 } // namespace
@@ -169,29 +97,14 @@ void TextView::cut() {
 }
 
 void TextView::copy() const {
-    const std::u16string units = m_text.units(selection());
-    if (units.empty()) {
-        return;
+    if (!selection().isEmpty()) {
+        QApplication::clipboard()->setMimeData(TextMimeData::make(m_text.units(selection())).release());
     }
-    auto* copied = new QMimeData;
-    copied->setText(QString::fromStdU16String(repaired(units)));
-    copied->setData(unitsMimeType, QByteArray(reinterpret_cast<const char*>(units.data()),
-                                              static_cast<qsizetype>(units.size() * sizeof(char16_t))));
-    QApplication::clipboard()->setMimeData(copied);
 }
 
 void TextView::paste() {
-    const QMimeData* copied = QApplication::clipboard()->mimeData();
-    if (copied == nullptr) {
-        return;
-    }
-    if (copied->hasFormat(unitsMimeType)) {
-        const QByteArray bytes = copied->data(unitsMimeType);
-        std::u16string units(static_cast<std::size_t>(bytes.size()) / sizeof(char16_t), u'\0');
-        std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
-        replaceSelection(units);
-    } else if (copied->hasText()) {
-        replaceSelection(unitsOf(copied->text()));
+    if (const QMimeData* copied = QApplication::clipboard()->mimeData()) {
+        replaceSelection(TextMimeData::units(*copied));
     }
 }
 
@@ -214,7 +127,8 @@ void TextView::erase(Offset to) {
 // Keys
 
 bool TextView::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && isEditingKey(*static_cast<QKeyEvent*>(event))) {
+    if (event->type() == QEvent::ShortcutOverride &&
+        EditingKeys::isEditingKey(*static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
     }
@@ -228,33 +142,21 @@ void TextView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool TextView::handleMove(const QKeyEvent& event) {
-    for (const Motion& motion : motions) {
-        const bool selects = event.matches(motion.select);
-        if (selects || event.matches(motion.move)) {
-            moveTo(motion.target(m_caret, m_text), selects ? Anchor::stays : Anchor::moves);
-            return true;
-        }
+    const auto anchor = [](bool selects) { return selects ? Anchor::stays : Anchor::moves; };
+    if (const auto motion = EditingKeys::motion(event)) {
+        moveTo(motion->target(m_caret, m_text), anchor(motion->selects));
+    } else if (const auto lineMotion = EditingKeys::lineMotion(event)) {
+        const int page = std::max(1, viewport()->height() / m_lineHeight - 1);
+        moveByLines(lineMotion->lines + lineMotion->pages * page, anchor(lineMotion->selects));
+    } else {
+        return false;
     }
-    for (const LineMotion& motion : lineMotions) {
-        const bool selects = event.matches(motion.select);
-        if (selects || event.matches(motion.move)) {
-            const int page = std::max(1, viewport()->height() / m_lineHeight - 1);
-            moveByLines(motion.lines + motion.pages * page, selects ? Anchor::stays : Anchor::moves);
-            return true;
-        }
-    }
-    return false;
+    return true;
 }
 
 bool TextView::handleEdit(const QKeyEvent& event) {
-    for (const Erasure& erasure : erasures) {
-        if (event.matches(erasure.key)) {
-            erase(erasure.target(m_caret, m_text));
-            return true;
-        }
-    }
-    if (isBackspace(event)) {
-        erase(TextNavigation::previousCharacter(m_caret, m_text));
+    if (const auto target = EditingKeys::erasure(event)) {
+        erase(target(m_caret, m_text));
     } else if (event.matches(QKeySequence::Cut)) {
         cut();
     } else if (event.matches(QKeySequence::Copy)) {
@@ -267,7 +169,7 @@ bool TextView::handleEdit(const QKeyEvent& event) {
         replaceSelection(TextNavigation::lineEnding(m_text));
     } else if (event.key() == Qt::Key_Tab && event.modifiers() == Qt::NoModifier) {
         replaceSelection(unitsOf(m_indentation));
-    } else if (isTyping(event)) {
+    } else if (EditingKeys::isTyping(event)) {
         replaceSelection(unitsOf(event.text()));
     } else {
         return false;

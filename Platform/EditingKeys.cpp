@@ -1,0 +1,96 @@
+#include "EditingKeys.h"
+
+#include "TextNavigation.h"
+
+#include <QKeyEvent>
+#include <QKeySequence>
+
+namespace {
+
+using StandardKey = QKeySequence::StandardKey;
+
+Offset lineStart(Offset caret, const Rope& text) { return text.lineStart(text.line(caret)); }
+Offset lineEnd(Offset caret, const Rope& text) { return TextNavigation::lineEnd(text.line(caret), text); }
+Offset textStart(Offset, const Rope&) { return 0; }
+Offset textEnd(Offset, const Rope& text) { return text.size(); }
+
+constexpr struct {
+    StandardKey move;
+    StandardKey select;
+    EditingKeys::Target target;
+} motions[] = {
+    {QKeySequence::MoveToNextChar, QKeySequence::SelectNextChar, TextNavigation::nextCharacter},
+    {QKeySequence::MoveToPreviousChar, QKeySequence::SelectPreviousChar, TextNavigation::previousCharacter},
+    {QKeySequence::MoveToNextWord, QKeySequence::SelectNextWord, TextNavigation::nextWord},
+    {QKeySequence::MoveToPreviousWord, QKeySequence::SelectPreviousWord, TextNavigation::previousWord},
+    {QKeySequence::MoveToStartOfLine, QKeySequence::SelectStartOfLine, lineStart},
+    {QKeySequence::MoveToEndOfLine, QKeySequence::SelectEndOfLine, lineEnd},
+    {QKeySequence::MoveToStartOfDocument, QKeySequence::SelectStartOfDocument, textStart},
+    {QKeySequence::MoveToEndOfDocument, QKeySequence::SelectEndOfDocument, textEnd},
+};
+
+constexpr struct {
+    StandardKey move;
+    StandardKey select;
+    int lines;
+    int pages;
+} lineMotions[] = {
+    {QKeySequence::MoveToNextLine, QKeySequence::SelectNextLine, 1, 0},
+    {QKeySequence::MoveToPreviousLine, QKeySequence::SelectPreviousLine, -1, 0},
+    {QKeySequence::MoveToNextPage, QKeySequence::SelectNextPage, 0, 1},
+    {QKeySequence::MoveToPreviousPage, QKeySequence::SelectPreviousPage, 0, -1},
+};
+
+constexpr struct {
+    StandardKey key;
+    EditingKeys::Target target;
+} erasures[] = {
+    {QKeySequence::Delete, TextNavigation::nextCharacter},
+    {QKeySequence::DeleteStartOfWord, TextNavigation::previousWord},
+    {QKeySequence::DeleteEndOfWord, TextNavigation::nextWord},
+};
+
+} // namespace
+
+std::optional<EditingKeys::Motion> EditingKeys::motion(const QKeyEvent& event) {
+    for (const auto& each : motions) {
+        const bool selects = event.matches(each.select);
+        if (selects || event.matches(each.move)) {
+            return Motion{each.target, selects};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<EditingKeys::LineMotion> EditingKeys::lineMotion(const QKeyEvent& event) {
+    for (const auto& each : lineMotions) {
+        const bool selects = event.matches(each.select);
+        if (selects || event.matches(each.move)) {
+            return LineMotion{each.lines, each.pages, selects};
+        }
+    }
+    return std::nullopt;
+}
+
+EditingKeys::Target EditingKeys::erasure(const QKeyEvent& event) {
+    // Backspace is no standard key everywhere, and with Shift means the same.
+    if (event.key() == Qt::Key_Backspace && !(event.modifiers() & ~Qt::ShiftModifier)) {
+        return TextNavigation::previousCharacter;
+    }
+    for (const auto& each : erasures) {
+        if (event.matches(each.key)) {
+            return each.target;
+        }
+    }
+    return nullptr;
+}
+
+bool EditingKeys::isTyping(const QKeyEvent& event) {
+    const QString text = event.text();
+    const bool isCommand = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    return !isCommand && !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate());
+}
+
+bool EditingKeys::isEditingKey(const QKeyEvent& event) {
+    return isTyping(event) || erasure(event) != nullptr || motion(event) || lineMotion(event);
+}
