@@ -55,10 +55,10 @@ void TextView::setText(const Rope& text) {
     setSelection(0, 0);
 }
 
-void TextView::changeText(const Rope& text, SourceRange edited, Offset length) {
+void TextView::changeText(const Rope& text, Offset caret) {
     m_text = text;
     updateExtents();
-    moveTo(edited.lower + length, Anchor::moves);
+    moveTo(caret, Anchor::moves);
 }
 
 void TextView::setUnderlines(Underlines underlines) {

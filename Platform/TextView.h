@@ -38,9 +38,8 @@ public:
     /// Shows another text, the caret at its start.
     void setText(const Rope& text);
 
-    /// Shows `text`, which differs from the one before by the replacement of `edited` by `length` units. The
-    /// caret comes to stand after them and is brought into view.
-    void changeText(const Rope& text, SourceRange edited, Offset length);
+    /// Shows `text`, an edited version of the one before, with the caret at `caret` and in view.
+    void changeText(const Rope& text, Offset caret);
 
     void setUnderlines(Underlines underlines);
 

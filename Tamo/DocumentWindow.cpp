@@ -96,8 +96,11 @@ void DocumentWindow::buildViews() {
     connect(m_source, &TextView::selectionChanged, this, &DocumentWindow::showCaret);
     connect(m_source, &TextView::editRequested, this,
             [this](const TextEdit& edit) { m_session.buffer().type(edit.range, edit.replacement); });
-    connect(&m_session.buffer().storage(), &TextStorage::editProcessed, this,
-            &DocumentWindow::showTextChange);
+    const TextStorage& storage = m_session.buffer().storage();
+    connect(&storage, &TextStorage::editProcessed, this,
+            [this](SourceRange edited) { m_endOfLastEdit = edited.upper; });
+    // A step of undo may be thousands of edits, and is shown once.
+    connect(&storage, &TextStorage::editingEnded, this, &DocumentWindow::showText);
 
     m_problems = new QListView;
     m_problems->setAccessibleName(QStringLiteral("Problemas"));
@@ -169,11 +172,7 @@ void DocumentWindow::buildStatusBar() {
 
 // Showing what changed
 
-void DocumentWindow::showTextChange(SourceRange edited, std::int64_t changeInLength) {
-    const auto lengthBefore = static_cast<std::int64_t>(edited.length()) - changeInLength;
-    m_source->changeText(m_session.buffer().text(), SourceRange::at(edited.lower, lengthBefore),
-                         edited.length());
-}
+void DocumentWindow::showText() { m_source->changeText(m_session.buffer().text(), m_endOfLastEdit); }
 
 void DocumentWindow::showTree() {
     const DocumentTree& tree = m_session.tree();

@@ -46,7 +46,7 @@ private:
     void buildMenus();
     void buildStatusBar();
 
-    void showTextChange(SourceRange edited, std::int64_t changeInLength);
+    void showText();
     void showTree();
     void showCaret();
     void showHistory();
@@ -65,6 +65,7 @@ private:
     UndoManager m_undoManager;
     EditorSession m_session;
     DiagnosticsModel m_diagnostics;
+    Offset m_endOfLastEdit = 0;
 
     // Children of the window.
     TextView* m_source = nullptr;

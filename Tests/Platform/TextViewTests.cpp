@@ -18,7 +18,7 @@ struct Desk {
     explicit Desk(std::u16string_view units) {
         QObject::connect(&view, &TextView::editRequested, &view, [this](const TextEdit& edit) {
             const Rope text = view.text().replaced(edit.range, edit.replacement);
-            view.changeText(text, edit.range, static_cast<Offset>(edit.replacement.size()));
+            view.changeText(text, edit.range.lower + static_cast<Offset>(edit.replacement.size()));
         });
         view.resize(600, 300);
         view.setText(Rope(units));
