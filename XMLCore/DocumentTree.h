@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+struct NodePath;
+
 /// The result of one parse: the text, its nodes in document order linked by index, their attributes, and the
 /// diagnostics. Never changed after the parser returned it; may be read from any thread. Moves, never
 /// copies: a large document's tree takes hundreds of megabytes.
@@ -57,6 +59,16 @@ struct DocumentTree {
 
     /// The child at position `at`, counted from 0.
     std::optional<NodeID> child(NodeID of, std::size_t at) const;
+
+    /// Where the node stands, which outlives this tree.
+    NodePath path(NodeID of) const;
+
+    /// The node that stands at `path`, none when one of its positions is out of range.
+    std::optional<NodeID> resolve(const NodePath& path) const;
+
+    /// The path of a node as shown to the user, such as "/rss/channel/item[2]/title/text()". A position
+    /// counts the sibling elements of the same name, and is left out when there are no others.
+    std::u16string xpath(NodeID of) const;
 
     /// The last node that starts at or before `at`. The innermost node that contains the offset is that one
     /// or the nearest of its ancestors that does.
