@@ -1,0 +1,131 @@
+#include "NodeSearch.h"
+
+#include "UnitScan.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr char16_t firstAccented = 0xC0;
+constexpr char16_t lastAccented = 0xFF;
+constexpr std::u16string_view foldedAccented =
+    u"aaaaaaaceeeeiiiidnooooo×ouuuuyþsaaaaaaaceeeeiiiiðnooooo÷ouuuuyþy";
+static_assert(foldedAccented.size() == lastAccented - firstAccented + 1);
+
+/// What the units up to `lastAccented` fold to; all others stay.
+constexpr auto foldingTable = [] {
+    std::array<char16_t, lastAccented + 1> table{};
+    for (char16_t unit = 0; unit <= lastAccented; ++unit) {
+        const bool isCapital = u'A' <= unit && unit <= u'Z';
+        table[unit] = unit >= firstAccented ? foldedAccented[unit - firstAccented]
+                      : isCapital           ? static_cast<char16_t>(unit + (u'a' - u'A'))
+                                            : unit;
+    }
+    return table;
+}();
+
+constexpr char16_t fold(char16_t unit) { return unit <= lastAccented ? foldingTable[unit] : unit; }
+
+/// A folded query, ready to be looked for in time linear in the text.
+class Query {
+public:
+    /// `query` is not empty.
+    explicit Query(std::u16string_view query) : m_units(query), m_fallback(query.size()) {
+        std::ranges::transform(m_units, m_units.begin(), fold);
+        for (std::size_t i = 1, length = 0; i < m_units.size(); ++i) {
+            length = matchedAfter(m_units[i], length);
+            m_fallback[i] = length;
+        }
+    }
+
+    bool occurs(std::u16string_view in) const;
+
+private:
+    /// How many units of the query are matched once `unit`, a folded one, follows `matched` of them.
+    std::size_t matchedAfter(char16_t unit, std::size_t matched) const {
+        while (matched > 0 && m_units[matched] != unit) {
+            matched = m_fallback[matched - 1];
+        }
+        return m_units[matched] == unit ? matched + 1 : 0;
+    }
+
+    /// The first unit of `units` from `from` on that may fold to the query's first, as accented ones may.
+    std::ptrdiff_t findCandidate(std::u16string_view units, std::ptrdiff_t from) const;
+
+    std::u16string m_units;
+    /// For each stretch of the query from its start, by its last unit: how many units at its end are again
+    /// the query's start.
+    std::vector<std::size_t> m_fallback;
+};
+
+std::ptrdiff_t Query::findCandidate(std::u16string_view units, std::ptrdiff_t from) const {
+    // Setting this bit folds the case of letters and makes a few others equal, which are then refused.
+    constexpr char16_t caseBit = 0x20;
+    const char16_t first = m_units.front() | caseBit;
+    return UnitScan::find(
+        units.data(), from, static_cast<std::ptrdiff_t>(units.size()),
+        [first](UnitVector vector) {
+            const auto all = [](char16_t unit) { return UnitVector::all(unit); };
+            const UnitVector accented =
+                (vector - all(firstAccented)).atMost(all(lastAccented - firstAccented));
+            return (((vector | all(caseBit)) == all(first)) | accented).mask();
+        },
+        [first](char16_t unit) {
+            return (unit | caseBit) == first || (firstAccented <= unit && unit <= lastAccented);
+        });
+}
+
+bool Query::occurs(std::u16string_view in) const {
+    if (in.size() < m_units.size()) {
+        return false;
+    }
+    const auto end = static_cast<std::ptrdiff_t>(in.size());
+    std::size_t matched = 0;
+    for (std::ptrdiff_t at = 0; at < end; ++at) {
+        if (matched == 0) {
+            at = findCandidate(in, at);
+            if (at == end) {
+                return false;
+            }
+        }
+        matched = matchedAfter(fold(in[at]), matched);
+        if (matched == m_units.size()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool matchesElement(const Query& query, const DocumentTree& tree, NodeID element,
+                    const std::stop_token& stop) {
+    const auto occurs = [&](SourceRange range) { return query.occurs(tree.text.units(range)); };
+    return occurs(tree[element].nameRange) ||
+           std::ranges::any_of(tree.attributesOf(element), [&](const AttributeSpan& attribute) {
+               return !stop.stop_requested() && (occurs(attribute.name) || occurs(attribute.value));
+           });
+}
+
+bool matchesContent(const Query& query, const DocumentTree& tree, NodeID node) {
+    constexpr std::size_t longestSearched = 4096;
+    return query.occurs(tree.text.units(tree[node].contentRange).substr(0, longestSearched));
+}
+
+} // namespace
+
+std::vector<NodeID> NodeSearch::matches(std::u16string_view query, const DocumentTree& in,
+                                        std::stop_token stop) {
+    std::vector<NodeID> found;
+    if (query.empty()) {
+        return found;
+    }
+    const Query folded(query);
+    for (NodeID node{1}; node.raw < in.nodes.size() && !stop.stop_requested(); ++node.raw) {
+        const bool isMatch =
+            in[node].isElement() ? matchesElement(folded, in, node, stop) : matchesContent(folded, in, node);
+        if (isMatch) {
+            found.push_back(node);
+        }
+    }
+    return found;
+}
