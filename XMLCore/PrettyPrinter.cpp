@@ -1,0 +1,192 @@
+#include "PrettyPrinter.h"
+
+#include "UnicodeProperties.h"
+
+#include <algorithm>
+
+namespace {
+
+/// `text` without White_Space at its ends. All of White_Space are single units.
+std::u16string_view trimmed(std::u16string_view text) {
+    const auto isWhitespace = [](char16_t unit) {
+        return unit <= u' ' ? isXMLWhitespace(unit) || unit == u'\v' || unit == u'\f'
+                            : unit >= 0x80 && UnicodeProperties::isWhitespace(static_cast<char32_t>(unit));
+    };
+    while (!text.empty() && isWhitespace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isWhitespace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+/// Walks the nodes below the document in order and tells `printer` the lines that they become: `startLine`
+/// with its depth, then its pieces as `markup`, to be copied, and `text`, to be trimmed.
+template <class Printer>
+class Walk {
+public:
+    Walk(const DocumentTree& tree, Printer& printer) : m_tree(tree), m_printer(printer) {}
+
+    void run() {
+        NodeID id = m_tree[NodeID::document()].firstChild;
+        while (!id.isNone()) {
+            const TreeNode& node = m_tree[id];
+            m_printer.startLine(m_depth);
+            if (isBlock(id)) {
+                m_printer.markup(source(node.startTagRange()));
+                ++m_depth;
+                id = node.firstChild;
+            } else {
+                printLine(node);
+                id = next(id);
+            }
+        }
+    }
+
+private:
+    /// Whether the node's children get lines of their own.
+    bool isBlock(NodeID id) const { return m_tree[id].isElement() && !m_tree.hasOnlyTextContent(id); }
+
+    void printLine(const TreeNode& node) {
+        if (node.kind == TreeNode::Kind::text) {
+            m_printer.text(source(node.range));
+        } else if (!node.isElement() || node.flags.contains(TreeNode::selfClosing)) {
+            m_printer.markup(source(node.range));
+        } else {
+            m_printer.markup(source(node.startTagRange()));
+            m_printer.text(source(node.contentRange));
+            printEndTag(node);
+        }
+    }
+
+    void printEndTag(const TreeNode& node) {
+        if (node.flags.contains(TreeNode::hasCloseTag)) {
+            m_printer.markup(source({node.contentRange.upper, node.range.upper}));
+        } else {
+            m_printer.markup(u"</");
+            m_printer.markup(source(node.nameRange));
+            m_printer.markup(u">");
+        }
+    }
+
+    /// The node that follows `id` and all inside it, after the end tags that stand between them.
+    NodeID next(NodeID id) {
+        while (m_tree[id].nextSibling.isNone()) {
+            id = m_tree[id].parent;
+            if (id == NodeID::document()) {
+                return NodeID::none();
+            }
+            --m_depth;
+            m_printer.startLine(m_depth);
+            printEndTag(m_tree[id]);
+        }
+        return m_tree[id].nextSibling;
+    }
+
+    std::u16string_view source(SourceRange range) const {
+        return m_tree.text.units().substr(range.lower, range.length());
+    }
+
+    const DocumentTree& m_tree;
+    Printer& m_printer;
+    std::size_t m_depth = 0;
+};
+
+/// How many lines there are and of how many units they are made, at most.
+class Measure {
+public:
+    void startLine(std::size_t depth) {
+        if (depth == m_linesAtDepth.size()) {
+            m_linesAtDepth.push_back(0);
+        }
+        ++m_linesAtDepth[depth];
+        ++m_lines;
+    }
+    void markup(std::u16string_view units) { m_markup += units.size(); }
+    void text(std::u16string_view units) { m_text += units.size(); }
+
+    /// What is to be written, but for the indentation, `perBreak` units a line break.
+    std::size_t length(std::size_t perBreak) const { return m_markup + m_text + m_lines * perBreak; }
+
+    struct Indentation {
+        std::size_t deepest; ///< Lines below this depth are indented no farther.
+        std::size_t length;  ///< The units of all indentation together.
+    };
+    /// Every level indented by `perLevel` units, as deep as the bound allows. The bound depends on nothing
+    /// that formatting changes, so that formatting again changes nothing.
+    Indentation indentation(std::size_t perLevel) const {
+        constexpr std::size_t alwaysAllowed = std::size_t{1} << 26;
+        constexpr std::size_t allowedPerMarkup = 4;
+        const std::size_t allowed = std::max(alwaysAllowed, allowedPerMarkup * m_markup);
+        Indentation result{0, 0};
+        std::size_t linesDeeper = m_lines;
+        for (const std::size_t lines : m_linesAtDepth) {
+            linesDeeper -= lines;
+            if (linesDeeper * perLevel > allowed - result.length) {
+                break;
+            }
+            result.length += linesDeeper * perLevel;
+            ++result.deepest;
+        }
+        return result;
+    }
+
+private:
+    std::vector<std::size_t> m_linesAtDepth;
+    std::size_t m_lines = 0;
+    std::size_t m_markup = 0;
+    std::size_t m_text = 0;
+};
+
+class Writer {
+public:
+    Writer(std::u16string_view lineBreak, std::u16string_view indentUnit, const Measure& measure)
+        : m_breakLength(lineBreak.size()), m_unitLength(indentUnit.size()), m_startOfLine(lineBreak) {
+        const Measure::Indentation indentation = measure.indentation(m_unitLength);
+        m_deepest = indentation.deepest;
+        m_output.reserve(measure.length(m_breakLength) + indentation.length);
+        m_indentUnit = indentUnit;
+    }
+
+    void startLine(std::size_t depth) {
+        depth = std::min(depth, m_deepest);
+        while (m_startOfLine.size() < m_breakLength + depth * m_unitLength) {
+            m_startOfLine.append(m_indentUnit);
+        }
+        const std::size_t skipped = m_output.empty() ? m_breakLength : 0;
+        m_output.append(m_startOfLine, skipped, m_breakLength - skipped + depth * m_unitLength);
+    }
+    void markup(std::u16string_view units) { m_output.append(units); }
+    void text(std::u16string_view units) { m_output.append(trimmed(units)); }
+
+    std::u16string take() { return std::move(m_output); }
+
+private:
+    std::size_t m_breakLength;
+    std::size_t m_unitLength;
+    std::size_t m_deepest;
+    std::u16string_view m_indentUnit;
+    std::u16string m_startOfLine; ///< A line break and the deepest indentation so far.
+    std::u16string m_output;
+};
+
+std::u16string print(const DocumentTree& tree, std::u16string_view lineBreak,
+                     std::u16string_view indentUnit) {
+    Measure measure;
+    Walk(tree, measure).run();
+    Writer writer(lineBreak, indentUnit, measure);
+    Walk(tree, writer).run();
+    return writer.take();
+}
+
+} // namespace
+
+TextEdit PrettyPrinter::format(const DocumentTree& tree, IndentStyle indent) {
+    const std::u16string_view lineBreak = tree.text.lineEnding();
+    return {tree.text.fullRange(), print(tree, lineBreak, indent.unit()).append(lineBreak)};
+}
+
+TextEdit PrettyPrinter::minify(const DocumentTree& tree) {
+    return {tree.text.fullRange(), print(tree, {}, {})};
+}
