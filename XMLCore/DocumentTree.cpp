@@ -141,6 +141,36 @@ std::optional<NodeID> DocumentTree::child(NodeID of, std::size_t at) const {
     return *std::ranges::next(children(of).begin(), static_cast<std::ptrdiff_t>(at));
 }
 
+NodeID DocumentTree::ancestor(NodeID below, NodeID startingAt) const {
+    NodeID node = startingAt;
+    while ((*this)[node].parent != below) {
+        node = (*this)[node].parent;
+    }
+    return node;
+}
+
+std::optional<NodeID> DocumentTree::lastChild(NodeID of) const {
+    if (!(*this)[of].hasChildren()) {
+        return std::nullopt;
+    }
+    // The last of the nodes inside `of` stands right before the first one after it.
+    NodeID enclosing = of;
+    while (enclosing != NodeID::document() && (*this)[enclosing].nextSibling.isNone()) {
+        enclosing = (*this)[enclosing].parent;
+    }
+    const NodeID next = (*this)[enclosing].nextSibling;
+    const std::size_t end = next.isNone() ? nodes.size() : next.raw;
+    return ancestor(of, {static_cast<std::uint32_t>(end - 1)});
+}
+
+std::optional<NodeID> DocumentTree::previousSibling(NodeID of) const {
+    const NodeID parent = (*this)[of].parent;
+    if (parent.isNone() || (*this)[parent].firstChild == of) {
+        return std::nullopt;
+    }
+    return ancestor(parent, {of.raw - 1});
+}
+
 NodeID DocumentTree::node(Offset at) const {
     const auto next =
         std::ranges::upper_bound(nodes, at, {}, [](const TreeNode& node) { return node.range.lower; });

@@ -60,6 +60,12 @@ struct DocumentTree {
     /// The child at position `at`, counted from 0.
     std::optional<NodeID> child(NodeID of, std::size_t at) const;
 
+    /// The last child, found without a walk over the others; none when there are none.
+    std::optional<NodeID> lastChild(NodeID of) const;
+
+    /// The sibling right before the node, found without a walk from the first; none for the first.
+    std::optional<NodeID> previousSibling(NodeID of) const;
+
     /// Where the node stands, which outlives this tree.
     NodePath path(NodeID of) const;
 
@@ -102,6 +108,10 @@ struct DocumentTree {
 
     /// An offset at or before `before` where the lexer may start in content mode.
     Offset lexStart(Offset before) const;
+
+private:
+    /// `startingAt` or the ancestor of it that is a child of `below`.
+    NodeID ancestor(NodeID below, NodeID startingAt) const;
 };
 
 /// The children of a node, in text order.
