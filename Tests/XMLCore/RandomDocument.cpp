@@ -1,5 +1,7 @@
 #include "RandomDocument.h"
 
+#include "RandomMarkup.h"
+
 #include <string_view>
 #include <vector>
 
@@ -157,26 +159,10 @@ std::u16string RandomDocument::wellFormed(Random& random) { return Generator(ran
 std::u16string RandomDocument::faulty(Random& random) { return Generator(random, true).document(); }
 
 std::u16string RandomDocument::broken(Random& random) {
-    static const std::u16string pieces[] = {
-        u"<",  u">",       u"/>",   u"&",         u"\"",
-        u"'",  u"</a>",    u"<b",   u"<a>",       u"<!--",
-        u"?>", u"<?",      u"<!x[", u"<![CDATA[", u"<b k='/",
-        u"\n", u"\u00A0 ", u"\r",   u"=",         std::u16string(1, 0xD800),
-    };
-    std::u16string text = faulty(random);
-    for (std::size_t changes = 1 + random.below(3); changes > 0; --changes) {
-        const std::size_t at = random.below(text.size() + 1);
-        switch (random.below(4)) {
-        case 0:
-            text.erase(at);
-            break;
-        case 1:
-            text.erase(at, 1 + random.below(5));
-            break;
-        default:
-            text.insert(at, pieces[random.below(std::size(pieces))]);
-            break;
-        }
+    RandomMarkup markup(random);
+    std::u16string text = random.below(4) == 0 ? markup.tagSoup() : faulty(random);
+    for (std::size_t changes = random.below(4); changes > 0; --changes) {
+        markup.damage(text);
     }
     return text;
 }

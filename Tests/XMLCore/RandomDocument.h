@@ -15,7 +15,7 @@ std::u16string wellFormed(Random& random);
 /// attributes twice or without a value, text and more elements outside the root, words in end tags.
 std::u16string faulty(Random& random);
 
-/// `faulty`, then cut or changed at any place.
+/// `faulty` or tags in any order, then damaged at a few places.
 std::u16string broken(Random& random);
 
 } // namespace RandomDocument
