@@ -87,15 +87,9 @@ Lexer::Rare Lexer::reference(std::u16string_view units, std::ptrdiff_t start, st
     return {Token::Kind::invalid, first};
 }
 
-void Lexer::moveIndex(std::ptrdiff_t from) {
-    const bool isNext = from >= m_flagsLower && from < m_flagsLower + UnitIndex::flagsLength;
-    m_flagsLower = isNext ? m_flagsLower + UnitIndex::flagsLength : from & ~(UnitIndex::flagsLength - 1);
-    m_flagsPosition = 0;
-    m_index.move(units.data(), m_flagsLower, end);
-}
-
 std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range) {
-    Lexer lexer(in.units(), range.lower, range.upper, Mode::content);
+    UnitIndex index;
+    Lexer lexer(in.units(), index, range.lower, range.upper, Mode::content);
     precondition(range.upper <= in.count(), "the range to tokenize lies inside the text");
     std::vector<Token> tokens;
     while (const auto token = lexer.next()) {

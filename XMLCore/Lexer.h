@@ -30,13 +30,16 @@ public:
     std::ptrdiff_t position = 0; ///< The next offset to read.
     Mode mode = Mode::content;
 
-    /// A lexer over all of `units`, in content.
-    explicit Lexer(std::u16string_view wholeText)
-        : units(wholeText), end(static_cast<std::ptrdiff_t>(wholeText.size())) {}
+    /// A lexer over all of `wholeText`, in content. `index` is its working space, borrowed: nobody else may
+    /// use it meanwhile.
+    Lexer(std::u16string_view wholeText, UnitIndex& index)
+        : Lexer(wholeText, index, 0, static_cast<std::ptrdiff_t>(wholeText.size()), Mode::content) {}
 
     /// A lexer over the units from `start` to `stop`.
-    Lexer(std::u16string_view wholeText, std::ptrdiff_t start, std::ptrdiff_t stop, Mode startMode)
-        : units(wholeText), end(stop), position(start), mode(startMode) {}
+    Lexer(std::u16string_view wholeText, UnitIndex& index, std::ptrdiff_t start, std::ptrdiff_t stop,
+          Mode startMode)
+        : units(wholeText), end(stop), position(start), mode(startMode), m_index(&index),
+          m_flags(index.begin()) {}
 
     /// The next token, or none at the end (inside a tag: when only white space remains).
     std::optional<Token> next();
@@ -87,7 +90,6 @@ public:
 private:
     std::ptrdiff_t find(std::uint64_t UnitFlags::* flags, std::ptrdiff_t from);
     void nextFlags(std::ptrdiff_t from);
-    void moveIndex(std::ptrdiff_t from);
 
     Token::Kind take(Token::Kind kind, std::ptrdiff_t upTo) {
         position = upTo;
@@ -104,8 +106,8 @@ private:
     Token::Kind takeMarkup();
     Token::Kind takeValue(std::ptrdiff_t from, char16_t quote);
 
-    UnitIndex m_index;
-    std::ptrdiff_t m_flagsPosition = UnitIndex::count - 1; ///< Which flags of the index are at work.
+    UnitIndex* m_index;
+    const UnitFlags* m_flags; ///< Those of the index that are at work.
     std::ptrdiff_t m_flagsLower =
         -UnitIndex::flagsLength;      ///< The offset of the first unit that they tell of.
     std::ptrdiff_t m_textContent = 0; ///< Where the white space that the last text starts with ends.
@@ -123,11 +125,11 @@ inline std::optional<Token> Lexer::next() {
 /// The first unit from `from` on that has one of `flags`, or `end`.
 TAMO_ALWAYS_INLINE std::ptrdiff_t Lexer::find(std::uint64_t UnitFlags::* flags, std::ptrdiff_t from) {
     const auto index = static_cast<std::size_t>(from - m_flagsLower);
-    std::uint64_t rest = index < UnitIndex::flagsLength ? m_index[m_flagsPosition].*flags >> index : 0;
+    std::uint64_t rest = index < UnitIndex::flagsLength ? m_flags->*flags >> index : 0;
     while (rest == 0) {
         nextFlags(from);
         from = std::max(from, m_flagsLower);
-        rest = m_index[m_flagsPosition].*flags >> (from - m_flagsLower);
+        rest = m_flags->*flags >> (from - m_flagsLower);
     }
     return from + std::countr_zero(rest);
 }
@@ -135,12 +137,16 @@ TAMO_ALWAYS_INLINE std::ptrdiff_t Lexer::find(std::uint64_t UnitFlags::* flags, 
 /// Goes on to the flags of the next units, or to those of `from` where these are others.
 TAMO_ALWAYS_INLINE void Lexer::nextFlags(std::ptrdiff_t from) {
     const auto index = static_cast<std::size_t>(from - m_flagsLower);
-    if (index < 2 * UnitIndex::flagsLength && m_flagsPosition + 1 < UnitIndex::count) [[likely]] {
-        ++m_flagsPosition;
+    if (index < 2 * UnitIndex::flagsLength && m_flags + 1 != m_index->end()) [[likely]] {
+        ++m_flags;
         m_flagsLower += UnitIndex::flagsLength;
-    } else {
-        moveIndex(from);
+        return;
     }
+    // Who jumps here may soon be done; who comes from the units before goes on.
+    const bool isNext = index < UnitIndex::flagsLength;
+    m_flagsLower = isNext ? m_flagsLower + UnitIndex::flagsLength : from & ~(UnitIndex::flagsLength - 1);
+    m_flags = m_index->begin();
+    m_index->move(units.data(), m_flagsLower, end, isNext ? UnitIndex::capacity : 1);
 }
 
 TAMO_ALWAYS_INLINE Token::Kind Lexer::scan(std::ptrdiff_t& start) {

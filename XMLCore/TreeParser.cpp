@@ -52,7 +52,7 @@ private:
     void flushTextRun();
 
     void openTag(Lexer& lexer, Offset lower);
-    Offset skipInvalidContent(Offset upper);
+    Offset skipInvalidContent(std::ptrdiff_t position);
     void appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper);
     void appendCutOffElement(StartTag tag, Offset upper);
     void appendTag(const StartTag& tag, TreeNode::Flags flags, Offset upper);
@@ -120,8 +120,9 @@ DocumentTree Builder::build(const std::stop_token& stop) {
     constexpr int tokensBetweenStopChecks = 16384;
     int tokensLeft = tokensBetweenStopChecks;
     bool isStopped = false;
-    // A local, so that it lives in registers.
-    Lexer lexer(m_units);
+    // The lexer lives in registers, so nothing may take its address: what is rare has a lexer of its own.
+    UnitIndex index;
+    Lexer lexer(m_units, index);
     std::ptrdiff_t start = 0;
     for (Token::Kind kind; (kind = lexer.scanContent(start)) != Lexer::noToken;) {
         if (--tokensLeft == 0) {
@@ -269,7 +270,7 @@ TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
             diagnose(Rule::unexpectedInTag, range);
             upper = range.upper;
             if (lexer.mode == Lexer::Mode::content) {
-                upper = skipInvalidContent(upper);
+                upper = skipInvalidContent(lexer.position);
                 lexer.position = upper;
                 return appendCutOffElement(tag, upper);
             }
@@ -282,10 +283,11 @@ TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
 }
 
 /// After a lone `<` in a start tag the lexer is back in content, where only more invalid units go on with the
-/// tag. Diagnoses those from `upper` on and answers where they end.
-Offset Builder::skipInvalidContent(Offset upper) {
-    Lexer lexer(m_units, upper, count(), Lexer::Mode::content);
-    std::ptrdiff_t start = upper;
+/// tag. Diagnoses those from `position` on and answers where they end.
+TAMO_NEVER_INLINE Offset Builder::skipInvalidContent(std::ptrdiff_t position) {
+    UnitIndex index;
+    Lexer lexer(m_units, index, position, count(), Lexer::Mode::content);
+    std::ptrdiff_t start = position;
     while (lexer.scan(start) == Token::Kind::invalid) {
         diagnose(Rule::unexpectedInTag, rangeOf(start, lexer.position));
     }
@@ -307,7 +309,7 @@ TAMO_ALWAYS_INLINE void Builder::appendElement(const StartTag& tag, TreeNode::Fl
 }
 
 /// A start tag that something else than `>` or `/>` follows at `upper`. What follows becomes its sibling.
-[[gnu::noinline]] void Builder::appendCutOffElement(StartTag tag, Offset upper) {
+void Builder::appendCutOffElement(StartTag tag, Offset upper) {
     const SourceRange name = tag.name.isEmpty() ? rangeOf(tag.lower, tag.lower + 1) : tag.name;
     diagnose(Rule::unterminatedStartTag, name, upper);
     appendTag(tag, TreeNode::selfClosing | TreeNode::unterminated, upper);
@@ -387,14 +389,14 @@ TAMO_ALWAYS_INLINE void Builder::closeTag(Lexer& lexer, SourceRange opener) {
     if (lexer.takeEndTagRest(m_open.top().name)) [[likely]] {
         closeTop(rangeOf(opener.lower, lexer.position));
     } else {
-        lexer.position = closeUnexpectedTag(opener);
-        lexer.mode = Lexer::Mode::content;
+        lexer.rewind(closeUnexpectedTag(opener), Lexer::Mode::content);
     }
 }
 
 /// `closeTag` for an end tag of any form; answers where content goes on.
-std::ptrdiff_t Builder::closeUnexpectedTag(SourceRange opener) {
-    Lexer lexer(m_units, opener.upper, count(), Lexer::Mode::tagName);
+TAMO_NEVER_INLINE std::ptrdiff_t Builder::closeUnexpectedTag(SourceRange opener) {
+    UnitIndex index;
+    Lexer lexer(m_units, index, opener.upper, count(), Lexer::Mode::tagName);
     SourceRange name = rangeOf(opener.upper, opener.upper);
     std::ptrdiff_t start = 0;
     if (lexer.scan(start) == Token::Kind::tagName) {

@@ -4,15 +4,16 @@
 
 #include <algorithm>
 
-void UnitIndex::move(const char16_t* units, std::ptrdiff_t lower, std::ptrdiff_t end) {
+void UnitIndex::move(const char16_t* units, std::ptrdiff_t lower, std::ptrdiff_t end, std::ptrdiff_t count) {
     static const UnitClassifier::Function classify = UnitClassifier::quickest();
-    const std::ptrdiff_t whole = std::min(std::max(end - lower, std::ptrdiff_t{0}) / flagsLength, count);
+    m_count = count;
+    const std::ptrdiff_t whole = std::min((end - lower) / flagsLength, count);
     classify(units + lower, std::span(m_flags).first(whole));
     if (whole < count) {
         // The padding ends values and text at the text's end.
         std::array<char16_t, flagsLength> padded;
         padded.fill(u'<');
-        std::copy(units + lower + whole * flagsLength, units + std::max(lower, end), padded.begin());
+        std::copy(units + lower + whole * flagsLength, units + end, padded.begin());
         classify(padded.data(), std::span(m_flags).subspan(whole, 1));
     }
 }

@@ -17,16 +17,17 @@ struct UnitFlags {
 class UnitIndex {
 public:
     static constexpr std::ptrdiff_t flagsLength = 64;
-    static constexpr std::ptrdiff_t count = 16;
-    static constexpr std::ptrdiff_t length = count * flagsLength;
+    static constexpr std::ptrdiff_t capacity = 16;
 
-    /// The flags of the units from `lower() + position * flagsLength` on.
-    const UnitFlags& operator[](std::ptrdiff_t position) const { return m_flags[position]; }
+    /// The flags of the stretch, in order, each of `flagsLength` units.
+    const UnitFlags* begin() const { return m_flags.data(); }
+    const UnitFlags* end() const { return m_flags.data() + m_count; }
 
-    /// Moves the stretch to the `length` units from `lower` on, of a text that ends at `end`. Units beyond
-    /// the end count as ends of everything.
-    void move(const char16_t* units, std::ptrdiff_t lower, std::ptrdiff_t end);
+    /// Moves the stretch to the units from `lower` on that `count` flags tell of, 1 to `capacity`, of a text
+    /// that ends at `end`. What is beyond the end counts as an end of everything.
+    void move(const char16_t* units, std::ptrdiff_t lower, std::ptrdiff_t end, std::ptrdiff_t count);
 
 private:
-    std::array<UnitFlags, count> m_flags;
+    std::array<UnitFlags, capacity> m_flags;
+    std::ptrdiff_t m_count = 1;
 };

@@ -8,8 +8,9 @@
 #include <cstdint>
 #include <string_view>
 
-/// For the few functions that the inner loops are made of.
+/// For the few functions that the inner loops are made of, and for what is rare in them.
 #define TAMO_ALWAYS_INLINE [[gnu::always_inline]] inline
+#define TAMO_NEVER_INLINE [[gnu::noinline]]
 
 /// The scans that the lexer and the text types spend their time in, eight units at a step.
 ///
@@ -57,7 +58,7 @@ constexpr bool isWhitespace(char16_t unit) {
 /// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane. Most scans
 /// end within the first vector; only that step is worth its place in the caller.
 template <class VectorTest, class UnitTest>
-[[gnu::noinline]] Position findFarther(const char16_t* units, Position from, Position end, VectorTest matches,
+TAMO_NEVER_INLINE Position findFarther(const char16_t* units, Position from, Position end, VectorTest matches,
                                        UnitTest isMatch) {
     for (; from + UnitVector::lanes <= end; from += UnitVector::lanes) {
         const UnitMask mask = matches(UnitVector::load(units + from));

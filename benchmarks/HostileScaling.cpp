@@ -130,8 +130,8 @@ bool scales(const HostileShape& shape, std::size_t largest) {
 
 int main(int argc, char** argv) {
 #if defined(__GLIBC__)
-    // Freed memory stays with the program at every size: else the parses beyond the allocator's threshold would
-    // also be charged for fresh pages, the smaller ones not.
+    // Freed memory stays with the program at every size: else the parses beyond the allocator's threshold
+    // would also be charged for fresh pages, the smaller ones not.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, -1);
 #endif

@@ -76,7 +76,8 @@ void parseFirst(benchmark::State& state, const Shape& shape) {
 void lex(benchmark::State& state, const Shape& shape) {
     const SourceText text(textOf(shape));
     for (auto iteration : state) {
-        Lexer lexer(text.units());
+        UnitIndex index;
+        Lexer lexer(text.units(), index);
         std::size_t count = 0;
         while (lexer.next()) {
             ++count;

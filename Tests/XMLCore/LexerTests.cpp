@@ -270,17 +270,19 @@ TEST(Lexer, SearchesStopAtTheEndOfTheRange) {
 
 TEST(Lexer, StartsInTheModeGiven) {
     const std::u16string_view units = u"a b";
-    const auto first = [&](Lexer::Mode mode) { return *Lexer(units, 0, 3, mode).next(); };
+    UnitIndex index;
+    const auto first = [&](Lexer::Mode mode) { return *Lexer(units, index, 0, 3, mode).next(); };
     EXPECT_EQ(first(Lexer::Mode::content), (Token{text, {0, 3}}));
     EXPECT_EQ(first(Lexer::Mode::tagName), (Token{tagName, {0, 1}}));
     EXPECT_EQ(first(Lexer::Mode::tag), (Token{attributeName, {0, 1}}));
-    EXPECT_EQ(Lexer(units, 1, 3, Lexer::Mode::tagName).next(), (Token{attributeName, {2, 3}}));
-    EXPECT_EQ(Lexer(units, 3, 3, Lexer::Mode::tagName).next(), std::nullopt);
+    EXPECT_EQ(Lexer(units, index, 1, 3, Lexer::Mode::tagName).next(), (Token{attributeName, {2, 3}}));
+    EXPECT_EQ(Lexer(units, index, 3, 3, Lexer::Mode::tagName).next(), std::nullopt);
 }
 
 TEST(Lexer, StaysAtTheEnd) {
     for (const char16_t* const units : {u"", u"a", u"<a", u"<a ", u"<!--", u"</a>"}) {
-        Lexer lexer(units);
+        UnitIndex index;
+        Lexer lexer(units, index);
         while (lexer.next()) {
         }
         EXPECT_EQ(lexer.next(), std::nullopt);
@@ -289,7 +291,8 @@ TEST(Lexer, StaysAtTheEnd) {
 }
 
 TEST(Lexer, ShortcutsTakeTheirTokensOrNothing) {
-    Lexer equalsSign(u"= ", 0, 2, Lexer::Mode::tag);
+    UnitIndex index;
+    Lexer equalsSign(u"= ", index, 0, 2, Lexer::Mode::tag);
     EXPECT_TRUE(equalsSign.takeEquals());
     EXPECT_EQ(equalsSign.position, 1);
     EXPECT_FALSE(equalsSign.takeEquals());
@@ -303,12 +306,12 @@ TEST(Lexer, ShortcutsTakeTheirTokensOrNothing) {
     };
     for (const EndTag& row : {EndTag{4, {0, 2}, true}, EndTag{4, {0, 1}, false}, EndTag{4, {0, 0}, false},
                               EndTag{12, {0, 2}, false}, EndTag{16, {0, 2}, false}}) {
-        Lexer lexer(units, row.at, static_cast<std::ptrdiff_t>(units.size()), Lexer::Mode::tagName);
+        Lexer lexer(units, index, row.at, static_cast<std::ptrdiff_t>(units.size()), Lexer::Mode::tagName);
         EXPECT_EQ(lexer.takeEndTagRest(row.expected), row.isTaken) << row.at;
         EXPECT_EQ(lexer.position, row.isTaken ? 7 : row.at);
         EXPECT_EQ(lexer.mode, row.isTaken ? Lexer::Mode::content : Lexer::Mode::tagName);
     }
-    Lexer beforeEnd(units, 4, 6, Lexer::Mode::tagName);
+    Lexer beforeEnd(units, index, 4, 6, Lexer::Mode::tagName);
     EXPECT_FALSE(beforeEnd.takeEndTagRest({0, 2}));
 }
 

@@ -68,19 +68,19 @@ TEST(UnitClassifier, KeepsTheOrderOfUnits) {
 }
 
 TEST(UnitIndex, EndsEverythingAtTheEndOfTheText) {
-    const std::u16string text(UnitIndex::length + 100, u'a');
+    const std::u16string text((UnitIndex::capacity * UnitIndex::flagsLength) + 100, u'a');
     for (const std::ptrdiff_t end : {0, 1, 63, 64, 65, 100}) {
         UnitIndex index;
-        index.move(text.data(), 0, end);
+        index.move(text.data(), 0, end, UnitIndex::capacity);
         const std::ptrdiff_t position = end / UnitIndex::flagsLength;
         const std::uint64_t bit = std::uint64_t{1} << end % UnitIndex::flagsLength;
         for (std::ptrdiff_t whole = 0; whole < position; ++whole) {
-            expectEqual(index[whole],
+            expectEqual(index.begin()[whole],
                         {.markup = 0, .nameEnd = 0, .valueEnd = 0, .content = ~std::uint64_t{0}});
         }
-        EXPECT_EQ(index[position].markup & -index[position].markup, bit) << end;
-        EXPECT_EQ(index[position].nameEnd & -index[position].nameEnd, bit) << end;
-        EXPECT_EQ(index[position].valueEnd & -index[position].valueEnd, bit) << end;
-        EXPECT_NE(index[position].content & bit, 0U) << end;
+        EXPECT_EQ(index.begin()[position].markup & -index.begin()[position].markup, bit) << end;
+        EXPECT_EQ(index.begin()[position].nameEnd & -index.begin()[position].nameEnd, bit) << end;
+        EXPECT_EQ(index.begin()[position].valueEnd & -index.begin()[position].valueEnd, bit) << end;
+        EXPECT_NE(index.begin()[position].content & bit, 0U) << end;
     }
 }
