@@ -160,6 +160,26 @@ TEST(DocumentTree, WalksChildren) {
     EXPECT_EQ(tree.child(nodeID(5), 0), std::nullopt);
 }
 
+TEST(DocumentTree, FindsChildrenFromTheirEnd) {
+    Random random;
+    RandomMarkup markup(random);
+    for (int round = 0; round < 500; ++round) {
+        const DocumentTree tree = parse(round % 2 == 0 ? markup.tagSoup() : markup.document());
+        for (std::size_t index = 0; index < tree.nodes.size(); ++index) {
+            const NodeID parent = nodeID(index);
+            std::optional<NodeID> previous;
+            for (const NodeID child : tree.children(parent)) {
+                ASSERT_EQ(tree.previousSibling(child), previous);
+                previous = child;
+            }
+            ASSERT_EQ(tree.lastChild(parent), previous);
+        }
+    }
+    const DocumentTree empty = DocumentTree::empty();
+    EXPECT_EQ(empty.lastChild(NodeID::document()), std::nullopt);
+    EXPECT_EQ(empty.previousSibling(NodeID::document()), std::nullopt);
+}
+
 TEST(DocumentTree, FindsNodesAtOffsets) {
     const DocumentTree tree = parse(u" <a>x<b/> <c>y</c></a> ");
     //                              0 1   45    9 1011

@@ -503,3 +503,33 @@ TEST(MutationPlanner, ComparesMutationsPlansAndFailures) {
     const std::unordered_set<Plan> plans = {Plan{{}, 1}, Plan{{}, {}}, Plan{{{{0, 1}, u""}}, 1}, Plan{{}, 1}};
     EXPECT_EQ(plans.size(), 3U);
 }
+
+TEST(MutationPlanner, PlansFarDownAndFarAlong) {
+    constexpr std::uint32_t many = 1'000'000;
+    std::u16string text;
+    for (std::uint32_t i = 0; i < many; ++i) {
+        text += u"<a>";
+    }
+    const DocumentTree deep = TreeParser::parse(SourceText(text));
+    const NodePath deepest = deep.path({many});
+    const Offset start = 3 * (many - 1);
+    EXPECT_EQ(MutationPlanner::plan(TM::Rename{deepest, u"b"}, deep, twoSpaces)->selectOffset, start);
+    EXPECT_EQ(MutationPlanner::plan(TM::Delete{deepest}, deep, twoSpaces)->selectOffset, start - 3);
+    EXPECT_EQ(MutationPlanner::plan(TM::Wrap{deepest, u"w"}, deep, twoSpaces)->edits.front().replacement,
+              u"<w>\n  <a>\n</w>");
+    EXPECT_EQ(MutationPlanner::plan(TM::Move{deepest, root, Placement::after}, deep, twoSpaces)->selectOffset,
+              3 * many - 3 + 1);
+    EXPECT_EQ(MutationPlanner::plan(TM::Move{root, deepest, Placement::after}, deep, twoSpaces).error(),
+              Failure(InvalidTarget{}));
+
+    text = u"<r>";
+    for (std::uint32_t i = 0; i < many; ++i) {
+        text += u"<a/>";
+    }
+    text += u"</r>";
+    const DocumentTree wide = TreeParser::parse(SourceText(text));
+    const NodePath last{{0, many - 1}};
+    const TM insertion = TM::InsertElement{u"n", root, Placement::lastChild};
+    EXPECT_EQ(MutationPlanner::plan(insertion, wide, twoSpaces)->selectOffset, 4 * many + 3);
+    EXPECT_EQ(MutationPlanner::plan(TM::Delete{last}, wide, twoSpaces)->selectOffset, 4 * many - 5);
+}

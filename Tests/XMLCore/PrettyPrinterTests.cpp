@@ -195,6 +195,7 @@ TEST(PrettyPrinter, ClosesElementsAndKeepsOtherDamage) {
         {u"<a", u"<a\n", u"<a"},
         {u"<a></a", u"<a></a\n", u"<a></a"},
         {u"<!-- c", u"<!-- c\n", u"<!-- c"},
+        {u"<!'x>", u"<!'x>\n", u"<!'x>"},
         {u"<a>x & y < z</a>", u"<a>x & y < z</a>\n", u"<a>x & y < z</a>"},
     });
 }

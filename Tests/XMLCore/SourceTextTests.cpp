@@ -177,6 +177,18 @@ TEST(SourceText, FindsLinesAsAPlainLoopDoes) {
     }
 }
 
+TEST(SourceText, FindsTheStartsOfLongLines) {
+    constexpr std::size_t length = 300;
+    for (std::size_t lineFeed = 0; lineFeed < length; ++lineFeed) {
+        std::u16string units(length, u'x');
+        units[lineFeed] = u'\n';
+        const SourceText text(units);
+        for (Offset at = 0; at <= length; ++at) {
+            ASSERT_EQ(text.lineStart(at), plainLineStart(units, at)) << lineFeed << ' ' << at;
+        }
+    }
+}
+
 TEST(SourceText, ReadsTheIndentationOfLines) {
     const SourceText text(u"a\n \t b\n\t\r\n  ");
     EXPECT_EQ(text.indentation(0), u"");
