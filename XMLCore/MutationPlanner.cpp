@@ -58,10 +58,7 @@ public:
         : m_tree(tree), m_text(tree.text), m_indent(indent) {}
 
     Result operator()(const TreeMutation::Rename& rename) const {
-        if (!Lexer::isValidName(rename.name)) {
-            return invalidName(rename.name);
-        }
-        const auto id = element(rename.path);
+        const auto id = elementTaking(rename.name, rename.path);
         if (!id) {
             return failure(id.error());
         }
@@ -75,10 +72,7 @@ public:
 
     /// The value of an attribute is replaced inside its quotes; a new attribute goes behind the others.
     Result operator()(const TreeMutation::SetAttribute& set) const {
-        if (!Lexer::isValidName(set.name)) {
-            return invalidName(set.name);
-        }
-        const auto id = element(set.path);
+        const auto id = elementTaking(set.name, set.path);
         if (!id) {
             return failure(id.error());
         }
@@ -95,10 +89,7 @@ public:
     }
 
     Result operator()(const TreeMutation::RenameAttribute& rename) const {
-        if (!Lexer::isValidName(rename.newName)) {
-            return invalidName(rename.newName);
-        }
-        const auto id = element(rename.path);
+        const auto id = elementTaking(rename.newName, rename.path);
         if (!id) {
             return failure(id.error());
         }
@@ -157,11 +148,19 @@ public:
         if (!Lexer::isValidName(insert.name)) {
             return invalidName(insert.name);
         }
-        return insertion(startTag(insert.name) + endTag(insert.name), insert.target, insert.placement);
+        const auto target = node(insert.target);
+        if (!target) {
+            return failure(target.error());
+        }
+        return insertion(startTag(insert.name) + endTag(insert.name), *target, insert.placement);
     }
 
     Result operator()(const TreeMutation::InsertComment& insert) const {
-        return insertion(u"<!-- " + commentText(insert.text) + u" -->", insert.target, insert.placement);
+        const auto target = node(insert.target);
+        if (!target) {
+            return failure(target.error());
+        }
+        return insertion(u"<!-- " + commentText(insert.text) + u" -->", *target, insert.placement);
     }
 
     Result operator()(const TreeMutation::Delete& remove) const {
@@ -178,7 +177,7 @@ public:
         if (!id) {
             return failure(id.error());
         }
-        return insertion(std::u16string(m_tree.source(*id)), duplicate.path, Placement::after);
+        return insertion(std::u16string(m_tree.source(*id)), *id, Placement::after);
     }
 
     Result operator()(const TreeMutation::Move& move) const {
@@ -241,6 +240,14 @@ private:
         return id && !m_tree[*id].isElement() ? failure(NotAnElement()) : id;
     }
 
+    /// The element at `path`, if `newName` is a name at all.
+    std::expected<NodeID, Failure> elementTaking(const std::u16string& newName, const NodePath& path) const {
+        if (!Lexer::isValidName(newName)) {
+            return invalidName(newName);
+        }
+        return element(path);
+    }
+
     std::expected<NodeID, Failure> nodeBelowDocument(const NodePath& path) const {
         const auto id = node(path);
         return id && *id == NodeID::document() ? failure(InvalidTarget()) : id;
@@ -249,14 +256,10 @@ private:
     /// One edit that leaves the start of `id` where it is, and `id` selected.
     Plan planAt(NodeID id, TextEdit edit) const { return {{std::move(edit)}, m_tree[id].range.lower}; }
 
-    /// Puts the source of a node into or beside the one at `path`, and selects it.
-    Result insertion(const std::u16string& source, const NodePath& path, Placement placement) const {
-        const auto target = node(path);
-        if (!target) {
-            return failure(target.error());
-        }
+    /// Puts the source of a node into or beside `target`, and selects it.
+    Result insertion(const std::u16string& source, NodeID target, Placement placement) const {
         NodeLayout layout(m_tree, m_indent);
-        const auto insertion = NodeInsertion::plan(source, *target, placement, m_tree, layout);
+        const auto insertion = NodeInsertion::plan(source, target, placement, m_tree, layout);
         if (!insertion) {
             return failure(NotAnElement());
         }

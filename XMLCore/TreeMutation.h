@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <variant>
 
 /// A change to a document that the user asks for outside its source: what `MutationPlanner` turns into edits.

@@ -10,7 +10,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -109,7 +108,7 @@ const DocumentTree& largeTree(const Shape& shape) {
     return tree;
 }
 
-/// The last row but one of the table, below its first or second node.
+/// The last row but one of the table.
 NodePath lateRow(const DocumentTree& tree) {
     NodePath path = tree.path(*tree.rootElement());
     path.indices.push_back(tree[*tree.rootElement()].childCount - 2);
@@ -152,6 +151,8 @@ const PlannedMutation mutations[] = {
      }},
     {"delete a row",
      [](const NodePath&, const NodePath& row) -> TreeMutation { return TreeMutation::Delete{row}; }},
+    {"duplicate a row",
+     [](const NodePath&, const NodePath& row) -> TreeMutation { return TreeMutation::Duplicate{row}; }},
     {"wrap a row",
      [](const NodePath&, const NodePath& row) -> TreeMutation { return TreeMutation::Wrap{row, u"rows"}; }},
     {"move a row into the first",
