@@ -16,8 +16,8 @@ MarkedText::MarkedText(std::u16string_view marked) {
 }
 
 std::u16string marked(std::u16string text, SourceRange selection) {
-    text.insert(selection.upper, u"|");
-    return selection.isEmpty() ? text : text.insert(selection.lower, u"|");
+    text.insert(selection.upper, 1, u'|');
+    return selection.isEmpty() ? text : text.insert(selection.lower, 1, u'|');
 }
 
 std::u16string marked(const SourceText& text, std::span<const TextEdit> edits, SourceRange selection) {
