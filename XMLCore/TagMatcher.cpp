@@ -110,6 +110,10 @@ std::optional<SourceRange> nameAfter(std::u16string_view opener, Offset around, 
 
 /// Whether `tag` starts with a start tag that a `>` ends and no `/>`.
 bool opensElement(std::u16string_view tag) {
+    const SourceRange name = nameRange(tag, 1);
+    if (!name.isEmpty() && tag.substr(name.upper).starts_with(u'>')) {
+        return true; // Most tags are that simple.
+    }
     Lexer lexer(tag);
     auto token = lexer.next();
     if (!token || token->kind != Token::Kind::openTagStart) {

@@ -8,7 +8,7 @@
 
 /// Answers small questions about the source at a caret without parsing the document, so also where the user
 /// is in the middle of typing broken markup. Every offset counts units of `in`; one beyond it stops the
-/// program. All work in time linear in what lies between the caret and the answer.
+/// program. All take time linear in the text at most.
 namespace TagMatcher {
 
 /// What a caret stands in.

@@ -302,8 +302,9 @@ TEST(TagExpander, EndsOnHostileAbbreviations) {
              {u"", u"b", u"!!", u" b=1 c=2", u"]", u" x=1]", u"b*500>b*500>b*500"}) {
             const SourceText text(repeated(piece, times) + std::u16string(end) +
                                   std::u16string(2, end.empty() ? u'x' : u']'));
-            TagExpander::expansion(text.count(), text, unit);
-            TagExpander::expand(text.units(), u"", unit, elsewhere);
+            const auto found = TagExpander::expansion(text.count(), text, unit);
+            EXPECT_TRUE(!found || found->snippet.text.size() <= TagExpander::maximumUnits);
+            EXPECT_FALSE(TagExpander::expand(text.units(), u"", unit, elsewhere));
         }
     }
     const SourceText deep(repeated(u"a>", times) + u"b");

@@ -575,6 +575,9 @@ TEST(TagMatcher, FindsWhatLiesFarBack) {
 /// Each would take hours if something in them was looked at again and again.
 TEST(TagMatcher, EndsOnHostileTexts) {
     constexpr int times = 300'000;
+    const auto row = [](std::u16string_view start, std::u16string_view piece) {
+        return ::testing::PrintToString(std::u16string(start).append(piece));
+    };
     for (const std::u16string_view piece :
          {u"</b>",       u"<b>", u"?>",   u"-->",  u"]]>",    u"<!--",   u"<?",      u"<![CDATA[",
           u"<!-- -->",   u"<",   u">",    u"'",    u"<a b='", u"</",     u"<b></b>", u"<b></b>?>",
@@ -582,12 +585,17 @@ TEST(TagMatcher, EndsOnHostileTexts) {
         for (const std::u16string_view start : {u"", u"<a>", u"<?x ?><!-- --><a>"}) {
             const SourceText text(std::u16string(start) + repeated(piece, times) + u"</a>");
             const Offset end = text.count() - 4;
-            TagMatcher::context(end, text);
-            TagMatcher::openTagName(end, text);
-            TagMatcher::unclosedElement(end, text);
-            TagMatcher::startTagName(end, text);
-            TagMatcher::matchingOpenName(end, text);
-            TagMatcher::matchingCloseName(static_cast<Offset>(start.size()), text);
+            const std::u16string_view before = text.units({0, end});
+            EXPECT_EQ(TagMatcher::context(end, text), Model::context(before)) << row(start, piece);
+            EXPECT_EQ(TagMatcher::openTagName(end, text), Model::openTagName(before)) << row(start, piece);
+            const Name unclosed = TagMatcher::unclosedElement(end, text);
+            EXPECT_TRUE(!unclosed || unclosed == u"a" || unclosed == u"b") << row(start, piece);
+            const Range open = TagMatcher::matchingOpenName(end, text);
+            EXPECT_TRUE(!open ||
+                        TagMatcher::matchingCloseName(open->lower - 1, text) == SourceRange::at(end + 2, 1))
+                << row(start, piece);
+            const Range close = TagMatcher::matchingCloseName(static_cast<Offset>(start.size()), text);
+            EXPECT_TRUE(!close || TagMatcher::endTagName(close->lower, text) == close) << row(start, piece);
         }
     }
     const SourceText unmatched(u"<a><a></a>" + repeated(u"</b>", times));
