@@ -108,13 +108,13 @@ std::optional<SourceRange> nameAfter(std::u16string_view opener, Offset around, 
     return name.isEmpty() ? std::nullopt : std::optional(name);
 }
 
-/// Whether `tag` starts with a start tag that a `>` ends and no `/>`.
-bool opensElement(std::u16string_view tag) {
+/// Whether `tag` starts with a start tag that a `>` ends and no `/>`. `index` is for the lexer.
+bool opensElement(std::u16string_view tag, UnitIndex& index) {
     const SourceRange name = nameRange(tag, 1);
     if (!name.isEmpty() && tag.substr(name.upper).starts_with(u'>')) {
         return true; // Most tags are that simple.
     }
-    Lexer lexer(tag);
+    Lexer lexer(tag, index);
     auto token = lexer.next();
     if (!token || token->kind != Token::Kind::openTagStart) {
         return false;
@@ -245,13 +245,15 @@ std::optional<SourceRange> TagMatcher::matchingCloseName(Offset forStartTagAt, c
     if (nameRange(in.units(), forStartTagAt + 1).isEmpty() || in.units()[forStartTagAt] != u'<') {
         return std::nullopt;
     }
-    Lexer lexer(in.units(), forStartTagAt, in.count(), Lexer::Mode::content);
+    UnitIndex index;
+    Lexer lexer(in.units(), index, forStartTagAt, in.count(), Lexer::Mode::content);
     Offset depth = 0;
     bool isInStartTag = false;
-    while (const auto token = lexer.next()) {
-        switch (token->kind) {
+    Position start = 0;
+    for (Token::Kind kind; (kind = lexer.scan(start)) != Lexer::noToken;) {
+        switch (kind) {
         case Token::Kind::openTagStart:
-            if (depth == 0 && token->range.lower != forStartTagAt) {
+            if (depth == 0 && start != Position{forStartTagAt}) {
                 return std::nullopt;
             }
             isInStartTag = true;
@@ -269,7 +271,7 @@ std::optional<SourceRange> TagMatcher::matchingCloseName(Offset forStartTagAt, c
         case Token::Kind::closeTagStart:
             isInStartTag = false;
             if (depth <= 1) {
-                const SourceRange name = nameRange(in.units(), token->range.upper);
+                const SourceRange name = nameRange(in.units(), lexer.position);
                 return depth == 0 || name.isEmpty() ? std::nullopt : std::optional(name);
             }
             --depth;
@@ -289,6 +291,7 @@ std::optional<SourceRange> TagMatcher::matchingOpenName(Offset forEndTagAt, cons
         return std::nullopt;
     }
     ClosedConstructs closedConstructs(text);
+    UnitIndex index;
     Offset unopened = 0;
     Position markup = forEndTagAt; // The markup met last; what stands before it ends there at the latest.
     Position at = forEndTagAt;
@@ -304,7 +307,7 @@ std::optional<SourceRange> TagMatcher::matchingOpenName(Offset forEndTagAt, cons
         markup = at;
         if (tag.starts_with(u"</")) {
             ++unopened;
-        } else if (opensElement(tag)) {
+        } else if (opensElement(tag, index)) {
             if (unopened == 0) {
                 // Counting backwards cannot know all that counting forwards does; what differs has no match.
                 const auto start = static_cast<Offset>(at);
