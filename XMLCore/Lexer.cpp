@@ -88,9 +88,9 @@ Lexer::Rare Lexer::reference(std::u16string_view units, std::ptrdiff_t start, st
 }
 
 std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range) {
+    precondition(range.upper <= in.count(), "the range to tokenize lies inside the text");
     UnitIndex index;
     Lexer lexer(in.units(), index, range.lower, range.upper, Mode::content);
-    precondition(range.upper <= in.count(), "the range to tokenize lies inside the text");
     std::vector<Token> tokens;
     while (const auto token = lexer.next()) {
         tokens.push_back(*token);

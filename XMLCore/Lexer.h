@@ -31,11 +31,11 @@ public:
     Mode mode = Mode::content;
 
     /// A lexer over all of `wholeText`, in content. `index` is its working space, borrowed: nobody else may
-    /// use it meanwhile.
+    /// use it meanwhile, and what an earlier lexer left in it does not matter.
     Lexer(std::u16string_view wholeText, UnitIndex& index)
         : Lexer(wholeText, index, 0, static_cast<std::ptrdiff_t>(wholeText.size()), Mode::content) {}
 
-    /// A lexer over the units from `start` to `stop`.
+    /// A lexer over the units from `start` to `stop`, which lie inside the text.
     Lexer(std::u16string_view wholeText, UnitIndex& index, std::ptrdiff_t start, std::ptrdiff_t stop,
           Mode startMode)
         : units(wholeText), end(stop), position(start), mode(startMode), m_index(&index),
@@ -79,7 +79,8 @@ public:
         mode = inMode;
     }
 
-    /// All tokens of `range` of the text, read from its start as content.
+    /// All tokens of `range` of the text, read from its start as content. Stops the program when the range
+    /// reaches beyond the text.
     static std::vector<Token> tokens(const SourceText& in, SourceRange range);
     static std::vector<Token> tokens(const SourceText& in) { return tokens(in, in.fullRange()); }
 
@@ -108,8 +109,9 @@ private:
 
     UnitIndex* m_index;
     const UnitFlags* m_flags; ///< Those of the index that are at work.
-    std::ptrdiff_t m_flagsLower =
-        -UnitIndex::flagsLength;      ///< The offset of the first unit that they tell of.
+    /// The offset of the first unit that they tell of. At first far enough before the text that not even the
+    /// flags after them are taken for the text's: the index may still hold another one's.
+    std::ptrdiff_t m_flagsLower = -2 * UnitIndex::flagsLength;
     std::ptrdiff_t m_textContent = 0; ///< Where the white space that the last text starts with ends.
 };
 

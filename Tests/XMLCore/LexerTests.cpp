@@ -279,6 +279,20 @@ TEST(Lexer, StartsInTheModeGiven) {
     EXPECT_EQ(Lexer(units, index, 3, 3, Lexer::Mode::tagName).next(), std::nullopt);
 }
 
+TEST(Lexer, IgnoresWhatAnotherLeftInTheIndex) {
+    UnitIndex index;
+    const std::u16string longText(1000, u'a');
+    Lexer before(longText, index);
+    ASSERT_EQ(before.next(), (Token{text, {0, 1000}}));
+
+    Lexer lexer(u"<b c='d'/>", index);
+    std::vector<Token> tokens;
+    while (const auto token = lexer.next()) {
+        tokens.push_back(*token);
+    }
+    EXPECT_EQ(tokens, Lexer::tokens(SourceText(u"<b c='d'/>")));
+}
+
 TEST(Lexer, StaysAtTheEnd) {
     for (const char16_t* const units : {u"", u"a", u"<a", u"<a ", u"<!--", u"</a>"}) {
         UnitIndex index;
