@@ -41,8 +41,8 @@ inline UnitFlags flagsOfVectors(const char16_t* units) {
 
 #if defined(__x86_64__)
 
-/// What `classifyByTable` finds out about a byte by looking up its two halves: a bit for every set of bytes
-/// whose upper and lower halves can be combined freely.
+/// What looking up the two halves of a byte finds out about it: a bit for every set of bytes whose upper and
+/// lower halves can be combined freely.
 namespace ByteSet {
 constexpr char lessThan = 1;
 constexpr char ampersand = 2;
@@ -101,8 +101,11 @@ constexpr char name = dashAndDot | digitsAndUpToZ | underscore | upToO;
     return {~noMarkup, nameEnd, ~noValueEnd, ~blank};
 }
 
-/// The sets of the ASCII characters, and in `other` whether a character is white space.
+/// One more set: everything but white space.
 constexpr char otherThanBlank = static_cast<char>(128);
+
+/// The sets of the ASCII characters. All markup is in that of `&`, all ends of values in that of quotes: who
+/// looks up whole bytes needs no more.
 constexpr std::array<char, 128> setsOfASCII = [] {
     std::array<char, 128> sets{};
     for (int unit = 0; unit < 128; ++unit) {

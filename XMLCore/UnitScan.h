@@ -8,11 +8,12 @@
 #include <cstdint>
 #include <string_view>
 
-/// For the few functions that the inner loops are made of, and for what is rare in them.
+/// For the few functions that inner loops are made of, and for those that would only be in their way.
 #define TAMO_ALWAYS_INLINE [[gnu::always_inline]] inline
 #define TAMO_NEVER_INLINE [[gnu::noinline]]
 
-/// The scans that the lexer and the text types spend their time in, eight units at a step.
+/// Scans for those who look for a unit or two, eight units at a step: the text types, the lexer where a token
+/// is long or rare. What the lexer asks at every token it finds in the `UnitIndex`.
 ///
 /// Each looks at the stretch `from ..< end` of the array `units`, reads nothing outside it, and answers with
 /// a position in it, `end` when it finds nothing.
@@ -55,8 +56,7 @@ constexpr bool isWhitespace(char16_t unit) {
     return unit <= u' ' && (whitespace >> unit & 1) != 0;
 }
 
-/// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane. Most scans
-/// end within the first vector; only that step is worth its place in the caller.
+/// `find` from the second vector on.
 template <class VectorTest, class UnitTest>
 TAMO_NEVER_INLINE Position findFarther(const char16_t* units, Position from, Position end, VectorTest matches,
                                        UnitTest isMatch) {
@@ -71,6 +71,9 @@ TAMO_NEVER_INLINE Position findFarther(const char16_t* units, Position from, Pos
     }
     return from;
 }
+
+/// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane. Most scans
+/// end within the first vector; only that step is worth its place in the caller.
 template <class VectorTest, class UnitTest>
 TAMO_ALWAYS_INLINE Position find(const char16_t* units, Position from, Position end, VectorTest matches,
                                  UnitTest isMatch) {

@@ -11,8 +11,9 @@
 #include <arm_neon.h>
 #endif
 
-/// Eight UTF-16 units side by side: the one place that knows the processor's vector instructions. Everything
-/// compares lane by lane and answers with a `UnitMask`. Processors without them, and those who define
+/// Eight UTF-16 units side by side: with `ByteVector`, what hides the vector instructions that every
+/// processor of a kind has (`UnitClassifier` knows some that only newer ones have). Everything compares lane
+/// by lane and answers with a `UnitMask`. Processors without them, and those who define
 /// `TAMO_PLAIN_UNIT_VECTOR`, get the same in plain C++.
 
 /// One flag a lane, packed as the processor gives them.
