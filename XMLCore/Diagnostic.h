@@ -32,9 +32,17 @@ struct Diagnostic {
 };
 
 template <>
+struct std::hash<Diagnostic::Fix> {
+    std::size_t operator()(const Diagnostic::Fix& fix) const noexcept {
+        return hashOf(fix.title, hashOfList(fix.edits));
+    }
+};
+
+template <>
 struct std::hash<Diagnostic> {
     std::size_t operator()(const Diagnostic& diagnostic) const noexcept {
-        return hashOf(diagnostic.range, diagnostic.message, static_cast<int>(diagnostic.severity));
+        return hashOf(diagnostic.range, diagnostic.message, static_cast<int>(diagnostic.severity),
+                      diagnostic.fix);
     }
 };
 

@@ -307,11 +307,7 @@ std::expected<Plan, Failure> MutationPlanner::plan(const TreeMutation& mutation,
 }
 
 std::size_t std::hash<Plan>::operator()(const Plan& plan) const noexcept {
-    std::size_t combined = hashOf(plan.selectOffset);
-    for (const TextEdit& edit : plan.edits) {
-        combined = hashOf(combined, edit);
-    }
-    return combined;
+    return hashOf(plan.selectOffset, hashOfList(plan.edits));
 }
 
 std::size_t std::hash<Failure>::operator()(const Failure& failure) const noexcept {

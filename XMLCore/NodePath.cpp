@@ -71,11 +71,7 @@ std::string NodePath::description() const {
 }
 
 std::size_t std::hash<NodePath>::operator()(const NodePath& path) const noexcept {
-    std::size_t combined = path.indices.size();
-    for (const std::uint32_t index : path.indices) {
-        combined = hashOf(combined, index);
-    }
-    return combined;
+    return hashOf(path.indices.size(), hashOfList(path.indices));
 }
 
 NodePath DocumentTree::path(NodeID of) const {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <tuple>
+#include <unordered_set>
 
 namespace {
 
@@ -298,5 +299,9 @@ TEST(Diagnostic, ListsCountAndCompare) {
     EXPECT_EQ(std::hash<Diagnostic>()(error), std::hash<Diagnostic>()(other));
     other.fix = Fix{u"b", {}};
     EXPECT_FALSE(error == other);
+    EXPECT_NE(std::hash<Diagnostic>()(error), std::hash<Diagnostic>()(other));
+    const std::unordered_set<Fix> fixes = {
+        {u"a", {}}, {u"b", {}}, {u"a", {TextEdit::insert(u">", 1)}}, {u"a", {}}};
+    EXPECT_EQ(fixes.size(), 3U);
     EXPECT_DEATH(std::ignore = none[0], "there is a diagnostic of that index");
 }
