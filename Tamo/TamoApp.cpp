@@ -45,7 +45,7 @@ bool writeTrace(const QString& path) {
     const bool written =
         file.open(QIODevice::WriteOnly) && file.write(Signposter::trace(records)) >= 0 && file.commit();
     if (!written) {
-        printError(QStringLiteral("No se pudo guardar «%1».").arg(path));
+        printError(QStringLiteral("No se pudo guardar “%1”.").arg(path));
     }
     return written;
 }
@@ -162,7 +162,7 @@ void TamoApp::takePicture(DocumentWindow* window, const QString& path) {
     const auto take = [window, path] {
         const bool saved = window->grab().save(path);
         if (!saved) {
-            printError(QStringLiteral("No se pudo guardar «%1».").arg(path));
+            printError(QStringLiteral("No se pudo guardar “%1”.").arg(path));
         }
         QCoreApplication::exit(saved ? EXIT_SUCCESS : EXIT_FAILURE);
     };
