@@ -48,7 +48,9 @@ void TextBuffer::apply(std::span<const TextEdit> edits, const QString& actionNam
     }
     if (m_undoManager != nullptr) {
         m_undoManager->beginUndoGroup();
-        m_undoManager->setActionName(actionName);
+        if (!actionName.isEmpty()) {
+            m_undoManager->setActionName(actionName);
+        }
     }
     replaceUndoably(replacements);
     if (m_undoManager != nullptr) {

@@ -53,7 +53,8 @@ public:
 
     /// Applies `edits`, given in any order in the offsets of the current text, as one undo step. Of two
     /// insertions at one offset the text of the first given ends up last. Stops the program, with the text as
-    /// it was, when edits overlap or reach beyond the text. No edits, no step.
+    /// it was, when edits overlap or reach beyond the text. No edits, no step; no name, and a group that is
+    /// open already keeps its own.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
     /// Replaces what the user types, pastes or deletes at the caret. Joins the undo step "Escribir" before it

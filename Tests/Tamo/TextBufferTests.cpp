@@ -57,6 +57,16 @@ TEST(TextBuffer, UndoesAListOfEditsWithOneCommand) {
     EXPECT_EQ(document.mirror->text(), document.buffer.text());
 }
 
+TEST(TextBuffer, LeavesAGroupItsNameWithoutOneOfItsOwn) {
+    Document document(u"ab");
+    const TextEdit edit = TextEdit::insert(u"x", 1);
+    document.undo.beginUndoGroup();
+    document.undo.setActionName(QStringLiteral("Mover"));
+    document.buffer.apply({&edit, 1});
+    document.undo.endUndoGroup();
+    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Mover"));
+}
+
 TEST(TextBuffer, CountsEveryReplacement) {
     Document document(u"abc");
     EXPECT_EQ(document.buffer.generation(), 0);
