@@ -4,6 +4,7 @@
 #include "Lexer.h"
 #include "Random.h"
 #include "RandomMarkup.h"
+#include "Repeated.h"
 #include "TreeDump.h"
 #include "TreeParser.h"
 #include "UnicodeProperties.h"
@@ -61,15 +62,6 @@ std::u16string plainPreview(const std::u16string& textContent, std::size_t limit
         preview += line[i];
     }
     return line.size() >= limit ? preview + u"…" : preview;
-}
-
-std::u16string repeated(std::u16string_view part, std::size_t times) {
-    std::u16string result;
-    result.reserve(part.size() * times);
-    for (; times > 0; --times) {
-        result += part;
-    }
-    return result;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "NodeLayout.h"
 
+#include "MarkedNode.h"
 #include "RandomDocument.h"
 #include "TreeParser.h"
 
@@ -10,19 +11,6 @@ namespace {
 constexpr IndentStyle twoSpaces = IndentStyle::spaces(2);
 
 DocumentTree parse(const std::u16string& text) { return TreeParser::parse(SourceText(text)); }
-
-/// The node that starts right where the `|` stands in `marked`.
-struct MarkedNode {
-    DocumentTree tree;
-    NodeID node;
-
-    explicit MarkedNode(std::u16string marked) {
-        const std::size_t at = marked.find(u'|');
-        marked.erase(at, 1);
-        tree = parse(marked);
-        node = tree.node(static_cast<Offset>(at));
-    }
-};
 
 struct Row {
     std::u16string marked;

@@ -1,5 +1,7 @@
 #include "NodePath.h"
 
+#include "MarkedNode.h"
+#include "Repeated.h"
 #include "TreeParser.h"
 
 #include <gtest/gtest.h>
@@ -8,19 +10,6 @@
 namespace {
 
 DocumentTree parse(std::u16string_view text) { return TreeParser::parse(SourceText(text)); }
-
-/// The node that starts right where the `|` stands in `marked`.
-struct MarkedNode {
-    DocumentTree tree;
-    NodeID node;
-
-    explicit MarkedNode(std::u16string marked) {
-        const std::size_t at = marked.find(u'|');
-        marked.erase(at, 1);
-        tree = parse(marked);
-        node = tree.node(static_cast<Offset>(at));
-    }
-};
 
 struct Row {
     std::u16string marked;
@@ -35,14 +24,6 @@ void check(const std::vector<Row>& rows) {
         EXPECT_EQ(marked.tree.path(marked.node), row.path) << ::testing::PrintToString(row.marked);
         EXPECT_EQ(marked.tree.resolve(row.path), marked.node) << ::testing::PrintToString(row.marked);
     }
-}
-
-std::u16string repeated(std::u16string_view piece, std::size_t times) {
-    std::u16string text;
-    for (std::size_t i = 0; i < times; ++i) {
-        text += piece;
-    }
-    return text;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "PrettyPrinter.h"
 
 #include "RandomDocument.h"
+#include "Repeated.h"
 #include "TreeParser.h"
 #include "UnicodeProperties.h"
 
@@ -36,15 +37,6 @@ void check(const std::vector<Row>& rows) {
         EXPECT_EQ(format(row.text), row.formatted) << ::testing::PrintToString(row.text);
         EXPECT_EQ(minify(row.text), row.minified) << ::testing::PrintToString(row.text);
     }
-}
-
-std::u16string repeated(std::u16string_view piece, std::size_t times) {
-    std::u16string text;
-    text.reserve(piece.size() * times);
-    for (std::size_t i = 0; i < times; ++i) {
-        text += piece;
-    }
-    return text;
 }
 
 /// The layout written as it is defined, for trees that are not deep.

@@ -4,6 +4,7 @@
 #include "Random.h"
 #include "RandomMarkup.h"
 #include "ReferenceParser.h"
+#include "Repeated.h"
 #include "TreeDump.h"
 
 #include <gtest/gtest.h>
@@ -74,15 +75,6 @@ void checkRandom(int rounds, std::u16string (RandomMarkup::*document)()) {
             ASSERT_TRUE(comparison.agrees(units)) << "damaged, round " << round;
         }
     }
-}
-
-std::u16string repeated(std::u16string_view part, std::size_t times) {
-    std::u16string result;
-    result.reserve(part.size() * times);
-    for (; times > 0; --times) {
-        result += part;
-    }
-    return result;
 }
 
 } // namespace
