@@ -10,6 +10,7 @@ namespace {
 
 constexpr int batch = 1000;
 constexpr int dotSize = 10;
+constexpr qsizetype textLimit = 300; ///< Units of a text to show; laying out a longer one takes its time.
 
 QIcon icon(Diagnostic::Severity severity) {
     QPixmap dot(dotSize, dotSize);
@@ -20,6 +21,12 @@ QIcon icon(Diagnostic::Severity severity) {
     painter.setBrush(DiagnosticsModel::color(severity));
     painter.drawEllipse(QRectF(dot.rect()).adjusted(1, 1, -1, -1));
     return QIcon(dot);
+}
+
+/// `text`, its end left out where it is very long, since a name in it may be.
+QString shortened(const std::u16string& text) {
+    const auto all = QStringView(text);
+    return all.size() <= textLimit ? all.toString() : all.first(textLimit).toString() + u'…';
 }
 
 } // namespace
@@ -49,7 +56,7 @@ QVariant DiagnosticsModel::data(const QModelIndex& index, int role) const {
         const auto line = m_lines->line(diagnostics.range(row).lower) + 1;
         // Composed by hand, since the message holds names of the document, which may hold "%1".
         return QStringLiteral("Línea ") + QString::number(line) + QStringLiteral(": ") +
-               QString::fromStdU16String(diagnostics[row].message);
+               shortened(diagnostics[row].message);
     }
     case Qt::DecorationRole:
         return icon(diagnostics.severity(row));
@@ -57,9 +64,7 @@ QVariant DiagnosticsModel::data(const QModelIndex& index, int role) const {
         const auto fix = diagnostics[row].fix;
         // Plain text must not be taken for rich text.
         return fix ? QStringLiteral("<span>%1</span>")
-                         .arg(QStringLiteral("Doble clic: ")
-                                  .append(QString::fromStdU16String(fix->title))
-                                  .toHtmlEscaped())
+                         .arg(QStringLiteral("Doble clic: ").append(shortened(fix->title)).toHtmlEscaped())
                    : QVariant();
     }
     default:

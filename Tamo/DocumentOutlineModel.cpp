@@ -13,9 +13,20 @@ namespace {
 constexpr std::size_t textPreviewLimit = 100;
 constexpr int rowPadding = 6;
 constexpr std::size_t cdataPreviewLimit = 80;
+constexpr std::size_t nameLimit = 200; ///< Units of a name; laying out a longer one takes its time.
 
 QString preview(const DocumentTree& tree, NodeID node, std::size_t limit) {
     return QString::fromStdU16String(tree.preview(node, limit).value_or(std::u16string()));
+}
+
+/// The name of an element or instruction, its end left out where it is very long.
+QString name(const DocumentTree& tree, NodeID node) {
+    const SourceRange whole = tree[node].nameRange;
+    if (whole.length() <= nameLimit) {
+        return QString::fromStdU16String(tree.text.string(whole));
+    }
+    const SourceRange start = SourceRange::at(whole.lower, nameLimit);
+    return QString::fromStdU16String(tree.text.string(start)) + u'…';
 }
 
 QString label(const DocumentTree& tree, NodeID node) {
@@ -24,9 +35,8 @@ QString label(const DocumentTree& tree, NodeID node) {
     case Kind::document:
         return {};
     case Kind::element: {
-        const QString name = QString::fromStdU16String(tree.name(node));
         const QString content = preview(tree, node, textPreviewLimit);
-        return content.isEmpty() ? name : name + QStringLiteral("  ") + content;
+        return content.isEmpty() ? name(tree, node) : name(tree, node) + QStringLiteral("  ") + content;
     }
     case Kind::text:
     case Kind::comment:
@@ -35,7 +45,7 @@ QString label(const DocumentTree& tree, NodeID node) {
     case Kind::cdata:
         return QStringLiteral("CDATA ") + preview(tree, node, cdataPreviewLimit);
     case Kind::instruction:
-        return QStringLiteral("?") + QString::fromStdU16String(tree.name(node));
+        return QStringLiteral("?") + name(tree, node);
     }
     return {};
 }

@@ -62,3 +62,15 @@ TEST(DiagnosticsModel, GrowsByAThousandRows) {
     EXPECT_EQ(model.rowCount(), 0);
     EXPECT_FALSE(model.canFetchMore({}));
 }
+
+TEST(DiagnosticsModel, ShowsTheStartOfAVeryLongMessage) {
+    const Parsed parsed(u"<" + std::u16string(100'000, u'n') + u">");
+    DiagnosticsModel model;
+    model.setTree(&parsed.tree, &parsed.lines);
+    ASSERT_GT(model.rowCount(), 0);
+    const QString shown = model.index(0).data().toString();
+    EXPECT_TRUE(shown.startsWith(QStringLiteral("Línea 1: Falta cerrar <nnn"))) << shown.toStdString();
+    EXPECT_TRUE(shown.endsWith(u'…'));
+    EXPECT_LT(shown.size(), 400);
+    EXPECT_LT(model.index(0).data(Qt::ToolTipRole).toString().size(), 400);
+}

@@ -72,3 +72,14 @@ TEST(DocumentOutlineModel, HandlesManySiblings) {
         ASSERT_EQ(model.index(model.node(index)).row(), row);
     }
 }
+
+TEST(DocumentOutlineModel, ShowsTheStartOfAVeryLongName) {
+    const std::u16string longest(200, u'n');
+    const DocumentTree tree = parse(u"<a><" + longest + u"/><" + longest + u"n>x</" + longest + u"n></a>");
+    DocumentOutlineModel model;
+    model.setTree(&tree);
+    const QModelIndex root = model.index(0, 0);
+    const QString shown = QString::fromStdU16String(longest);
+    EXPECT_EQ(label(model.index(0, 0, root)), shown);
+    EXPECT_EQ(label(model.index(1, 0, root)), shown + QStringLiteral("…  x"));
+}
