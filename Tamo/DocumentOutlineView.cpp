@@ -1,6 +1,7 @@
 #include "DocumentOutlineView.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 
@@ -10,6 +11,9 @@ namespace {
 
 /// A root with more children stays closed at first.
 constexpr std::uint32_t mostChildrenOpened = 10'000;
+
+/// How many rows one key opens. A branch may be a million levels deep.
+constexpr std::size_t mostOpenedAtOnce = 500;
 
 } // namespace
 
@@ -61,6 +65,33 @@ void DocumentOutlineView::currentChanged(const QModelIndex& current, const QMode
     QTreeView::currentChanged(current, previous);
     if (!m_isRestoring && current.isValid()) {
         emit nodeChosen(m_model.node(current));
+    }
+}
+
+void DocumentOutlineView::keyPressEvent(QKeyEvent* event) {
+    // The tree view's own answer recurses as deep as the branch goes.
+    if (event->key() == Qt::Key_Asterisk && currentIndex().isValid()) {
+        openBranch(currentIndex());
+        event->accept();
+    } else {
+        QTreeView::keyPressEvent(event);
+    }
+}
+
+/// Opens `top` and what is below it, the upper levels first.
+void DocumentOutlineView::openBranch(const QModelIndex& top) {
+    // One layout at the end, not one for each row.
+    scheduleDelayedItemsLayout();
+    std::vector<QModelIndex> reached{top};
+    for (std::size_t at = 0; at < reached.size(); ++at) {
+        const QModelIndex open = reached[at];
+        expand(open);
+        const int count = m_model.rowCount(open);
+        for (int row = 0; row < count && reached.size() < mostOpenedAtOnce; ++row) {
+            if (const QModelIndex child = m_model.index(row, 0, open); m_model.hasChildren(child)) {
+                reached.push_back(child);
+            }
+        }
     }
 }
 

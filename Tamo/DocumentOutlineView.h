@@ -24,6 +24,7 @@ signals:
 
 protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     using Rows = std::vector<int>;
@@ -31,6 +32,7 @@ private:
     static Rows rows(QModelIndex to);
     QModelIndex index(const Rows& rows) const;
     void openRoot(const DocumentTree& tree);
+    void openBranch(const QModelIndex& top);
 
     DocumentOutlineModel m_model;
     std::set<Rows> m_expanded; ///< In an order that has parents before their children.

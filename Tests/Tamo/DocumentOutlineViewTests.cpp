@@ -65,3 +65,34 @@ TEST(DocumentOutlineView, TellsWhichNodeTheUserChose) {
     ASSERT_EQ(chosen.count(), 2);
     EXPECT_EQ(tree.name(chosen.back().front().value<NodeID>()), u"b");
 }
+
+TEST(DocumentOutlineView, OpensADeepBranchByOneKey) {
+    std::u16string text;
+    for (int each = 0; each < 200'000; ++each) {
+        text += u"<a>";
+    }
+    const DocumentTree tree = parse(text);
+    DocumentOutlineView view;
+    view.setTree(tree);
+    const QModelIndex root = view.model()->index(0, 0);
+    view.setCurrentIndex(root);
+    QTest::keyClick(&view, Qt::Key_Asterisk);
+
+    int opened = 0;
+    for (QModelIndex row = root; view.isExpanded(row); row = view.model()->index(0, 0, row)) {
+        ++opened;
+    }
+    EXPECT_EQ(opened, 500);
+}
+
+TEST(DocumentOutlineView, OpensAllOfASmallBranchByOneKey) {
+    const DocumentTree tree = parse(u"<a><b><c><d/></c></b><e><f/></e></a>");
+    DocumentOutlineView view;
+    view.setTree(tree);
+    const QModelIndex root = view.model()->index(0, 0);
+    view.setCurrentIndex(view.model()->index(0, 0, root));
+    QTest::keyClick(&view, Qt::Key_Asterisk);
+    EXPECT_TRUE(view.isExpanded(view.model()->index(0, 0, root)));
+    EXPECT_TRUE(view.isExpanded(view.model()->index(0, 0, view.model()->index(0, 0, root))));
+    EXPECT_FALSE(view.isExpanded(view.model()->index(1, 0, root)));
+}
