@@ -3,6 +3,7 @@
 #include "Abbreviation.h"
 #include "MarkedText.h"
 #include "Random.h"
+#include "Repeated.h"
 #include "TreeParser.h"
 
 #include <algorithm>
@@ -38,14 +39,6 @@ void checkExpanded(std::u16string_view indent, const std::vector<Row>& rows) {
         EXPECT_EQ(shown(TagExpander::expand(abbreviation, indent, unit, elsewhere)), expected)
             << ::testing::PrintToString(abbreviation);
     }
-}
-
-std::u16string repeated(std::u16string_view piece, int times) {
-    std::u16string text;
-    for (int i = 0; i < times; ++i) {
-        text += piece;
-    }
-    return text;
 }
 
 /// What is found before the caret at the end of `text`, and what it expands to, "none" when nothing is found.

@@ -3,6 +3,7 @@
 #include "Lexer.h"
 #include "MarkedText.h"
 #include "Random.h"
+#include "Repeated.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -55,14 +56,6 @@ void checkRanges(Operation operation, const std::vector<RangeRow>& rows) {
         EXPECT_EQ(range ? marked(input.text.string(), *range) : u"", row.expected)
             << ::testing::PrintToString(row.marked);
     }
-}
-
-std::u16string repeated(std::u16string_view piece, int times) {
-    std::u16string text;
-    for (int i = 0; i < times; ++i) {
-        text += piece;
-    }
-    return text;
 }
 
 /// The same answers, looked for one unit at a time.
@@ -573,6 +566,11 @@ TEST(TagMatcher, FindsWhatLiesFarBack) {
 }
 
 /// Each would take hours if something in them was looked at again and again.
+TEST(TagMatcher, TellsTagsAfterALongOne) {
+    const SourceText text(u"<a x=\"1\"><b y=\"" + std::u16string(1000, u'v') + u"\"></b></a>");
+    EXPECT_EQ(TagMatcher::matchingOpenName(text.count() - 4, text), SourceRange(1, 2));
+}
+
 TEST(TagMatcher, EndsOnHostileTexts) {
     constexpr int times = 300'000;
     const auto row = [](std::u16string_view start, std::u16string_view piece) {
