@@ -1,34 +1,10 @@
 #include "SourceText.h"
 
 #include "UTF16.h"
-#include "UnitScan.h"
+#include "UnitScanBackward.h"
 
 #include <algorithm>
 #include <limits>
-
-namespace {
-
-/// The last LF before `from`, or -1. Looks at whole blocks first, which the compiler compares many units at a
-/// time: a line may be as long as the text.
-std::ptrdiff_t findLastLineFeed(const char16_t* units, std::ptrdiff_t from) {
-    constexpr std::ptrdiff_t blockSize = 64;
-    const auto isBlockFree = [units](std::ptrdiff_t at) {
-        unsigned found = 0;
-        for (std::ptrdiff_t i = 0; i < blockSize; ++i) {
-            found |= units[at + i] == u'\n' ? 1U : 0U;
-        }
-        return found == 0;
-    };
-    while (from >= blockSize && isBlockFree(from - blockSize)) {
-        from -= blockSize;
-    }
-    do {
-        --from;
-    } while (from >= 0 && units[from] != u'\n');
-    return from;
-}
-
-} // namespace
 
 SourceText::SourceText(std::u16string_view units) : m_count(units.size()) {
     precondition(units.size() <= std::numeric_limits<Offset>::max(), "a text has at most 4294967295 units");
@@ -68,8 +44,10 @@ bool SourceText::equals(SourceRange range, std::u16string_view string) const {
 }
 
 Offset SourceText::lineStart(Offset at) const {
-    const std::size_t from = std::min<std::size_t>(at, m_count);
-    return static_cast<Offset>(findLastLineFeed(m_storage.get(), static_cast<std::ptrdiff_t>(from)) + 1);
+    using namespace UnitScanBackward;
+    const auto end = static_cast<Position>(std::min<std::size_t>(at, m_count));
+    const Position lineFeed = findLastAny(m_storage.get(), 0, end, u'\n');
+    return lineFeed == nowhere ? 0 : static_cast<Offset>(lineFeed + 1);
 }
 
 Offset SourceText::lineEnd(Offset at) const {
