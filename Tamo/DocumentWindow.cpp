@@ -288,7 +288,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     QMessageBox question(QMessageBox::Question, QStringLiteral("Tamo"),
-                         QStringLiteral("¿Guardar los cambios en “%1”?").arg(name()),
+                         QStringLiteral("¿Guardar los cambios en «%1»?").arg(name()),
                          QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(QStringLiteral("Si no los guarda, se perderán."));

@@ -124,7 +124,7 @@ class EndToEnd(unittest.TestCase):
         app.type("x")
         wait_until(lambda: app.title().startswith("biblioteca.xml*"), "mark of an edited document")
         app.press("ctrl+w")
-        question = "¿Guardar los cambios en “biblioteca.xml”?"
+        question = "¿Guardar los cambios en «biblioteca.xml»?"
         wait_until(lambda: app.find(role="label", starts=question), "question")
         app.press("Return")
         self.assertEqual(app.process.wait(timeout=30), 0)

@@ -209,7 +209,7 @@ TEST(DocumentWindow, AsksBeforeItClosesAnEditedDocument) {
     {
         Answer answer(QMessageBox::Cancel);
         EXPECT_FALSE(desk.window->close());
-        EXPECT_EQ(answer.question, QStringLiteral("¿Guardar los cambios en “prueba.xml”?"));
+        EXPECT_EQ(answer.question, QStringLiteral("¿Guardar los cambios en «prueba.xml»?"));
     }
     {
         Answer answer(QMessageBox::Discard);
