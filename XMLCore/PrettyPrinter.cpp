@@ -1,6 +1,7 @@
 #include "PrettyPrinter.h"
 
 #include "UnicodeProperties.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 
@@ -9,7 +10,7 @@ namespace {
 /// `text` without White_Space at its ends. All of White_Space are single units.
 std::u16string_view trimmed(std::u16string_view text) {
     const auto isWhitespace = [](char16_t unit) {
-        return unit <= u' ' ? isXMLWhitespace(unit) || unit == u'\v' || unit == u'\f'
+        return unit <= u' ' ? UnitScan::isWhitespace(unit) || unit == u'\v' || unit == u'\f'
                             : unit >= 0x80 && UnicodeProperties::isWhitespace(static_cast<char32_t>(unit));
     };
     while (!text.empty() && isWhitespace(text.front())) {

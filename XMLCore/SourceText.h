@@ -66,10 +66,5 @@ private:
     std::size_t m_count = 0;
 };
 
-/// Whether `unit` is white space to XML: space, tab, LF or CR.
-constexpr bool isXMLWhitespace(char16_t unit) {
-    return unit == u' ' || unit == u'\t' || unit == u'\n' || unit == u'\r';
-}
-
 /// `units` with each lone surrogate replaced by U+FFFD.
 std::u16string repaired(std::u16string_view units);

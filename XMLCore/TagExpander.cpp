@@ -2,6 +2,7 @@
 
 #include "Abbreviation.h"
 #include "Escaping.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -228,7 +229,7 @@ std::optional<std::size_t> candidateStart(std::u16string_view text, bool isWhole
     std::size_t brackets = 0;
     for (std::size_t start = text.size(); start > 0; --start) {
         const char16_t unit = text[start - 1];
-        if (unit == u'\n' || (brackets == 0 && isXMLWhitespace(unit))) {
+        if (unit == u'\n' || (brackets == 0 && UnitScan::isWhitespace(unit))) {
             return start;
         }
         if (brackets == 0 && unit == u'<') {

@@ -43,7 +43,7 @@ inline GraphemeBreak graphemeBreak(char32_t scalar) {
 }
 
 /// White_Space: the controls from tab to CR, the spaces of every width, the line and paragraph separators.
-/// XML knows fewer, see `isXMLWhitespace`.
+/// XML knows fewer, see `UnitScan::isWhitespace`.
 bool isWhitespace(char32_t scalar);
 
 /// Whether `character`, of any number of scalars, is white space: whether its first scalar is.

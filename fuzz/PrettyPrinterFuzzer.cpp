@@ -2,6 +2,7 @@
 #include "PrettyPrinter.h"
 #include "TreeParser.h"
 #include "UnicodeProperties.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -20,7 +21,7 @@ std::u16string minified(const std::u16string& text) {
 }
 
 std::u16string withoutSpace(std::u16string text) {
-    std::erase_if(text, isXMLWhitespace);
+    std::erase_if(text, UnitScan::isWhitespace);
     return text;
 }
 
@@ -28,7 +29,7 @@ std::u16string withoutSpace(std::u16string text) {
 /// kinds may change which kind comes first.
 bool mayLoseText(char16_t unit) {
     return unit == u'\r' ||
-           (!isXMLWhitespace(unit) && UnicodeProperties::isWhitespace(static_cast<char32_t>(unit)));
+           (!UnitScan::isWhitespace(unit) && UnicodeProperties::isWhitespace(static_cast<char32_t>(unit)));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "MutationPlanner.h"
 #include "RandomDocument.h"
 #include "TreeParser.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -99,7 +100,7 @@ struct Model {
     }
 
     static std::u16string withoutSpace(std::u16string text) {
-        std::erase_if(text, isXMLWhitespace);
+        std::erase_if(text, UnitScan::isWhitespace);
         return text;
     }
 };

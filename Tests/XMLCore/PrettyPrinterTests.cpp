@@ -4,6 +4,7 @@
 #include "Repeated.h"
 #include "TreeParser.h"
 #include "UnicodeProperties.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -234,7 +235,7 @@ TEST(PrettyPrinter, ChangesNothingWhenRepeated) {
 
 TEST(PrettyPrinter, ChangesOnlyTheSpaceBetweenNodes) {
     const auto withoutSpace = [](std::u16string text) {
-        std::erase_if(text, [](char16_t unit) { return isXMLWhitespace(unit); });
+        std::erase_if(text, [](char16_t unit) { return UnitScan::isWhitespace(unit); });
         return text;
     };
     Random random;

@@ -1,6 +1,7 @@
 #include "SourceText.h"
 
 #include "Random.h"
+#include "UnitScan.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -107,7 +108,7 @@ TEST(SourceText, KnowsTheWhitespaceOfXML) {
     for (int unit = 0; unit <= 0xFFFF; ++unit) {
         const auto value = static_cast<char16_t>(unit);
         const bool expected = unit == ' ' || unit == '\t' || unit == '\r' || unit == '\n';
-        ASSERT_EQ(isXMLWhitespace(value), expected);
+        ASSERT_EQ(UnitScan::isWhitespace(value), expected);
         ASSERT_EQ(SourceText(std::u16string(1, value)).isWhitespace({0, 1}), expected);
     }
 }
