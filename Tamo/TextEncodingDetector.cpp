@@ -77,14 +77,21 @@ std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
 } // namespace
 
 Detection TextEncodingDetector::detect(Bytes bytes) {
-    for (const Mark& mark : marks) {
-        const Bytes start = bytes.first(std::min(bytes.size(), mark.bytes.size()));
-        if (stringOf(start) == mark.bytes) {
-            return {mark.encoding, start};
-        }
-    }
-    if (const auto declared = declaredEncoding(bytes)) {
-        return {*declared, {}};
+    if (const auto known = announced(bytes)) {
+        return *known;
     }
     return {UTF8::isValid(bytes) ? StringEncoding::utf8() : StringEncoding::latin1(), {}};
+}
+
+std::optional<Detection> TextEncodingDetector::announced(Bytes prefix) {
+    for (const Mark& mark : marks) {
+        const Bytes start = prefix.first(std::min(prefix.size(), mark.bytes.size()));
+        if (stringOf(start) == mark.bytes) {
+            return Detection{mark.encoding, start};
+        }
+    }
+    if (const auto declared = declaredEncoding(prefix)) {
+        return Detection{*declared, {}};
+    }
+    return std::nullopt;
 }

@@ -2,6 +2,8 @@
 
 #include "StringEncoding.h"
 
+#include <optional>
+
 /// In which encoding a file is written, and the byte-order mark at its start.
 struct Detection {
     StringEncoding encoding;
@@ -18,5 +20,9 @@ namespace TextEncodingDetector {
 /// A declared encoding wins untried. A declaration that can be read byte by byte is not UTF-16, so that a
 /// declared "UTF-16" without a mark stands for UTF-8. Never fails.
 Detection detect(Bytes bytes);
+
+/// What `detect` goes by before it looks at all bytes: a mark or a declaration at the start. `prefix` is the
+/// start of the file, all of it or at least 256 bytes. Nothing where neither tells.
+std::optional<Detection> announced(Bytes prefix);
 
 } // namespace TextEncodingDetector

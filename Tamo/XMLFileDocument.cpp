@@ -6,6 +6,7 @@
 #include "TextBuffer.h"
 #include "TextEncoder.h"
 #include "TextEncodingDetector.h"
+#include "UTF8File.h"
 
 #include <algorithm>
 #include <array>
@@ -48,11 +49,33 @@ XMLFileDocument::XMLFileDocument(const StringEncoding& encoding, Bytes bom, Sour
 XMLFileDocument::~XMLFileDocument() = default;
 
 std::expected<std::unique_ptr<XMLFileDocument>, DocumentError> XMLFileDocument::read(const QString& path) {
+    if (auto document = readUTF8(path)) {
+        return document;
+    }
     const auto contents = FileContents::read(path);
     if (!contents) {
         return failure(Action::read, contents.error());
     }
     return decode(*contents);
+}
+
+/// The document in the file when that turns out to be UTF-8; null otherwise.
+std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const QString& path) {
+    auto file = InputFile::open(path);
+    if (!file) {
+        return nullptr;
+    }
+    std::vector<std::uint8_t> start(UTF8File::pieceSize);
+    start.resize(file->read(start).value_or(0));
+    const Detection detection = TextEncodingDetector::announced(start).value_or(Detection());
+    if (detection.encoding != StringEncoding::utf8()) {
+        return nullptr;
+    }
+    const Signposter::Interval interval = signposter.interval("Decode");
+    auto text = UTF8File::decode(Bytes(start).subspan(detection.bom.size()), *file);
+    return text ? std::unique_ptr<XMLFileDocument>(
+                      new XMLFileDocument(detection.encoding, detection.bom, std::move(*text)))
+                : nullptr;
 }
 
 std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>

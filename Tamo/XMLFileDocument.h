@@ -72,6 +72,8 @@ public:
 private:
     XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText);
 
+    static std::unique_ptr<XMLFileDocument> readUTF8(const QString& path);
+
     template <class Sink>
     std::expected<void, DocumentError> encodeInto(const Rope& snapshot, Sink sink) const;
     bool givesBack(Bytes bytes) const;

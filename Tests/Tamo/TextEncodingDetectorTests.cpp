@@ -136,3 +136,17 @@ TEST(TextEncodingDetector, FindsWhatTheRegularExpressionFinds) {
     EXPECT_GT(found, 10'000);
     EXPECT_LT(found, 49'000);
 }
+
+TEST(TextEncodingDetector, TellsWhatTheStartOfAFileAnnounces) {
+    const auto announced = [](std::string_view prefix) {
+        const auto detection = TextEncodingDetector::announced(bytesOf(prefix));
+        return detection ? std::string(detection->encoding.converterName()) : "nothing";
+    };
+    EXPECT_EQ(announced("\xEF\xBB\xBF<a/>"), "UTF-8");
+    EXPECT_EQ(announced("\xFF\xFE"), "UTF-16LE");
+    EXPECT_EQ(announced("<?xml version='1.0' encoding='ISO-8859-1'?>"), "ISO-8859-1");
+    EXPECT_EQ(announced("<?xml version='1.0' encoding='UTF-8'?>\xE9"), "UTF-8");
+    EXPECT_EQ(announced("<?xml version='1.0'?>"), "nothing");
+    EXPECT_EQ(announced("<a/>\xE9"), "nothing");
+    EXPECT_EQ(announced(""), "nothing");
+}

@@ -143,6 +143,30 @@ TEST_F(XMLFileDocumentTest, ReadsWhatIsIllegalAsLatin1AndKeepsTheEncoding) {
     EXPECT_EQ(decoded("\xFF\xFE<")->initialText().units(), u"<");
 }
 
+TEST_F(XMLFileDocumentTest, ReadsFilesAsItDecodesTheirBytes) {
+    const std::string filler(std::size_t{1} << 19, 'x');
+    const std::string files[]{
+        "<a>día €</a>",
+        "\xEF\xBB\xBF<a>día</a>",
+        declaration("UTF-8") + "<a>" + filler + "ñ</a>",
+        declaration("UTF-8") + "<a>" + filler + "\xF1</a>",
+        declaration("ISO-8859-1") + "<a>\xF1</a>",
+        "<a>" + filler + "\xF1</a>",
+        "\xFF\xFE<\0a\0/\0>\0"s,
+        "",
+    };
+    for (const std::string& file : files) {
+        create("a.xml", file);
+        const auto document = XMLFileDocument::read(path("a.xml"));
+        const auto expected = decoded(file);
+        ASSERT_TRUE(document);
+        EXPECT_EQ((*document)->encoding(), expected->encoding());
+        EXPECT_EQ((*document)->initialText(), expected->initialText());
+        EXPECT_EQ(stringOf((*document)->bom()), stringOf(expected->bom()));
+        EXPECT_EQ((*document)->encode((*document)->snapshot()), expected->encode(expected->snapshot()));
+    }
+}
+
 TEST_F(XMLFileDocumentTest, MarksTheDecoding) {
     Signposter::takeRecords();
     Signposter::setRecording(true);

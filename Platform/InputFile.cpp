@@ -1,0 +1,54 @@
+#include "InputFile.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+std::expected<InputFile, FileFailure> InputFile::open(const QString& path) {
+    const int number = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (number < 0) {
+        return std::unexpected(fileFailure(errno));
+    }
+    InputFile file(number, 0);
+    struct stat status{};
+    if (fstat(number, &status) != 0) {
+        return std::unexpected(fileFailure(errno));
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return std::unexpected(FileFailure::folder);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return std::unexpected(FileFailure::notRegular);
+    }
+    file.m_expectedSize = static_cast<std::size_t>(status.st_size);
+    return file;
+}
+
+InputFile::InputFile(InputFile&& other) noexcept
+    : m_number(std::exchange(other.m_number, -1)), m_expectedSize(other.m_expectedSize) {}
+
+InputFile::~InputFile() {
+    if (m_number >= 0) {
+        close(m_number);
+    }
+}
+
+std::expected<std::size_t, FileFailure> InputFile::read(std::span<std::uint8_t> room) {
+    std::size_t size = 0;
+    while (size < room.size()) {
+        const ssize_t count = ::read(m_number, room.data() + size, room.size() - size);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return std::unexpected(fileFailure(errno));
+        }
+        size += static_cast<std::size_t>(count > 0 ? count : 0);
+    }
+    return size;
+}

@@ -1,0 +1,35 @@
+#include "InputFile.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+TEST(InputFile, ReadsPieceByPiece) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+    written.write("12345");
+    written.close();
+
+    auto file = InputFile::open(path);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->expectedSize(), 5U);
+    std::array<std::uint8_t, 3> room{};
+    EXPECT_EQ(file->read({}), 0U);
+    EXPECT_EQ(file->read(room), 3U);
+    EXPECT_EQ(room.back(), '3');
+    EXPECT_EQ(file->read(room), 2U);
+    EXPECT_EQ(room.front(), '4');
+    EXPECT_EQ(file->read(room), 0U);
+}
+
+TEST(InputFile, TellsWhyItCannotBeOpened) {
+    const QTemporaryDir folder;
+    EXPECT_EQ(InputFile::open(folder.path()).error(), FileFailure::folder);
+    EXPECT_EQ(InputFile::open(folder.filePath(QStringLiteral("a.xml"))).error(), FileFailure::missing);
+    EXPECT_EQ(InputFile::open(QStringLiteral("/dev/null")).error(), FileFailure::notRegular);
+}
