@@ -77,6 +77,26 @@ std::optional<std::u16string> slowAbbreviation(std::u16string_view candidate) {
     }
 }
 
+/// Where the candidate before the end of `text` starts, none when there is no place for one.
+std::optional<Offset> slowCandidateStart(std::u16string_view text) {
+    const auto offset = [](std::size_t at) { return static_cast<Offset>(at); };
+    int brackets = 0;
+    for (std::size_t at = text.size(); at > 0; --at) {
+        const char16_t previous = text[at - 1];
+        const bool isOutside = brackets == 0;
+        if (previous == u'\n' ||
+            (isOutside && (previous == u' ' || previous == u'\t' || previous == u'\r'))) {
+            return offset(at);
+        }
+        if (isOutside && previous == u'<') {
+            const std::size_t tagEnd = text.find(u'>', at);
+            return tagEnd == std::u16string_view::npos ? std::nullopt : std::optional(offset(tagEnd + 1));
+        }
+        brackets += previous == u']' ? 1 : previous == u'[' && !isOutside ? -1 : 0;
+    }
+    return 0;
+}
+
 constexpr char32_t grammar[] = {U'a', U'b', U'a',  U'b', U'>', U'+', U'*', U'2', U'0', U'[',     U']',
                                 U'=', U'"', U'\'', U'/', U'!', U'?', U'.', U'<', U'&', U'\u0301'};
 
@@ -263,6 +283,37 @@ TEST(TagExpander, FindsWhatOneAttemptAfterTheOtherFinds) {
                 ASSERT_EQ(expansion->snippet, TagExpander::expand(*expected, u"", unit, elsewhere));
                 ++found;
             }
+        }
+    }
+    EXPECT_GT(found, 1'000);
+}
+
+/// Walks back from the caret at the end of `text` unit by unit and attempts every part that may be meant.
+TEST(TagExpander, StartsWhereAWalkBackFromTheCaretEnds) {
+    constexpr char32_t walked[] = {U'a', U'b', U'>', U'+', U'1', U'[', U']', U'=',  U'\'',
+                                   U'/', U'<', U' ', U'!', U'?', U'a', U'>', U'\n', U'\t'};
+    Random random;
+    int found = 0;
+    for (int round = 0; round < 100'000; ++round) {
+        const SourceText text(random.text(walked, 14));
+        const auto start = slowCandidateStart(text.units());
+        std::optional<TagExpander::Expansion> expected;
+        bool isReadOnly = false; // Readable, but what it says is wrong: see the interface.
+        for (Offset from = start.value_or(text.count()); from < text.count() && !expected;) {
+            const SourceRange candidate(from, text.count());
+            auto snippet = TagExpander::expand(text.units(candidate), text.indentation(text.count()), unit,
+                                               text.isWhitespace({0, from}));
+            isReadOnly |= !snippet && AbbreviationReader(text.units(candidate)).elements(0).has_value();
+            if (snippet) {
+                expected = {candidate, *std::move(snippet)};
+            }
+            const std::size_t next = text.units().find(u'>', from);
+            from = next == std::u16string_view::npos ? text.count() : static_cast<Offset>(next + 1);
+        }
+        if (!isReadOnly) {
+            ASSERT_EQ(TagExpander::expansion(text.count(), text, unit), expected)
+                << ::testing::PrintToString(text.string());
+            found += expected ? 1 : 0;
         }
     }
     EXPECT_GT(found, 1'000);

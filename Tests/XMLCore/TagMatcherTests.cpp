@@ -565,12 +565,12 @@ TEST(TagMatcher, FindsWhatLiesFarBack) {
     }
 }
 
-/// Each would take hours if something in them was looked at again and again.
 TEST(TagMatcher, TellsTagsAfterALongOne) {
     const SourceText text(u"<a x=\"1\"><b y=\"" + std::u16string(1000, u'v') + u"\"></b></a>");
     EXPECT_EQ(TagMatcher::matchingOpenName(text.count() - 4, text), SourceRange(1, 2));
 }
 
+/// Each would take hours if something in them was looked at again and again.
 TEST(TagMatcher, EndsOnHostileTexts) {
     constexpr int times = 300'000;
     const auto row = [](std::u16string_view start, std::u16string_view piece) {

@@ -208,6 +208,7 @@ TEST(TypingAssistant, GoesToTheNextPlaceholder) {
               {u"<a b='|'", u"next"},
               {u"<a b='c>d|'", u"next"},
               {u"x 1a|", u"next"},
+              {u"<p>1>b|</p>", u"next"},
               {u"<p>a>b|</p>", u"<p><a>\n  <b>|</b>\n</a></p>"},
               {u"<p>a+b|</p>", u"<p><a>|</a>\n<b></b></p>"},
               {u"<p>a*2|</p>", u"<p><a>|</a>\n<a></a></p>"},
