@@ -4,6 +4,7 @@
 #include "Lexer.h"
 #include "NodeInsertion.h"
 #include "NodeLayout.h"
+#include "UnitScan.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ public:
         return planAt(*id, {attribute->name, rename.newName});
     }
 
-    /// The white space before the attribute goes with it.
+    /// The white space before the attribute goes with it, unless it is all that keeps two names apart.
     Result operator()(const TreeMutation::RemoveAttribute& remove) const {
         const auto id = element(remove.path);
         if (!id) {
@@ -111,10 +112,12 @@ public:
         }
         Offset previousEnd = m_tree[*id].nameRange.upper;
         for (const AttributeSpan& attribute : m_tree.attributesOf(*id)) {
+            const Offset end = attribute.range.upper;
             if (m_text.equals(attribute.name, remove.name)) {
-                return planAt(*id, TextEdit::deleteRange({previousEnd, attribute.range.upper}));
+                const Offset start = wouldJoinNames(previousEnd, end) ? attribute.range.lower : previousEnd;
+                return planAt(*id, TextEdit::deleteRange({start, end}));
             }
-            previousEnd = attribute.range.upper;
+            previousEnd = end;
         }
         return failure(NodeNotFound());
     }
@@ -251,6 +254,13 @@ private:
     std::expected<NodeID, Failure> nodeBelowDocument(const NodePath& path) const {
         const auto id = node(path);
         return id && *id == NodeID::document() ? failure(InvalidTarget()) : id;
+    }
+
+    /// Whether what ends at `end` and what begins at `start` would be one name if they met: nothing but
+    /// faulty markup, such as a value without quotes, follows an attribute so closely.
+    bool wouldJoinNames(Offset end, Offset start) const {
+        const std::u16string_view text = m_text.units();
+        return start < text.size() && UnitScan::isName(text[end - 1]) && UnitScan::isName(text[start]);
     }
 
     /// One edit that leaves the start of `id` where it is, and `id` selected.

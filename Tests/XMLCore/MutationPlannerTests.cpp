@@ -182,6 +182,15 @@ TEST(MutationPlanner, RemovesAttributesWithTheSpaceBefore) {
         {u"<a x='1", TM::RemoveAttribute{root, u"x"}, u"|<a"},
         {u"<a x= >", TM::RemoveAttribute{root, u"x"}, u"|<a >"},
     });
+    // Names that would join stay apart.
+    check({
+        {u"<a x=1>", TM::RemoveAttribute{root, u"x"}, u"|<a 1>"},
+        {u"<a  x=y z>", TM::RemoveAttribute{root, u"x"}, u"|<a  y z>"},
+        {u"<a x='1'y='2'/>", TM::RemoveAttribute{root, u"x"}, u"|<a y='2'/>"},
+        {u"<a b x='1'y='2'/>", TM::RemoveAttribute{root, u"x"}, u"|<a b y='2'/>"},
+        {u"<a b='0' x='1'y='2'/>", TM::RemoveAttribute{root, u"x"}, u"|<a b='0'y='2'/>"},
+        {u"<a x='1'y='2'/>", TM::RemoveAttribute{root, u"y"}, u"|<a x='1'/>"},
+    });
     checkFailures({{u"<a x='1'/>", TM::RemoveAttribute{root, u"y"}, NodeNotFound{}},
                    {u"<a/>", TM::RemoveAttribute{root, u""}, NodeNotFound{}}});
 }

@@ -80,7 +80,7 @@ private:
                 names.erase(names.begin() + static_cast<std::ptrdiff_t>(which));
             }
             if (m_isFaulty && chance(6)) {
-                m_text += oneOf({u"", u"="});
+                m_text += oneOf({u"", u"=", u"=1", u"=word"});
                 continue;
             }
             const bool isDouble = chance(2);

@@ -12,7 +12,8 @@ namespace RandomDocument {
 std::u16string wellFormed(Random& random);
 
 /// With errors that stay where they are whatever happens around them: stray end tags, lone `&` and `<`,
-/// attributes twice or without a value, text and more elements outside the root, words in end tags.
+/// attributes twice, without a value or its quotes, text and more elements outside the root, words in end
+/// tags.
 std::u16string faulty(Random& random);
 
 /// `faulty` or tags in any order, then damaged at a few places.
