@@ -184,7 +184,7 @@ std::optional<std::u16string> TagMatcher::openTagName(Offset endingAt, const Sou
         return std::nullopt;
     }
     const Position start = findLastAny(before.data(), 0, size(before), u'<');
-    const std::u16string_view name = part(before, nameRange(before, start + 1));
+    const std::u16string_view name = part(in.units(), nameRange(in.units(), start + 1));
     return name.empty() ? std::nullopt : std::optional<std::u16string>(name);
 }
 

@@ -25,8 +25,8 @@ enum class Context : std::uint8_t {
 /// nearest `<!--`, `<![CDATA[`, `<?` and `<` before the caret are looked at.
 Context context(Offset at, const SourceText& in);
 
-/// The name of the start tag that a `>` typed at `endingAt` would end. None inside an end tag, a quoted value
-/// or whatever else, and after the `/` of `<br/`.
+/// The name of the start tag that a `>` typed at `endingAt` would end, the whole of it also when it goes on
+/// behind the offset. None inside an end tag, a quoted value or whatever else, and after the `/` of `<br/`.
 std::optional<std::u16string> openTagName(Offset endingAt, const SourceText& in);
 
 /// The name of the innermost element that is open just before `before`: of the nearest start tag that no end

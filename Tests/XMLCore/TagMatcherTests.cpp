@@ -117,13 +117,14 @@ Context context(std::u16string_view before) {
     return quote != 0 ? Context::attributeValue : Context::tag;
 }
 
-Name openTagName(std::u16string_view before) {
+Name openTagName(std::size_t at, std::u16string_view text) {
+    const std::u16string_view before = text.substr(0, at);
     const std::size_t start = before.rfind(u'<');
-    if (context(before) != Context::tag || before.ends_with(u'/') || start + 1 >= before.size() ||
-        !isNameStart(before[start + 1])) {
+    if (context(before) != Context::tag || before.ends_with(u'/') || start + 1 >= text.size() ||
+        !isNameStart(text[start + 1])) {
         return std::nullopt;
     }
-    return name(before, start + 1);
+    return name(text, start + 1);
 }
 
 Name unclosedElement(std::u16string_view text) {
@@ -336,7 +337,8 @@ TEST(TagMatcher, NamesTheTagToBeClosed) {
                                             {u"<a>|", std::nullopt},
                                             {u"<|", std::nullopt},
                                             {u"<a|", u"a"},
-                                            {u"<a|bc", u"a"},
+                                            {u"<a|bc", u"abc"},
+                                            {u"<|abc", u"abc"},
                                             {u"<x:y-z.1\xE9 |", u"x:y-z.1\xE9"},
                                             {u"<a\n  b='/'|", u"a"},
                                             {u"<a b='|", std::nullopt},
@@ -488,7 +490,7 @@ TEST(TagMatcher, AgreesWithSlowSearches) {
         const std::u16string_view before = text.units({0, at});
         const std::string shown = ::testing::PrintToString(std::u16string(before));
         ASSERT_EQ(TagMatcher::context(at, text), Model::context(before)) << shown;
-        ASSERT_EQ(TagMatcher::openTagName(at, text), Model::openTagName(before)) << shown;
+        ASSERT_EQ(TagMatcher::openTagName(at, text), Model::openTagName(at, text.units())) << shown;
         ASSERT_EQ(TagMatcher::unclosedElement(at, text), Model::unclosedElement(before)) << shown;
     }
 }
@@ -585,7 +587,8 @@ TEST(TagMatcher, EndsOnHostileTexts) {
             const Offset end = text.count() - 4;
             const std::u16string_view before = text.units({0, end});
             EXPECT_EQ(TagMatcher::context(end, text), Model::context(before)) << row(start, piece);
-            EXPECT_EQ(TagMatcher::openTagName(end, text), Model::openTagName(before)) << row(start, piece);
+            EXPECT_EQ(TagMatcher::openTagName(end, text), Model::openTagName(end, text.units()))
+                << row(start, piece);
             const Name unclosed = TagMatcher::unclosedElement(end, text);
             EXPECT_TRUE(!unclosed || unclosed == u"a" || unclosed == u"b") << row(start, piece);
             const Range open = TagMatcher::matchingOpenName(end, text);
