@@ -86,6 +86,7 @@ private:
 
     SourceText m_text;
     std::u16string_view m_units;
+    UnitIndex m_index;
     RecordArray<TreeNode> m_nodes;
     RecordArray<AttributeSpan> m_attributes;
     RecordArray<DiagnosticRecord> m_diagnostics;
@@ -116,13 +117,13 @@ Builder::Builder(const SourceText& text, DocumentTree recycled)
     m_open.push({});
 }
 
-DocumentTree Builder::build(const std::stop_token& stop) {
+// A function of its own, with little on its stack, is compiled to the quickest loop.
+TAMO_NEVER_INLINE DocumentTree Builder::build(const std::stop_token& stop) {
     constexpr int tokensBetweenStopChecks = 16384;
     int tokensLeft = tokensBetweenStopChecks;
     bool isStopped = false;
     // The lexer lives in registers, so nothing may take its address: what is rare has a lexer of its own.
-    UnitIndex index;
-    Lexer lexer(m_units, index);
+    Lexer lexer(m_units, m_index);
     std::ptrdiff_t start = 0;
     for (Token::Kind kind; (kind = lexer.scanContent(start)) != Lexer::noToken;) {
         if (--tokensLeft == 0) {
