@@ -4,6 +4,7 @@
 #include "IndentStyle.h"
 #include "Lexer.h"
 #include "LineIndex.h"
+#include "TextShape.h"
 #include "TreeParser.h"
 
 #include <benchmark/benchmark.h>
@@ -16,44 +17,22 @@ namespace {
 
 constexpr std::size_t textLength = 4'000'000;
 
-struct Shape {
-    const char* name;
-    std::u16string_view opening;
-    std::u16string_view record; ///< Repeated until the text is long enough.
-    std::u16string_view closing;
-};
-
-constexpr Shape shapes[] = {
-    {"tiny elements", u"<r>", u"<a/>", u"</r>"},
-    {"records", u"<table>\n",
-     u"  <row id=\"4711\">\n    <name>Ada Lovelace</name>\n    <year>1815</year>\n  </row>\n", u"</table>\n"},
-    {"attributes", u"<svg>\n",
-     u"  <rect x=\"10\" y=\"20\" width=\"300\" height=\"400\" rx=\"5\" class=\"box wide\" id=\"r1\"/>\n",
-     u"</svg>\n"},
-    {"prose", u"<book>\n",
-     u"<para>It was the best of times, it was the worst of times, it was the age of <em>wisdom</em>, it was "
-     u"the age of foolishness, it was the epoch of belief &amp; it was the epoch of incredulity, it was the "
-     u"season of Light, it was the season of Darkness.</para>\n",
-     u"</book>\n"},
-    {"nested", u"", u"<level>\n", u""},
+constexpr TextShape shapes[] = {
+    TextShapes::tinyElements,
+    TextShapes::records,
+    TextShapes::attributes,
+    TextShapes::prose,
+    TextShapes::nested,
     {"comments", u"<r>", u"<!-- one comment of an ordinary length -->\n", u"</r>"},
     {"references", u"<r>", u"a &lt; b &amp;&amp; c &#62; d\n", u"</r>"},
 };
-
-std::u16string textOf(const Shape& shape) {
-    std::u16string text(shape.opening);
-    while (text.size() < textLength) {
-        text += shape.record;
-    }
-    return text += shape.closing;
-}
 
 void setThroughput(benchmark::State& state, const SourceText& text) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.units().size()));
 }
 
-void parse(benchmark::State& state, const Shape& shape) {
-    const SourceText text(textOf(shape));
+void parse(benchmark::State& state, const TextShape& shape) {
+    const SourceText text(shape.text(textLength));
     DocumentTree tree = TreeParser::parse(text);
     for (auto iteration : state) {
         tree = TreeParser::parse(text, {}, std::move(tree));
@@ -64,8 +43,8 @@ void parse(benchmark::State& state, const Shape& shape) {
 }
 
 /// Without a tree to recycle, as when a document opens.
-void parseFirst(benchmark::State& state, const Shape& shape) {
-    const SourceText text(textOf(shape));
+void parseFirst(benchmark::State& state, const TextShape& shape) {
+    const SourceText text(shape.text(textLength));
     for (auto iteration : state) {
         const DocumentTree tree = TreeParser::parse(text);
         benchmark::DoNotOptimize(tree.nodes.data());
@@ -73,8 +52,8 @@ void parseFirst(benchmark::State& state, const Shape& shape) {
     setThroughput(state, text);
 }
 
-void lex(benchmark::State& state, const Shape& shape) {
-    const SourceText text(textOf(shape));
+void lex(benchmark::State& state, const TextShape& shape) {
+    const SourceText text(shape.text(textLength));
     for (auto iteration : state) {
         UnitIndex index;
         Lexer lexer(text.units(), index);
@@ -87,16 +66,16 @@ void lex(benchmark::State& state, const Shape& shape) {
     setThroughput(state, text);
 }
 
-void lineIndex(benchmark::State& state, const Shape& shape) {
-    const SourceText text(textOf(shape));
+void lineIndex(benchmark::State& state, const TextShape& shape) {
+    const SourceText text(shape.text(textLength));
     for (auto iteration : state) {
         benchmark::DoNotOptimize(LineIndex(text));
     }
     setThroughput(state, text);
 }
 
-void lineOfOffset(benchmark::State& state, const Shape& shape) {
-    const SourceText text(textOf(shape));
+void lineOfOffset(benchmark::State& state, const TextShape& shape) {
+    const SourceText text(shape.text(textLength));
     const LineIndex index(text);
     constexpr std::uint32_t stride = 2'654'435'761;
     Offset at = 0;
@@ -106,9 +85,9 @@ void lineOfOffset(benchmark::State& state, const Shape& shape) {
     }
 }
 
-void indentStyle(benchmark::State& state, const Shape& shape) {
+void indentStyle(benchmark::State& state, const TextShape& shape) {
     constexpr int linesThatTheEditorLooksAt = 2000;
-    const SourceText text(textOf(shape));
+    const SourceText text(shape.text(textLength));
     for (auto iteration : state) {
         benchmark::DoNotOptimize(IndentStyle::detect(text, linesThatTheEditorLooksAt));
     }
@@ -117,8 +96,8 @@ void indentStyle(benchmark::State& state, const Shape& shape) {
 } // namespace
 
 int main(int argc, char** argv) {
-    for (const Shape& shape : shapes) {
-        const auto add = [&](std::string name, void (*measure)(benchmark::State&, const Shape&)) {
+    for (const TextShape& shape : shapes) {
+        const auto add = [&](std::string name, void (*measure)(benchmark::State&, const TextShape&)) {
             benchmark::RegisterBenchmark((name + "/" + shape.name).c_str(), measure, shape)
                 ->Unit(benchmark::kMicrosecond);
         };

@@ -5,6 +5,7 @@
 #include "MutationPlanner.h"
 #include "NodeSearch.h"
 #include "PrettyPrinter.h"
+#include "TextShape.h"
 #include "TreeParser.h"
 
 #include <benchmark/benchmark.h>
@@ -17,41 +18,18 @@ namespace {
 
 using Placement = TreeMutation::Placement;
 
-struct Shape {
-    const char* name;
-    std::u16string_view opening;
-    std::u16string_view record; ///< Repeated until the text is long enough.
-    std::u16string_view closing;
+constexpr TextShape minifiedRecords{"minified records", u"<?xml version=\"1.0\"?>\n<table>",
+                                    u"<row id=\"4711\"><name>Ada Lovelace</name><year>1815</year></row>",
+                                    u"</table>"};
+constexpr TextShape oneLineOfRecords{"one line of records", u"<table>", minifiedRecords.record, u"</table>"};
+
+constexpr TextShape shapes[] = {
+    TextShapes::tinyElements, TextShapes::records, minifiedRecords,    oneLineOfRecords,
+    TextShapes::attributes,   TextShapes::prose,   TextShapes::nested,
 };
 
-constexpr Shape shapes[] = {
-    {"tiny elements", u"<r>", u"<a/>", u"</r>"},
-    {"records", u"<table>\n",
-     u"  <row id=\"4711\">\n    <name>Ada Lovelace</name>\n    <year>1815</year>\n  </row>\n", u"</table>\n"},
-    {"minified records", u"<?xml version=\"1.0\"?>\n<table>",
-     u"<row id=\"4711\"><name>Ada Lovelace</name><year>1815</year></row>", u"</table>"},
-    {"one line of records", u"<table>", u"<row id=\"4711\"><name>Ada Lovelace</name><year>1815</year></row>",
-     u"</table>"},
-    {"attributes", u"<svg>\n",
-     u"  <rect x=\"10\" y=\"20\" width=\"300\" height=\"400\" rx=\"5\" class=\"box wide\" id=\"r1\"/>\n",
-     u"</svg>\n"},
-    {"prose", u"<book>\n",
-     u"<para>It was the best of times, it was the worst of times, it was the age of <em>wisdom</em>, it was "
-     u"the age of foolishness, it was the epoch of belief &amp; it was the epoch of incredulity, it was the "
-     u"season of Light, it was the season of Darkness.</para>\n",
-     u"</book>\n"},
-    {"nested", u"", u"<level>\n", u""},
-};
-constexpr const Shape& records = shapes[1];
-constexpr const Shape& minifiedRecords = shapes[2];
-constexpr const Shape& oneLineOfRecords = shapes[3];
-
-DocumentTree treeOf(const Shape& shape, std::size_t units) {
-    std::u16string text(shape.opening);
-    while (text.size() < units) {
-        text += shape.record;
-    }
-    return TreeParser::parse(SourceText(text += shape.closing));
+DocumentTree treeOf(const TextShape& shape, std::size_t units) {
+    return TreeParser::parse(SourceText(shape.text(units)));
 }
 
 void setThroughput(benchmark::State& state, const DocumentTree& tree) {
@@ -60,7 +38,7 @@ void setThroughput(benchmark::State& state, const DocumentTree& tree) {
 
 constexpr std::size_t printedUnits = 4'000'000;
 
-void parse(benchmark::State& state, const Shape& shape) {
+void parse(benchmark::State& state, const TextShape& shape) {
     DocumentTree tree = treeOf(shape, printedUnits);
     const SourceText text = tree.text;
     for (auto iteration : state) {
@@ -70,7 +48,7 @@ void parse(benchmark::State& state, const Shape& shape) {
     setThroughput(state, tree);
 }
 
-void format(benchmark::State& state, const Shape& shape) {
+void format(benchmark::State& state, const TextShape& shape) {
     const DocumentTree tree = treeOf(shape, printedUnits);
     for (auto iteration : state) {
         benchmark::DoNotOptimize(PrettyPrinter::format(tree, IndentStyle::spaces(2)).replacement.data());
@@ -78,7 +56,7 @@ void format(benchmark::State& state, const Shape& shape) {
     setThroughput(state, tree);
 }
 
-void minify(benchmark::State& state, const Shape& shape) {
+void minify(benchmark::State& state, const TextShape& shape) {
     const DocumentTree tree = treeOf(shape, printedUnits);
     for (auto iteration : state) {
         benchmark::DoNotOptimize(PrettyPrinter::minify(tree).replacement.data());
@@ -86,7 +64,7 @@ void minify(benchmark::State& state, const Shape& shape) {
     setThroughput(state, tree);
 }
 
-void search(benchmark::State& state, const Shape& shape, std::u16string_view query) {
+void search(benchmark::State& state, const TextShape& shape, std::u16string_view query) {
     const DocumentTree tree = treeOf(shape, printedUnits);
     for (auto iteration : state) {
         benchmark::DoNotOptimize(NodeSearch::matches(query, tree).size());
@@ -97,8 +75,8 @@ void search(benchmark::State& state, const Shape& shape, std::u16string_view que
 constexpr std::size_t plannedUnits = 100'000'000;
 
 /// The large document of a shape; only one is kept at a time.
-const DocumentTree& largeTree(const Shape& shape) {
-    static const Shape* kept = nullptr;
+const DocumentTree& largeTree(const TextShape& shape) {
+    static const TextShape* kept = nullptr;
     static DocumentTree tree;
     if (kept != &shape) {
         tree = {};
@@ -115,7 +93,7 @@ NodePath lateRow(const DocumentTree& tree) {
     return path;
 }
 
-void resolve(benchmark::State& state, const Shape& shape) {
+void resolve(benchmark::State& state, const TextShape& shape) {
     const DocumentTree& tree = largeTree(shape);
     const NodePath path = lateRow(tree);
     for (auto iteration : state) {
@@ -125,7 +103,7 @@ void resolve(benchmark::State& state, const Shape& shape) {
 
 using MakeMutation = TreeMutation (*)(const NodePath& root, const NodePath& row);
 
-void plan(benchmark::State& state, const Shape& shape, MakeMutation make) {
+void plan(benchmark::State& state, const TextShape& shape, MakeMutation make) {
     const DocumentTree& tree = largeTree(shape);
     const TreeMutation mutation = make(tree.path(*tree.rootElement()), lateRow(tree));
     for (auto iteration : state) {
@@ -175,7 +153,7 @@ void add(const std::string& name, Measurement measurement) {
 }
 
 const bool isRegistered = [] {
-    for (const Shape& shape : shapes) {
+    for (const TextShape& shape : shapes) {
         const std::string name = std::string("/") + shape.name;
         add("parse" + name, [&shape](benchmark::State& state) { parse(state, shape); });
         add("format" + name, [&shape](benchmark::State& state) { format(state, shape); });
@@ -183,7 +161,7 @@ const bool isRegistered = [] {
         add("search, absent" + name, [&shape](benchmark::State& state) { search(state, shape, u"zebra"); });
         add("search, accents" + name, [&shape](benchmark::State& state) { search(state, shape, u"élove"); });
     }
-    for (const Shape* shape : {&records, &minifiedRecords, &oneLineOfRecords}) {
+    for (const TextShape* shape : {&TextShapes::records, &minifiedRecords, &oneLineOfRecords}) {
         const std::string name = std::string("/") + shape->name;
         add("resolve a row" + name, [shape](benchmark::State& state) { resolve(state, *shape); });
         for (const PlannedMutation& mutation : mutations) {
