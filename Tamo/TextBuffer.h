@@ -1,20 +1,14 @@
 #pragma once
 
 #include "RopeFlattener.h"
-#include "TextEdit.h"
+#include "TextHistory.h"
 #include "TextMirror.h"
-#include "TextStorage.h"
-#include "UndoManager.h"
-
-#include <QPointer>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
-#include <string>
-#include <variant>
-#include <vector>
+#include <string_view>
 
 /// The text of an open document and its history. Every change of the text, whoever wants it, passes through
 /// here: it is counted, can be undone, and reaches the mirror that a save reads.
@@ -31,6 +25,9 @@ public:
 
     const Rope& text() const { return m_storage.text(); }
 
+    /// How the text is edited: what a view types into it goes this way, past nobody.
+    TextHistory& history() { return m_history; }
+
     /// The text in one array, for aids that look at all of it while a key is down; put together at most once
     /// a generation.
     SourceText sourceText() const;
@@ -39,17 +36,11 @@ public:
     std::int64_t generation() const { return m_generation; }
 
     /// Where changes are registered from now on; null for nowhere. Not owned, may go first.
-    UndoManager* undoManager() const { return m_undoManager; }
-    void setUndoManager(UndoManager* undoManager);
+    UndoManager* undoManager() const { return m_history.undoManager(); }
+    void setUndoManager(UndoManager* undoManager) { m_history.setUndoManager(undoManager); }
 
     /// Called once for every increase of `generation`, when the batch is over and the mirror up to date.
     void setOnChange(std::function<void()> onChange) { m_onChange = std::move(onChange); }
-
-    /// Called after each programmatic edit, so that the view which shows the text starts a new undo step
-    /// with what is typed next.
-    void setBreakUndoCoalescing(std::function<void()> breakUndoCoalescing) {
-        m_breakUndoCoalescing = std::move(breakUndoCoalescing);
-    }
 
     /// Applies `edits`, given in any order in the offsets of the current text, as one undo step. Of two
     /// insertions at one offset the text of the first given ends up last. Stops the program, with the text as
@@ -57,43 +48,20 @@ public:
     /// open already keeps its own.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
-    /// Replaces what the user types, pastes or deletes at the caret. Joins the undo step "Escribir" before it
-    /// as long as nothing else happened since, the caret stayed where that step left it, and neither holds a
-    /// line feed.
-    void type(SourceRange range, std::u16string_view units);
+    /// Replaces what the user types, as `TextHistory::type` does.
+    void type(SourceRange range, std::u16string_view units) { m_history.type(range, units); }
 
 private:
-    /// A replacement to be made; long stretches share the chunks of the text that they come from.
-    struct Replacement {
-        SourceRange range;
-        std::variant<std::u16string, Rope> units;
-    };
-    using Replacements = std::vector<Replacement>;
-
-    /// What was typed since the last break: the units of `range` stand in the place of `replaced`.
-    struct TypingRun {
-        SourceRange range;
-        Rope replaced;
-        std::uint64_t coalescingMark = 0;
-    };
-
     void requireThread() const;
-    bool canJoinTypingRun(SourceRange range) const;
-    void growTypingRun(SourceRange range, SourceRange typed);
-    void registerTypingRun();
-    void replaceUndoably(const Replacements& replacements);
-    Replacements inverse(const Replacements& of) const;
     void countEdit();
     void finishBatch();
 
     TextStorage m_storage;
+    TextHistory m_history;
     std::shared_ptr<TextMirror> m_mirror;
-    QPointer<UndoManager> m_undoManager;
     std::function<void()> m_onChange;
-    std::function<void()> m_breakUndoCoalescing;
     std::int64_t m_generation = 0;
     std::int64_t m_announcedGeneration = 0;
-    std::shared_ptr<TypingRun> m_typing; ///< Shared with its undo step; null when nothing was typed.
 
     mutable RopeFlattener m_flattener;
     mutable SourceText m_sourceText;

@@ -1,0 +1,161 @@
+#include "TextHistory.h"
+
+#include <QChar>
+#include <QThread>
+
+#include <algorithm>
+#include <ranges>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t longestCopy = 1024; ///< Longer stretches are kept as shared chunks.
+constexpr qint64 pause = 2000;            ///< Milliseconds after which typing is a new step.
+
+bool isSpace(char16_t unit) { return QChar::isSpace(unit); }
+
+} // namespace
+
+TextHistory::TextHistory(TextStorage& storage, QObject* parent) : QObject(parent), m_storage(storage) {}
+
+void TextHistory::setUndoManager(UndoManager* undoManager) {
+    m_undoManager = undoManager;
+    m_typing.reset();
+}
+
+void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionName) {
+    requireThread();
+    if (edits.empty()) {
+        return;
+    }
+    Replacements replacements;
+    for (TextEdit& edit : TextEdit::applicationOrder(edits)) {
+        precondition(replacements.empty() || edit.range.upper <= replacements.back().range.lower,
+                     "edits do not overlap");
+        precondition(edit.range.upper <= text().size(), "an edit lies inside the text");
+        replacements.emplace_back(edit.range, std::move(edit.replacement));
+    }
+    if (m_undoManager == nullptr) {
+        replace(replacements);
+        return;
+    }
+    m_undoManager->beginUndoGroup();
+    if (!actionName.isEmpty()) {
+        m_undoManager->setActionName(actionName);
+    }
+    registerOpposite(inverse(replacements), selection());
+    replace(replacements);
+    m_undoManager->endUndoGroup();
+    breakUndoCoalescing();
+}
+
+void TextHistory::type(SourceRange range, std::u16string_view units) {
+    requireThread();
+    precondition(range.upper <= text().size(), "an edit lies inside the text");
+    if (range.isEmpty() && units.empty()) {
+        return;
+    }
+    const bool isPlain = units.find(u'\n') == std::u16string_view::npos &&
+                         text().line(range.lower) == text().line(range.upper);
+    const SourceRange typed = SourceRange::at(range.lower, static_cast<std::int64_t>(units.size()));
+    if (isPlain && canJoinTypingRun(range, units)) {
+        growTypingRun(range, typed);
+    } else if (m_undoManager != nullptr) {
+        m_typing = std::make_shared<TypingRun>(typed, text().part(range), selection());
+        registerTypingRun();
+    }
+    if (!isPlain) {
+        m_typing.reset();
+    }
+    m_sinceTyping.start();
+    m_storage.replaceCharacters(range, units);
+}
+
+bool TextHistory::canJoinTypingRun(SourceRange range, std::u16string_view units) const {
+    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() > pause ||
+        m_typing->coalescingMark != m_undoManager->coalescingMark() ||
+        range.lower > m_typing->range.upper || m_typing->range.upper > range.upper) {
+        return false;
+    }
+    const bool beginsWord = !units.empty() && !isSpace(units.front()) && range.lower > 0 &&
+                            !m_typing->range.isEmpty() && isSpace(text().unit(range.lower - 1));
+    return !beginsWord;
+}
+
+void TextHistory::growTypingRun(SourceRange range, SourceRange typed) {
+    // The run's units now stand in the place of what the run and this edit replaced together.
+    SourceRange& run = m_typing->range;
+    Rope& replaced = m_typing->replaced;
+    replaced = replaced.replaced(SourceRange::empty(replaced.size()), text().part({run.upper, range.upper}));
+    if (range.lower < run.lower) {
+        replaced = replaced.replaced({}, text().part({range.lower, run.lower}));
+    }
+    run = {std::min(run.lower, range.lower), typed.upper};
+}
+
+void TextHistory::registerTypingRun() {
+    m_undoManager->beginUndoGroup();
+    m_undoManager->setActionName(QStringLiteral("Escribir"));
+    m_undoManager->registerUndo([self = QPointer(this), run = m_typing] {
+        if (self != nullptr) {
+            self->replaceBack({Replacement(run->range, run->replaced)}, run->before);
+        }
+    });
+    m_undoManager->endUndoGroup();
+    m_typing->coalescingMark = m_undoManager->coalescingMark();
+}
+
+void TextHistory::replace(const Replacements& replacements) {
+    m_storage.beginEditing();
+    for (const Replacement& replacement : replacements) {
+        std::visit([&](const auto& units) { m_storage.replaceCharacters(replacement.range, units); },
+                   replacement.units);
+    }
+    m_storage.endEditing();
+}
+
+void TextHistory::registerOpposite(Replacements opposite, TextSelection selection) {
+    m_undoManager->registerUndo([self = QPointer(this), opposite = std::move(opposite), selection] {
+        if (self != nullptr) {
+            self->replaceBack(opposite, selection);
+        }
+    });
+}
+
+void TextHistory::replaceBack(const Replacements& replacements, TextSelection selection) {
+    registerOpposite(inverse(replacements), this->selection());
+    replace(replacements);
+    if (m_selectionKeeper.restore) {
+        m_selectionKeeper.restore(selection);
+    }
+}
+
+TextHistory::Replacements TextHistory::inverse(const Replacements& of) const {
+    // The replacements come from the end of the text to its start, and so do their inverses: where several
+    // meet at one offset, what stood last is put back first.
+    Replacements inverses;
+    inverses.reserve(of.size());
+    std::int64_t shift = 0;
+    for (const Replacement& replacement : of | std::views::reverse) {
+        const SourceRange range = replacement.range;
+        const auto length = std::visit(
+            [](const auto& units) { return static_cast<std::int64_t>(units.size()); }, replacement.units);
+        const SourceRange rangeAfter = SourceRange::at(range.lower + shift, length);
+        if (range.length() <= longestCopy) {
+            inverses.emplace_back(rangeAfter, text().units(range));
+        } else {
+            inverses.emplace_back(rangeAfter, text().part(range));
+        }
+        shift += length - range.length();
+    }
+    std::ranges::reverse(inverses);
+    return inverses;
+}
+
+TextSelection TextHistory::selection() const {
+    return m_selectionKeeper.current ? m_selectionKeeper.current() : TextSelection();
+}
+
+void TextHistory::requireThread() const {
+    precondition(QThread::currentThread() == thread(), "the text is touched on its own thread only");
+}

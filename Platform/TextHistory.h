@@ -1,0 +1,90 @@
+#pragma once
+
+#include "TextEdit.h"
+#include "TextSelection.h"
+#include "TextStorage.h"
+#include "UndoManager.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+/// Edits a text storage so that every change can be undone, whoever makes it: what is typed into a view and
+/// what a program applies are steps of one history. An undone or redone step puts the selection back too.
+///
+/// Offsets count UTF-16 units. Lives on the thread of the storage.
+class TextHistory : public QObject {
+    Q_OBJECT
+
+public:
+    /// `storage` outlives the history.
+    explicit TextHistory(TextStorage& storage, QObject* parent = nullptr);
+
+    TextStorage& storage() { return m_storage; }
+    const Rope& text() const { return m_storage.text(); }
+
+    /// Where changes are registered from now on; null for nowhere. Not owned, may go first.
+    UndoManager* undoManager() const { return m_undoManager; }
+    void setUndoManager(UndoManager* undoManager);
+
+    /// Whose selection steps remember and put back: the view that shows the text.
+    struct SelectionKeeper {
+        std::function<TextSelection()> current;
+        std::function<void(TextSelection)> restore;
+    };
+    void setSelectionKeeper(SelectionKeeper keeper) { m_selectionKeeper = std::move(keeper); }
+
+    /// Applies `edits`, given in any order in the offsets of the current text, as one undo step. Of two
+    /// insertions at one offset the text of the first given ends up last. Stops the program, with the text as
+    /// it was, when edits overlap or reach beyond the text. No edits, no step; no name, and a group that is
+    /// open already keeps its own. What is typed afterwards is a new step.
+    void apply(std::span<const TextEdit> edits, const QString& actionName = {});
+
+    /// Replaces what the user types or erases at the caret. Joins the undo step "Escribir" before it as long
+    /// as nothing else happened since, the caret stayed where that step left it, no new word begins, there was
+    /// no pause, and neither holds a line feed.
+    void type(SourceRange range, std::u16string_view units);
+
+    /// What is typed next is a new step.
+    void breakUndoCoalescing() { m_typing.reset(); }
+
+private:
+    /// A replacement to be made; long stretches share the chunks of the text that they come from.
+    struct Replacement {
+        SourceRange range;
+        std::variant<std::u16string, Rope> units;
+    };
+    using Replacements = std::vector<Replacement>;
+
+    /// What was typed since the last break: the units of `range` stand in the place of `replaced`.
+    struct TypingRun {
+        SourceRange range;
+        Rope replaced;
+        TextSelection before;
+        std::uint64_t coalescingMark = 0;
+    };
+
+    void requireThread() const;
+    bool canJoinTypingRun(SourceRange range, std::u16string_view units) const;
+    void growTypingRun(SourceRange range, SourceRange typed);
+    void registerTypingRun();
+    void registerOpposite(Replacements opposite, TextSelection selection);
+    void replace(const Replacements& replacements);
+    void replaceBack(const Replacements& replacements, TextSelection selection);
+    Replacements inverse(const Replacements& of) const;
+    TextSelection selection() const;
+
+    TextStorage& m_storage;
+    QPointer<UndoManager> m_undoManager;
+    SelectionKeeper m_selectionKeeper;
+    std::shared_ptr<TypingRun> m_typing; ///< Shared with its undo step; null when nothing was typed.
+    QElapsedTimer m_sinceTyping;
+};
