@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::size_t longestCopy = 1024; ///< Longer stretches are kept as shared chunks.
-constexpr qint64 pause = 2000;            ///< Milliseconds after which typing is a new step.
+constexpr qint64 longestPause = 2000;            ///< Milliseconds after which typing is a new step.
 
 bool isSpace(char16_t unit) { return QChar::isSpace(unit); }
 
@@ -72,7 +72,7 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
 }
 
 bool TextHistory::canJoinTypingRun(SourceRange range, std::u16string_view units) const {
-    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() > pause ||
+    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() > longestPause ||
         m_typing->coalescingMark != m_undoManager->coalescingMark() ||
         range.lower > m_typing->range.upper || m_typing->range.upper > range.upper) {
         return false;
