@@ -88,10 +88,30 @@ public:
     void draw(QPainter& painter, std::size_t line, QPointF origin, double left, double right,
               SourceRange selected, const QPalette& palette);
 
+    /// Makes what is estimated in long lines exact for a few more thousand units; to be called while idle, as
+    /// long as it answers that there is more. May change `width` and what `x` answers.
+    bool buildMore() { return false; }
+
 private:
+    struct Shown {
+        SourceRange range;
+        double left = 0;
+        std::shared_ptr<const QTextLayout> layout;
+    };
+    struct Attributed {
+        SourceRange range;
+        TemporaryAttributes attributes;
+    };
+
+    Shown shown(std::size_t line, double left, double right);
+
     Rope m_text;
     LineLayouts m_layouts;
+    std::vector<Attributed> m_attributes;
+    Offset m_preeditAt = 0;
+    Preedit m_preedit;
     int m_lineHeight = 1;
     double m_baseline = 1;
     double m_columnWidth = 1;
+    double m_widest = 0;
 };
