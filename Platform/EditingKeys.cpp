@@ -85,6 +85,25 @@ EditingKeys::Target EditingKeys::erasure(const QKeyEvent& event) {
     return nullptr;
 }
 
+std::optional<TextCommand> EditingKeys::command(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.matches(QKeySequence::InsertParagraphSeparator) ||
+        event.matches(QKeySequence::InsertLineSeparator)) {
+        return TextCommand::insertNewline;
+    }
+    if (event.key() == Qt::Key_Tab && modifiers == Qt::NoModifier) {
+        return TextCommand::insertTab;
+    }
+    const bool isBacktab = event.key() == Qt::Key_Backtab || event.key() == Qt::Key_Tab;
+    if (isBacktab && modifiers == Qt::ShiftModifier) {
+        return TextCommand::insertBacktab;
+    }
+    if (event.key() == Qt::Key_Escape && modifiers == Qt::NoModifier) {
+        return TextCommand::cancelOperation;
+    }
+    return std::nullopt;
+}
+
 bool EditingKeys::isTyping(const QKeyEvent& event) {
     const QString text = event.text();
     const bool isCommand = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Rope.h"
+#include "TextViewDelegate.h"
 
 #include <optional>
 
@@ -31,6 +32,9 @@ std::optional<LineMotion> lineMotion(const QKeyEvent& event);
 
 /// To where the key erases from the caret, when nothing is selected; null for a key that does not erase.
 Target erasure(const QKeyEvent& event);
+
+/// What the key asks for where a delegate may want something else.
+std::optional<TextCommand> command(const QKeyEvent& event);
 
 /// Whether the key inserts its own text.
 bool isTyping(const QKeyEvent& event);

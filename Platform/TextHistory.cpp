@@ -71,6 +71,12 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
     m_storage.replaceCharacters(range, units);
 }
 
+void TextHistory::selectionMoved(TextSelection selection) {
+    if (m_typing != nullptr && selection != TextSelection::at(m_typing->range.upper)) {
+        breakUndoCoalescing();
+    }
+}
+
 bool TextHistory::canJoinTypingRun(SourceRange range, std::u16string_view units) const {
     if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() > longestPause ||
         m_typing->coalescingMark != m_undoManager->coalescingMark() ||
@@ -124,10 +130,12 @@ void TextHistory::registerOpposite(Replacements opposite, TextSelection selectio
 
 void TextHistory::replaceBack(const Replacements& replacements, TextSelection selection) {
     registerOpposite(inverse(replacements), this->selection());
+    m_storage.beginEditing();
     replace(replacements);
     if (m_selectionKeeper.restore) {
         m_selectionKeeper.restore(selection);
     }
+    m_storage.endEditing();
 }
 
 TextHistory::Replacements TextHistory::inverse(const Replacements& of) const {

@@ -38,7 +38,7 @@ public:
     /// Whose selection steps remember and put back: the view that shows the text.
     struct SelectionKeeper {
         std::function<TextSelection()> current;
-        std::function<void(TextSelection)> restore;
+        std::function<void(TextSelection)> restore; ///< Called while the batch of the step is still open.
     };
     void setSelectionKeeper(SelectionKeeper keeper) { m_selectionKeeper = std::move(keeper); }
 
@@ -55,6 +55,9 @@ public:
 
     /// What is typed next is a new step.
     void breakUndoCoalescing() { m_typing.reset(); }
+
+    /// The same, unless `selection` is the caret as typing left it.
+    void selectionMoved(TextSelection selection);
 
 private:
     /// A replacement to be made; long stretches share the chunks of the text that they come from.

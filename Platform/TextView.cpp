@@ -1,6 +1,7 @@
 #include "TextView.h"
 
 #include "EditingKeys.h"
+#include "TextMarks.h"
 #include "TextMimeData.h"
 #include "TextNavigation.h"
 
@@ -12,25 +13,43 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyleHints>
-#include <QTextLayout>
-#include <QTimer>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
-constexpr Offset longLine = 2048;   ///< Units from which on only a stretch of a line is laid out.
-constexpr Offset stretchStep = 256; ///< Stretches start at multiples of it, so that scrolling reuses them.
-constexpr int padding = 6;          ///< Pixels around the text and the numbers.
-constexpr int tabColumns = 4;
-constexpr int caretWidth = 2;
+constexpr Offset longLine = 32'768; ///< Units from which on only the stretch of a line that shows counts.
 constexpr int dragScrollInterval = 40;
 
 std::u16string_view unitsOf(const QString& string) {
     return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
+}
+
+/// Where `at` is after a replacement: before it or at its start it stays, inside it goes to the end, behind
+/// it moves along. `edited` is the replaced range, `length` the number of units now in its place.
+Offset carried(Offset at, SourceRange edited, Offset length) {
+    if (at >= edited.upper) {
+        return at - edited.length() + length;
+    }
+    return at <= edited.lower ? at : edited.lower + length;
+}
+
+/// The same of a selection, which does not grow by what is put in at its end.
+TextSelection carried(TextSelection selection, SourceRange edited, Offset length) {
+    const bool keepsEnd =
+        !selection.isEmpty() && edited.isEmpty() && edited.lower == selection.range().upper;
+    const auto bound = [&](Offset at) {
+        return keepsEnd && at == edited.lower ? at : carried(at, edited, length);
+    };
+    return {bound(selection.anchor), bound(selection.caret)};
+}
+
+TextSelection clamped(TextSelection selection, Offset size) {
+    return {std::min(selection.anchor, size), std::min(selection.caret, size)};
 }
 
 } // namespace
@@ -42,87 +61,201 @@ TextView::TextView(QWidget* parent)
     setAttribute(Qt::WA_InputMethodEnabled);
     setFrameShape(QFrame::NoFrame);
     viewport()->setCursor(Qt::IBeamCursor);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    connect(&m_blinker, &CaretBlinker::toggled, this, &TextView::updateCaret);
     updateFont();
 }
 
-TextView::~TextView() = default;
+TextView::~TextView() { setHistory(nullptr); }
 
-void TextView::setText(const Rope& text) {
-    m_text = text;
-    m_widest = 0;
+// Following the text
+
+void TextView::setHistory(TextHistory* history) {
+    if (m_history != nullptr) {
+        m_history->storage().disconnect(this);
+        m_history->setSelectionKeeper({});
+    }
+    m_history = history;
+    m_isInBatch = false;
+    m_layout.setText(history != nullptr ? history->text() : Rope());
+    if (history != nullptr) {
+        const TextStorage* storage = &history->storage();
+        connect(storage, &TextStorage::editProcessed, this, &TextView::followEdit);
+        connect(storage, &TextStorage::editingEnded, this, &TextView::finishBatch);
+        history->setSelectionKeeper({[this] { return m_selection; },
+                                     [this](TextSelection selection) { restoreSelection(selection); }});
+    }
     updateExtents();
     scrollTo(0, 0);
-    setSelection(0, 0);
+    setSelection({});
+    visibleTextMoved();
 }
 
-void TextView::changeText(const Rope& text, Offset caret) {
-    m_text = text;
+void TextView::followEdit(SourceRange edited, std::int64_t changeInLength) {
+    const std::size_t firstVisible = firstVisibleLine();
+    const bool isAbove = firstVisible > 0 && std::int64_t(edited.upper) - changeInLength <
+                                                 std::int64_t(text().lineStart(firstVisible));
+    const auto linesBefore = static_cast<qint64>(text().lineCount());
+    const std::size_t first = text().line(edited.lower);
+    const SourceRange replaced = {edited.lower, edited.upper - changeInLength};
+
+    m_layout.edit(m_history->text(), edited, changeInLength);
+    m_isInBatch = true;
+    m_selection = carried(m_selection, replaced, edited.length());
+
+    const qint64 moreLines = static_cast<qint64>(text().lineCount()) - linesBefore;
+    if (isAbove && moreLines != 0) {
+        // What the user looks at stays where it is.
+        updateExtents();
+        m_vertical.set(m_vertical.value() + moreLines * lineHeight());
+        viewport()->update();
+    } else {
+        updateLines(first, moreLines != 0 ? text().lineCount() : text().line(edited.upper) + 1);
+    }
+}
+
+void TextView::finishBatch() {
+    m_isInBatch = false;
+    if (const auto after = std::exchange(m_selectionAfterEdit, std::nullopt)) {
+        m_selection = *after;
+    }
+    m_selection = clamped(m_selection, text().size());
     updateExtents();
-    moveTo(caret, Anchor::moves);
+    const bool showsCaret = std::exchange(m_showsCaretAfterEdit, false);
+    if (m_delegate != nullptr) {
+        m_delegate->textDidChange();
+    }
+    if (showsCaret) {
+        showCaret();
+    }
+    announceSelection();
+    visibleTextMoved();
 }
 
-void TextView::setUnderlines(Underlines underlines) {
-    m_underlines = std::move(underlines);
-    viewport()->update();
+void TextView::restoreSelection(TextSelection selection) {
+    m_selectionAfterEdit = clamped(selection, text().size());
+    m_showsCaretAfterEdit = true;
+    if (!m_isInBatch) {
+        finishBatch();
+    }
 }
 
-SourceRange TextView::selection() const {
-    return SourceRange::unchecked(std::min(m_anchor, m_caret), std::max(m_anchor, m_caret));
+// The selection
+
+void TextView::select(SourceRange range) { select(TextSelection::of(range)); }
+
+void TextView::select(TextSelection selection) { setSelection(clamped(selection, text().size())); }
+
+void TextView::setSelection(TextSelection selection) {
+    m_selection = selection;
+    if (!m_isInBatch) {
+        announceSelection();
+    }
 }
 
-void TextView::select(SourceRange range) {
-    setSelection(std::min(range.lower, m_text.size()), std::min(range.upper, m_text.size()));
+void TextView::announceSelection() {
+    m_blinker.isOn() || hasFocus() ? m_blinker.start() : void();
+    const TextSelection before = std::exchange(m_announcedSelection, m_selection);
+    if (before == m_selection) {
+        return;
+    }
+    m_wantedX = -1;
+    if (m_history != nullptr) {
+        m_history->selectionMoved(m_selection);
+    }
+    const TextSelection known = clamped(before, text().size());
+    for (const SourceRange range : {known.range(), m_selection.range()}) {
+        updateLines(text().line(range.lower), text().line(range.upper) + 1);
+    }
+    QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
+    if (m_delegate != nullptr) {
+        m_delegate->selectionDidChange();
+    }
+    emit selectionChanged();
+}
+
+void TextView::selectAll() { select(text().fullRange()); }
+
+void TextView::moveTo(Offset caret, Anchor anchor) {
+    setSelection({anchor == Anchor::stays ? m_selection.anchor : caret, caret});
     showCaret();
 }
 
-void TextView::reveal(SourceRange range) {
-    const Offset end = std::min(range.upper, m_text.size());
-    const Offset start = std::min(range.lower, end);
-    setSelection(end, start);
-    const qint64 top = qint64(m_text.line(start)) * m_lineHeight;
-    const int height = viewport()->height();
-    if (top < m_vertical.value() || top + m_lineHeight > m_vertical.value() + height) {
-        scrollTo(m_horizontal.value(), top - height / 2);
+void TextView::moveByLines(std::int64_t lines, Anchor anchor) {
+    const auto last = static_cast<std::int64_t>(text().lineCount()) - 1;
+    const std::int64_t wanted = static_cast<std::int64_t>(text().line(caret())) + lines;
+    const double wantedX = m_wantedX < 0 ? m_layout.x(caret()) : m_wantedX;
+    if (wanted < 0 || wanted > last) {
+        moveTo(wanted < 0 ? 0 : text().size(), anchor);
+    } else {
+        moveTo(m_layout.offset(static_cast<std::size_t>(wanted), wantedX), anchor);
     }
-    showCaretHorizontally();
+    m_wantedX = wantedX;
 }
 
 // Editing
 
+bool TextView::mayChange(SourceRange range, std::u16string_view units) const {
+    const bool fits = units.size() <= std::numeric_limits<Offset>::max() - (text().size() - range.length());
+    return m_history != nullptr && fits && !(range.isEmpty() && units.empty()) &&
+           (m_delegate == nullptr || m_delegate->shouldChangeText(range, units));
+}
+
+void TextView::insertText(std::u16string_view units) { type(selection(), units); }
+
+void TextView::type(SourceRange range, std::u16string_view units) {
+    if (mayChange(range, units)) {
+        m_selectionAfterEdit = TextSelection::at(range.lower + static_cast<Offset>(units.size()));
+        m_showsCaretAfterEdit = true;
+        m_history->type(range, units);
+    }
+}
+
+void TextView::replace(SourceRange range, std::u16string_view units, const QString& actionName) {
+    if (mayChange(range, units)) {
+        m_selectionAfterEdit = TextSelection::at(range.lower + static_cast<Offset>(units.size()));
+        m_showsCaretAfterEdit = true;
+        const TextEdit edit{range, std::u16string(units)};
+        m_history->apply({&edit, 1}, actionName);
+    }
+}
+
+void TextView::erase(Offset to) {
+    type(selection().isEmpty() ? TextSelection{caret(), to}.range() : selection(), {});
+}
+
+void TextView::undo() {
+    if (m_history != nullptr && m_history->undoManager() != nullptr) {
+        m_history->undoManager()->undo();
+    }
+}
+
+void TextView::redo() {
+    if (m_history != nullptr && m_history->undoManager() != nullptr) {
+        m_history->undoManager()->redo();
+    }
+}
+
 void TextView::cut() {
     if (!selection().isEmpty()) {
         copy();
-        replaceSelection({});
+        replace(selection(), {}, QStringLiteral("Cortar"));
     }
 }
 
 void TextView::copy() const {
     if (!selection().isEmpty()) {
-        QApplication::clipboard()->setMimeData(TextMimeData::make(m_text.units(selection())).release());
+        QApplication::clipboard()->setMimeData(TextMimeData::make(text().units(selection())).release());
     }
 }
 
 void TextView::paste() {
     if (const QMimeData* copied = QApplication::clipboard()->mimeData()) {
-        replaceSelection(TextMimeData::units(*copied));
+        replace(selection(), TextMimeData::units(*copied), QStringLiteral("Pegar"));
     }
 }
 
-void TextView::replaceSelection(std::u16string_view units) {
-    const SourceRange range = selection();
-    const bool fits = units.size() <= std::numeric_limits<Offset>::max() - (m_text.size() - range.length());
-    if (fits && !(range.isEmpty() && units.empty())) {
-        emit editRequested({range, std::u16string(units)});
-    }
-}
-
-void TextView::erase(Offset to) {
-    if (selection().isEmpty()) {
-        const auto [lower, upper] = std::minmax(m_caret, to);
-        setSelection(lower, upper);
-    }
-    replaceSelection({});
-}
+void TextView::complete() {}
 
 // Keys
 
@@ -136,17 +269,21 @@ bool TextView::event(QEvent* event) {
 }
 
 void TextView::keyPressEvent(QKeyEvent* event) {
-    if (!handleMove(*event) && !handleEdit(*event)) {
-        QAbstractScrollArea::keyPressEvent(event);
+    if (!handleMove(*event) && !handleErasure(*event) && !handleClipboard(*event) && !handleCommand(*event)) {
+        if (EditingKeys::isTyping(*event)) {
+            insertText(unitsOf(event->text()));
+        } else {
+            QAbstractScrollArea::keyPressEvent(event);
+        }
     }
 }
 
 bool TextView::handleMove(const QKeyEvent& event) {
     const auto anchor = [](bool selects) { return selects ? Anchor::stays : Anchor::moves; };
     if (const auto motion = EditingKeys::motion(event)) {
-        moveTo(motion->target(m_caret, m_text), anchor(motion->selects));
+        moveTo(motion->target(caret(), text()), anchor(motion->selects));
     } else if (const auto lineMotion = EditingKeys::lineMotion(event)) {
-        const int page = std::max(1, viewport()->height() / m_lineHeight - 1);
+        const int page = std::max(1, viewport()->height() / lineHeight() - 1);
         moveByLines(lineMotion->lines + lineMotion->pages * page, anchor(lineMotion->selects));
     } else {
         return false;
@@ -154,10 +291,16 @@ bool TextView::handleMove(const QKeyEvent& event) {
     return true;
 }
 
-bool TextView::handleEdit(const QKeyEvent& event) {
-    if (const auto target = EditingKeys::erasure(event)) {
-        erase(target(m_caret, m_text));
-    } else if (event.matches(QKeySequence::Cut)) {
+bool TextView::handleErasure(const QKeyEvent& event) {
+    const auto target = EditingKeys::erasure(event);
+    if (target != nullptr) {
+        erase(target(caret(), text()));
+    }
+    return target != nullptr;
+}
+
+bool TextView::handleClipboard(const QKeyEvent& event) {
+    if (event.matches(QKeySequence::Cut)) {
         cut();
     } else if (event.matches(QKeySequence::Copy)) {
         copy();
@@ -165,39 +308,66 @@ bool TextView::handleEdit(const QKeyEvent& event) {
         paste();
     } else if (event.matches(QKeySequence::SelectAll)) {
         selectAll();
-    } else if (event.matches(QKeySequence::InsertParagraphSeparator)) {
-        replaceSelection(TextNavigation::lineEnding(m_text));
-    } else if (event.key() == Qt::Key_Tab && event.modifiers() == Qt::NoModifier) {
-        replaceSelection(unitsOf(m_indentation));
-    } else if (EditingKeys::isTyping(event)) {
-        replaceSelection(unitsOf(event.text()));
+    } else if (event.matches(QKeySequence::Undo)) {
+        undo();
+    } else if (event.matches(QKeySequence::Redo)) {
+        redo();
     } else {
         return false;
     }
     return true;
 }
 
-void TextView::inputMethodEvent(QInputMethodEvent* event) {
-    m_preedit = event->preeditString();
-    if (event->replacementLength() > 0) {
-        const std::int64_t start = std::int64_t(m_caret) + event->replacementStart();
-        const auto inside = [this](std::int64_t at) {
-            return static_cast<Offset>(std::clamp<std::int64_t>(at, 0, m_text.size()));
-        };
-        setSelection(inside(start), inside(start + event->replacementLength()));
+bool TextView::handleCommand(const QKeyEvent& event) {
+    const auto command = EditingKeys::command(event);
+    if (!command) {
+        return false;
     }
-    if (!event->commitString().isEmpty() || event->replacementLength() > 0) {
-        replaceSelection(unitsOf(event->commitString()));
+    if (m_delegate != nullptr && m_delegate->doCommand(*command)) {
+        return true;
     }
-    viewport()->update();
+    switch (*command) {
+    case TextCommand::insertTab:
+        insertText(u"\t");
+        return true;
+    case TextCommand::insertNewline:
+        insertText(TextNavigation::lineEnding(text()));
+        return true;
+    case TextCommand::insertBacktab:
+        return true;
+    case TextCommand::cancelOperation:
+        return false;
+    }
+    return false;
 }
+
+void TextView::inputMethodEvent(QInputMethodEvent* event) {
+    const bool wasComposing = m_hasMarkedText;
+    m_layout.setPreedit(caret(), {});
+    if (event->replacementLength() > 0) {
+        const std::int64_t start = std::int64_t(caret()) + event->replacementStart();
+        const auto inside = [this](std::int64_t at) { return std::clamp<std::int64_t>(at, 0, text().size()); };
+        select(SourceRange(inside(start), inside(start + event->replacementLength())));
+    }
+    m_hasMarkedText = wasComposing || !event->preeditString().isEmpty();
+    if (!event->commitString().isEmpty() || event->replacementLength() > 0) {
+        insertText(unitsOf(event->commitString()));
+    }
+    m_hasMarkedText = !event->preeditString().isEmpty();
+    m_layout.setPreedit(caret(), {event->preeditString(), {}, static_cast<int>(event->preeditString().size())});
+    const std::size_t line = text().line(caret());
+    updateLines(line, line + 1);
+    event->accept();
+}
+
+bool TextView::hasMarkedText() const { return m_hasMarkedText; }
 
 QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const {
     switch (query) {
     case Qt::ImEnabled:
         return true;
     case Qt::ImCursorRectangle:
-        return const_cast<TextView*>(this)->caretRect().translated(viewport()->pos());
+        return caretRect().translated(viewport()->pos());
     case Qt::ImFont:
         return font();
     default:
@@ -205,114 +375,40 @@ QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const {
     }
 }
 
-// The caret and the selection
-
-void TextView::setSelection(Offset anchor, Offset caret) {
-    m_wantedX = -1;
-    m_anchor = anchor;
-    m_caret = caret;
-    restartBlinking();
-    viewport()->update();
-    QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle);
-    emit selectionChanged();
-}
-
-void TextView::moveTo(Offset caret, Anchor anchor) {
-    setSelection(anchor == Anchor::stays ? m_anchor : caret, caret);
-    showCaret();
-}
-
-void TextView::moveByLines(std::int64_t lines, Anchor anchor) {
-    const std::size_t line = m_text.line(m_caret);
-    const auto last = static_cast<std::int64_t>(m_text.lineCount()) - 1;
-    const std::int64_t wanted = static_cast<std::int64_t>(line) + lines;
-    const double wantedX = m_wantedX < 0 ? x(m_caret, line) : m_wantedX;
-    const auto target = static_cast<std::size_t>(std::clamp<std::int64_t>(wanted, 0, last));
-    if (wanted < 0 || wanted > last) {
-        moveTo(wanted < 0 ? 0 : m_text.size(), anchor);
-    } else {
-        moveTo(offset(target, wantedX), anchor);
-    }
-    m_wantedX = wantedX;
-}
-
-void TextView::showCaret() {
-    const qint64 top = qint64(m_text.line(m_caret)) * m_lineHeight;
-    const qint64 lowest = top + m_lineHeight + 2 * padding - viewport()->height();
-    scrollTo(m_horizontal.value(), std::clamp(m_vertical.value(), std::min(lowest, top), top));
-    showCaretHorizontally();
-}
-
-void TextView::showCaretHorizontally() {
-    const std::size_t line = m_text.line(m_caret);
-    const double room = viewport()->width() - marginWidth() - 2 * padding - caretWidth;
-    // In a long line the scroll decides what is laid out, and so the exact place of the caret.
-    for (int attempt = 0; attempt < 4; ++attempt) {
-        const double at = x(m_caret, line);
-        const auto left = static_cast<double>(m_horizontal.value());
-        if (at >= left && at <= left + room) {
-            return;
-        }
-        updateExtents();
-        const double wanted = at < left ? at - room / 4 : at - room * 3 / 4;
-        scrollTo(at < room ? 0 : std::llround(wanted), m_vertical.value());
-    }
-}
-
-void TextView::restartBlinking() {
-    m_caretIsOn = true;
-    const int period = QGuiApplication::styleHints()->cursorFlashTime();
-    if (hasFocus() && period > 0) {
-        m_blinking.start(period / 2, this);
-    }
-}
-
 void TextView::focusInEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusInEvent(event);
-    restartBlinking();
-    viewport()->update();
+    m_blinker.start();
 }
 
 void TextView::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
-    m_blinking.stop();
-    viewport()->update();
-}
-
-void TextView::timerEvent(QTimerEvent* event) {
-    if (event->timerId() == m_blinking.timerId()) {
-        m_caretIsOn = !m_caretIsOn;
-        viewport()->update(caretRect());
-    } else if (event->timerId() == m_dragScrolling.timerId()) {
-        dragTo(m_dragPosition);
-    }
+    m_blinker.stop();
 }
 
 // The mouse
 
-void TextView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
+void TextView::mousePressEvent(QMouseEvent* event) { press(*event, m_clicks.single(event->position())); }
+
+void TextView::mouseDoubleClickEvent(QMouseEvent* event) { press(*event, m_clicks.twice(event->position())); }
+
+void TextView::press(QMouseEvent& event, int clicks) {
+    if (event.button() != Qt::LeftButton) {
         return;
     }
-    const Offset at = offset(event->position());
-    const bool isThirdClick =
-        m_sinceDoubleClick.isValid() &&
-        m_sinceDoubleClick.elapsed() < QGuiApplication::styleHints()->mouseDoubleClickInterval();
-    m_sinceDoubleClick.invalidate();
-    if (isThirdClick) {
-        const std::size_t line = m_text.line(at);
-        const bool isLast = line + 1 == m_text.lineCount();
-        setSelection(m_text.lineStart(line), isLast ? m_text.size() : m_text.lineStart(line + 1));
-        return;
+    const auto granularity = DragSelection::granularity(clicks);
+    const Offset at = offset(event.position());
+    const bool extends = event.modifiers().testFlag(Qt::ShiftModifier) && clicks == 1;
+    m_drag = extends ? DragSelection::extending(m_selection, granularity, text())
+                     : DragSelection(at, granularity, text());
+    m_dragPosition = event.position();
+    setSelection(m_drag->selection(at, text()));
+    if (clicks == 1) {
+        showCaret();
     }
-    m_isDragging = true;
-    m_dragPosition = event->position();
-    moveTo(at, event->modifiers() & Qt::ShiftModifier ? Anchor::stays : Anchor::moves);
 }
 
 void TextView::mouseMoveEvent(QMouseEvent* event) {
-    if (!m_isDragging) {
-        viewport()->setCursor(event->position().x() < marginWidth() ? Qt::ArrowCursor : Qt::IBeamCursor);
+    if (!m_drag) {
         return;
     }
     dragTo(event->position());
@@ -325,250 +421,279 @@ void TextView::mouseMoveEvent(QMouseEvent* event) {
 
 void TextView::dragTo(QPointF position) {
     m_dragPosition = position;
-    moveTo(offset(position), Anchor::stays);
+    setSelection(m_drag->selection(offset(position), text()));
+    showCaret();
 }
 
 void TextView::mouseReleaseEvent(QMouseEvent*) {
-    m_isDragging = false;
+    m_drag.reset();
     m_dragScrolling.stop();
 }
 
-void TextView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) {
-        const SourceRange word = TextNavigation::word(offset(event->position()), m_text);
-        setSelection(word.lower, word.upper);
-        m_sinceDoubleClick.start();
+void TextView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == m_dragScrolling.timerId() && m_drag) {
+        dragTo(m_dragPosition);
     }
 }
 
+bool TextView::viewportEvent(QEvent* event) { return QAbstractScrollArea::viewportEvent(event); }
+
 void TextView::wheelEvent(QWheelEvent* event) {
-    QPoint delta = event->pixelDelta();
-    if (delta.isNull()) {
-        const int notch = QApplication::wheelScrollLines() * m_lineHeight;
-        delta = event->angleDelta() * notch / QWheelEvent::DefaultDeltasPerStep;
-    }
-    if (event->modifiers() & Qt::ShiftModifier) {
-        delta = delta.transposed();
-    }
-    scrollTo(m_horizontal.value() - delta.x(), m_vertical.value() - delta.y());
+    const int lines = QApplication::wheelScrollLines();
+    const QPoint moved =
+        m_wheel.pixels(*event, {3 * lines * m_layout.columnWidth(), double(lines) * lineHeight()});
+    scrollTo(m_horizontal.value() + moved.x(), m_vertical.value() + moved.y());
     event->accept();
 }
 
 // Geometry
 
-TextView::Stretch TextView::stretch(std::size_t line) {
-    Stretch shown{m_text.lineRange(line), 0, nullptr};
-    if (shown.range.length() > longLine) {
-        const SourceRange whole = shown.range;
-        const double firstColumn = std::floor(static_cast<double>(m_horizontal.value()) / m_digitWidth);
-        const auto first = static_cast<Offset>(std::min<double>(firstColumn, whole.length()));
-        const Offset skipped = first / stretchStep * stretchStep;
-        const auto columns = static_cast<Offset>(viewport()->width() / m_digitWidth);
-        const Offset lower = skipped < stretchStep ? 0 : skipped - stretchStep;
-        const Offset upper = std::min(whole.length() - lower, columns + 4 * stretchStep) + lower;
-        shown.range.lower =
-            std::max(whole.lower, TextNavigation::characterStart(whole.lower + lower, m_text));
-        shown.range.upper = TextNavigation::characterStart(whole.lower + upper, m_text);
-        shown.left = (shown.range.lower - whole.lower) * m_digitWidth;
+int TextView::lineHeight() const { return m_layout.lineHeight(); }
+
+double TextView::baseline() const { return m_layout.baseline(); }
+
+QPointF TextView::origin(std::size_t line) const {
+    const qint64 y = qint64(line) * lineHeight() + inset.y() - m_vertical.value();
+    return {-left(), static_cast<double>(y)};
+}
+
+std::size_t TextView::line(double atY) const {
+    const auto last = static_cast<qint64>(text().lineCount()) - 1;
+    const qint64 y = m_vertical.value() + static_cast<qint64>(std::floor(atY)) - inset.y();
+    return static_cast<std::size_t>(std::clamp<qint64>(y / lineHeight(), 0, last));
+}
+
+std::size_t TextView::firstVisibleLine() const { return line(0); }
+
+std::size_t TextView::lastVisibleLine() const { return line(std::max(0, viewport()->height() - 1)); }
+
+QRectF TextView::lineRect(std::size_t line) const {
+    return {0, origin(line).y(), static_cast<double>(viewport()->width()), static_cast<double>(lineHeight())};
+}
+
+QRectF TextView::caretRect() const { return caretRect(caret()); }
+
+QRectF TextView::caretRect(Offset at) const {
+    const QPointF start = origin(text().line(at));
+    // A caret between two pixels of the screen would be blurred.
+    const double scale = devicePixelRatioF();
+    const double x = std::round((start.x() + m_layout.x(at)) * scale) / scale;
+    return {x, start.y(), static_cast<double>(m_caretWidth), static_cast<double>(lineHeight())};
+}
+
+Offset TextView::offset(QPointF at) const {
+    return m_layout.offset(line(at.y()), at.x() + left());
+}
+
+std::vector<SourceRange> TextView::visibleStretches() {
+    std::vector<SourceRange> stretches;
+    bool mayJoin = false;
+    for (std::size_t line = firstVisibleLine(); line <= lastVisibleLine(); ++line) {
+        const SourceRange whole = text().lineRange(line);
+        const bool isLong = whole.length() > longLine;
+        const SourceRange shown =
+            isLong ? m_layout.stretch(line, left(), right())
+                   : SourceRange::unchecked(whole.lower, std::min(whole.upper + 1, text().size()));
+        if (mayJoin && !isLong) {
+            stretches.back().upper = shown.upper;
+        } else {
+            stretches.push_back(shown);
+        }
+        mayJoin = !isLong;
     }
-    shown.layout = m_layouts.layout(m_text.units(shown.range));
-    m_widest = std::max(m_widest, shown.left + shown.layout->lineAt(0).naturalTextWidth());
-    return shown;
-}
-
-double TextView::x(Offset at, std::size_t line) {
-    const Stretch shown = stretch(line);
-    if (at < shown.range.lower) {
-        return (at - m_text.lineStart(line)) * m_digitWidth;
-    }
-    const Offset inside = std::min(at, shown.range.upper) - shown.range.lower;
-    const double beyond = (at - shown.range.lower - inside) * m_digitWidth;
-    return shown.left + shown.layout->lineAt(0).cursorToX(static_cast<int>(inside)) + beyond;
-}
-
-Offset TextView::offset(std::size_t line, double atX) {
-    const Stretch shown = stretch(line);
-    const int inside = shown.layout->lineAt(0).xToCursor(atX - shown.left);
-    const Offset nearest = shown.range.lower + static_cast<Offset>(inside);
-    return std::min(TextNavigation::characterStart(nearest, m_text), TextNavigation::lineEnd(line, m_text));
-}
-
-Offset TextView::offset(QPointF at) {
-    const std::size_t line = lineAt(m_vertical.value() + std::llround(at.y()));
-    return offset(line, at.x() - textOrigin(line).x());
-}
-
-std::size_t TextView::lineAt(qint64 y) const {
-    const auto last = static_cast<qint64>(m_text.lineCount()) - 1;
-    return static_cast<std::size_t>(std::clamp<qint64>((y - padding) / m_lineHeight, 0, last));
-}
-
-QPointF TextView::textOrigin(std::size_t line) const {
-    const qint64 y = qint64(line) * m_lineHeight + padding - m_vertical.value();
-    return {static_cast<double>(marginWidth() + padding - m_horizontal.value()), static_cast<double>(y)};
-}
-
-QRect TextView::caretRect() {
-    const std::size_t line = m_text.line(m_caret);
-    const QPointF origin = textOrigin(line);
-    if (origin.y() < -m_lineHeight || origin.y() > viewport()->height()) {
-        return {};
-    }
-    return {static_cast<int>(std::floor(origin.x() + x(m_caret, line))), static_cast<int>(origin.y()),
-            caretWidth, m_lineHeight};
-}
-
-int TextView::marginWidth() const {
-    const auto digits = QString::number(m_text.lineCount()).size();
-    return static_cast<int>(std::ceil(m_digitWidth * static_cast<double>(std::max<qsizetype>(3, digits)))) +
-           3 * padding;
+    return stretches;
 }
 
 void TextView::updateFont() {
-    const QFontMetricsF metrics(font());
-    m_lineHeight = static_cast<int>(std::ceil(metrics.height() * 1.2));
-    m_baseline = std::round((m_lineHeight - metrics.height()) / 2 + metrics.ascent());
-    m_digitWidth = metrics.horizontalAdvance(u'0');
-    m_layouts.setFont(font(), m_digitWidth * tabColumns);
-    m_widest = 0;
+    m_layout.setFont(font());
+    m_caretWidth = std::max(2, style()->pixelMetric(QStyle::PM_TextCursorWidth, nullptr, this));
     updateExtents();
+    visibleTextMoved();
 }
 
 void TextView::updateExtents() {
-    const double widest = std::max(m_widest, m_text.longestLine() * m_digitWidth);
-    const qint64 width = std::llround(widest) + marginWidth() + 2 * padding + caretWidth;
-    const qint64 height = qint64(m_text.lineCount()) * m_lineHeight + 2 * padding;
-    m_horizontal.setExtent(width, viewport()->width(), static_cast<int>(4 * m_digitWidth));
-    m_vertical.setExtent(height, viewport()->height(), m_lineHeight);
+    const qint64 width = std::llround(m_layout.width()) + 2 * inset.x() + m_caretWidth;
+    m_horizontal.setExtent(width, viewport()->width(), static_cast<int>(4 * m_layout.columnWidth()));
+    m_vertical.setExtent(m_layout.height() + 2 * inset.y(), viewport()->height(), lineHeight());
 }
 
 void TextView::scrollTo(qint64 left, qint64 top) {
     const bool moved = m_horizontal.set(left);
     if (m_vertical.set(top) || moved) {
-        viewport()->update();
+        visibleTextMoved();
     }
 }
 
 void TextView::scrollContentsBy(int, int) {
     m_horizontal.follow(horizontalScrollBar()->value());
     m_vertical.follow(verticalScrollBar()->value());
-    viewport()->update();
+    visibleTextMoved();
 }
 
-void TextView::resizeEvent(QResizeEvent*) { updateExtents(); }
+void TextView::scrollToVisible(SourceRange range) {
+    const SourceRange inside =
+        SourceRange::unchecked(std::min(range.lower, text().size()), std::min(range.upper, text().size()));
+    const qint64 top = qint64(text().line(inside.lower)) * lineHeight();
+    const qint64 bottom = (qint64(text().line(inside.upper)) + 1) * lineHeight() + 2 * inset.y();
+    const int height = viewport()->height();
+    const qint64 now = m_vertical.value();
+    const bool isNear = bottom + height > now && top < now + 2 * height;
+    if (!isNear) {
+        scrollTo(m_horizontal.value(), (top + std::min(bottom, top + height)) / 2 - height / 2);
+    } else if (top < now || bottom - top > height) {
+        const bool isStartVisible = top >= now && top + lineHeight() <= now + height;
+        scrollTo(m_horizontal.value(), isStartVisible ? now : top);
+    } else if (bottom > now + height) {
+        scrollTo(m_horizontal.value(), bottom - height);
+    }
+    showHorizontally(inside);
+}
 
-void TextView::changeEvent(QEvent* event) {
-    QAbstractScrollArea::changeEvent(event);
-    if (event->type() == QEvent::FontChange) {
-        updateFont();
+void TextView::showHorizontally(SourceRange range) {
+    const bool isOneLine = text().line(range.lower) == text().line(range.upper);
+    const double room = viewport()->width() - 2 * inset.x() - m_caretWidth;
+    // In a long line the scroll decides what is laid out, and so the exact places.
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        const double start = m_layout.x(range.lower);
+        const double end = isOneLine ? m_layout.x(range.upper) : start;
+        const auto now = static_cast<double>(m_horizontal.value());
+        const double last = end - start <= room ? end : start;
+        if (start >= now && last <= now + room) {
+            return;
+        }
+        updateExtents();
+        const double wanted = start < now ? start - room / 4 : std::min(start, last - room * 3 / 4);
+        scrollTo(last <= room ? 0 : std::llround(wanted), m_vertical.value());
     }
 }
 
-// Painting
+void TextView::updateLines(std::size_t first, std::size_t last) {
+    const double top = std::max(0.0, origin(first).y());
+    const double bottom = std::min<double>(viewport()->height(), origin(last).y());
+    if (top < bottom) {
+        viewport()->update(QRectF(0, top, viewport()->width(), bottom - top).toAlignedRect());
+    }
+}
+
+void TextView::updateCaret() { viewport()->update(caretRect().toAlignedRect()); }
+
+void TextView::visibleTextMoved() {
+    viewport()->update();
+    if (m_ruler != nullptr) {
+        m_ruler->update();
+    }
+    emit visibleTextChanged();
+}
+
+void TextView::setRuler(QWidget* ruler) {
+    delete m_ruler;
+    m_ruler = ruler;
+    if (ruler != nullptr) {
+        ruler->setParent(this);
+        ruler->show();
+    }
+    retile();
+}
+
+void TextView::retile() {
+    const int width = m_ruler != nullptr ? m_ruler->sizeHint().width() : 0;
+    setViewportMargins(width, 0, 0, 0);
+    if (m_ruler != nullptr) {
+        const QRect port = viewport()->geometry();
+        m_ruler->setGeometry(port.left() - width, port.top(), width, port.height());
+        m_ruler->update();
+    }
+}
+
+void TextView::resizeEvent(QResizeEvent*) {
+    retile();
+    updateExtents();
+    visibleTextMoved();
+}
+
+void TextView::changeEvent(QEvent* event) {
+    QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        updateFont();
+    } else if (event->type() == QEvent::PaletteChange) {
+        viewport()->update();
+    }
+}
+
+// Looks
+
+void TextView::setTemporaryAttributes(SourceRange range, const TemporaryAttributes& attributes) {
+    m_layout.setTemporaryAttributes(range, attributes);
+    updateLines(text().line(range.lower), text().line(range.upper) + 1);
+}
+
+void TextView::removeTemporaryAttributes(SourceRange range) {
+    m_layout.removeTemporaryAttributes(range);
+    updateLines(text().line(range.lower), text().line(range.upper) + 1);
+}
+
+void TextView::setUnderlines(Underlines underlines) {
+    m_underlines = std::move(underlines);
+    viewport()->update();
+}
+
+void TextView::setHighlights(Highlights highlights) {
+    m_highlights = std::move(highlights);
+    viewport()->update();
+}
 
 void TextView::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     painter.setFont(font());
     painter.fillRect(event->rect(), palette().base());
-    const double widestBefore = m_widest;
-    const QRect area = viewport()->rect().adjusted(marginWidth(), 0, 0, 0);
-    const std::size_t end = lineAt(m_vertical.value() + event->rect().bottom()) + 1;
-    const std::size_t start = lineAt(m_vertical.value() + event->rect().top());
-
+    const double widthBefore = m_layout.width();
     if (selection().isEmpty()) {
-        const double caretLine = textOrigin(m_text.line(m_caret)).y();
-        painter.fillRect(QRectF(0, caretLine, viewport()->width(), m_lineHeight), palette().alternateBase());
+        painter.fillRect(lineRect(text().line(caret())), palette().alternateBase());
     }
-    painter.setClipRect(area);
-    for (std::size_t line = start; line < end; ++line) {
-        paintLine(painter, line);
+    const std::size_t end = line(event->rect().bottom()) + 1;
+    for (std::size_t each = line(event->rect().top()); each < end; ++each) {
+        paintLine(painter, each);
     }
-    if (hasFocus() && m_caretIsOn) {
+    if (m_blinker.isOn()) {
         painter.fillRect(caretRect(), palette().text());
     }
-    paintPreedit(painter);
-
-    painter.setClipRect(event->rect());
-    for (std::size_t line = start; line < end; ++line) {
-        paintNumber(painter, line);
-    }
-    if (m_widest > widestBefore) {
-        QTimer::singleShot(0, this, &TextView::updateExtents);
+    if (m_layout.width() > widthBefore) {
+        QMetaObject::invokeMethod(this, &TextView::updateExtents, Qt::QueuedConnection);
     }
 }
 
 void TextView::paintLine(QPainter& painter, std::size_t line) {
-    const Stretch shown = stretch(line);
-    const QPointF origin = textOrigin(line);
-    const QPointF start = origin + QPointF(shown.left, 0);
-    const SourceRange selected = selection();
-    const SourceRange whole = m_text.lineRange(line);
-
-    QList<QTextLayout::FormatRange> formats;
-    const Offset lower = std::clamp(selected.lower, shown.range.lower, shown.range.upper);
-    const Offset upper = std::clamp(selected.upper, shown.range.lower, shown.range.upper);
-    if (lower < upper) {
-        QTextCharFormat format;
-        format.setBackground(palette().highlight());
-        format.setForeground(palette().highlightedText());
-        formats.append(
-            {static_cast<int>(lower - shown.range.lower), static_cast<int>(upper - lower), format});
-    }
-    const QTextLine row = shown.layout->lineAt(0);
-    const QPointF drawn = start + QPointF(0, m_baseline - row.ascent());
-    if (selected.lower <= whole.upper && whole.upper < selected.upper) {
-        // The selected line feed.
-        const double end = start.x() + row.naturalTextWidth();
-        painter.fillRect(QRectF(end, drawn.y(), m_digitWidth / 2, row.height()), palette().highlight());
-    }
-    painter.setPen(palette().color(QPalette::Text));
-    shown.layout->draw(&painter, drawn, formats, viewport()->rect());
-    paintUnderlines(painter, shown, start);
+    const SourceRange shown = m_layout.stretch(line, left(), right());
+    paintHighlights(painter, line, shown);
+    m_layout.draw(painter, line, origin(line), left(), right(), selection(), palette());
+    paintUnderlines(painter, line, shown);
 }
 
-void TextView::paintUnderlines(QPainter& painter, const Stretch& shown, QPointF origin) {
+void TextView::paintHighlights(QPainter& painter, std::size_t line, SourceRange shown) {
+    if (!m_highlights) {
+        return;
+    }
+    for (const SourceRange range : m_highlights(shown)) {
+        for (const QRectF& box : m_layout.boxes(TextMarks::part(range, shown), line)) {
+            TextMarks::paintHighlight(painter, box.translated(origin(line)), palette());
+        }
+    }
+}
+
+void TextView::paintUnderlines(QPainter& painter, std::size_t line, SourceRange shown) {
     if (!m_underlines) {
         return;
     }
-    const QTextLine row = shown.layout->lineAt(0);
-    for (const Underline& underline : m_underlines(shown.range)) {
-        const Offset lower = std::clamp(underline.range.lower, shown.range.lower, shown.range.upper);
-        const Offset upper = std::clamp(underline.range.upper, lower, shown.range.upper);
-        const double left = row.cursorToX(static_cast<int>(lower - shown.range.lower));
-        const double right = row.cursorToX(static_cast<int>(upper - shown.range.lower));
-        // Seen even where the range is empty or at the end of its line.
-        const double from = std::max(origin.x() + left, -m_digitWidth);
-        const double to =
-            std::min<double>(origin.x() + std::max(right, left + m_digitWidth), viewport()->width());
-        QPolygonF wave;
-        for (double at = from; at <= to; at += 2) {
-            const bool isLow = std::llround((at - from) / 2) % 2 == 0;
-            wave << QPointF(at, origin.y() + m_lineHeight - (isLow ? 1 : 3));
+    for (const Underline& underline : m_underlines(shown)) {
+        const SourceRange part = TextMarks::part(underline.range, shown);
+        std::vector<QRectF> boxes = m_layout.boxes(part, line);
+        if (boxes.empty()) {
+            // Seen even where the range is empty or at the end of its line.
+            boxes.emplace_back(m_layout.x(part.lower), 0, m_layout.columnWidth(), lineHeight());
         }
-        painter.setPen(QPen(underline.color, 1));
-        painter.drawPolyline(wave);
+        for (const QRectF& box : boxes) {
+            TextMarks::paintWave(painter, box.translated(origin(line)) & QRectF(viewport()->rect()),
+                                 underline.color);
+        }
     }
-}
-
-void TextView::paintNumber(QPainter& painter, std::size_t line) const {
-    const QString number = QString::number(line + 1);
-    const double width = m_digitWidth * static_cast<double>(number.size());
-    const bool isCurrent = line == m_text.line(m_caret);
-    painter.setPen(palette().color(isCurrent ? QPalette::Text : QPalette::PlaceholderText));
-    painter.drawText(QPointF(marginWidth() - 2 * padding - width, textOrigin(line).y() + m_baseline), number);
-}
-
-void TextView::paintPreedit(QPainter& painter) {
-    if (m_preedit.isEmpty()) {
-        return;
-    }
-    QFont underlined = font();
-    underlined.setUnderline(true);
-    painter.setFont(underlined);
-    const QRectF box(caretRect().topLeft(),
-                     QSizeF(painter.fontMetrics().horizontalAdvance(m_preedit), m_lineHeight));
-    painter.fillRect(box, palette().alternateBase());
-    painter.setPen(palette().color(QPalette::Text));
-    painter.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, m_preedit);
-    painter.setFont(font());
 }

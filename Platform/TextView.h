@@ -1,75 +1,136 @@
 #pragma once
 
-#include "LineLayouts.h"
+#include "CaretBlinker.h"
+#include "DragSelection.h"
 #include "Rope.h"
 #include "ScrollPosition.h"
-#include "TextEdit.h"
+#include "TextHistory.h"
+#include "TextLayout.h"
+#include "TextSelection.h"
+#include "TextViewDelegate.h"
+#include "WheelScroll.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 #include <QColor>
-#include <QElapsedTimer>
+#include <QPointer>
+#include <QUrl>
 
 #include <functional>
+#include <optional>
+#include <string_view>
 #include <vector>
 
-/// Shows a text in lines that never wrap, with their numbers in a margin, and lets the user select, type and
-/// erase. It changes nothing itself: it asks for edits, and shows the text it is given next.
+class CompletionPopup;
+
+/// Shows and edits the text of a storage, in lines that never wrap. Knows nothing of what the text is about:
+/// that is its delegate's business.
 ///
-/// Painting and keys cost what is visible, whatever the size of the text or of a line. Lines of more than
-/// 2048 units are laid out around the visible columns only; those to their left count as wide as a digit.
+/// Painting, keys and the mouse cost what is visible, whatever the size of the text or of a line. Offsets
+/// count UTF-16 units of the text; rectangles are in logical pixels of the viewport.
 class TextView : public QAbstractScrollArea {
     Q_OBJECT
 
 public:
+    explicit TextView(QWidget* parent = nullptr);
+    ~TextView() override;
+
+    /// Shows the text that `history` edits, the caret at its start; null for none. Not owned; outlives the
+    /// view or is taken away first.
+    void setHistory(TextHistory* history);
+    TextHistory* history() const { return m_history; }
+    const Rope& text() const { return m_layout.text(); }
+
+    /// Not owned; outlives the view or is taken away first.
+    void setDelegate(TextViewDelegate* delegate) { m_delegate = delegate; }
+
+    // Selection
+
+    /// What is selected; empty at the caret when nothing is.
+    SourceRange selection() const { return m_selection.range(); }
+    TextSelection directedSelection() const { return m_selection; }
+    Offset caret() const { return m_selection.caret; }
+
+    /// Selects `range`, or the part of it that the text has, the caret at its end. Does not scroll.
+    void select(SourceRange range);
+    void select(TextSelection selection);
+
+    /// Scrolls as little as needed to have `range` in view, its start if it does not fit; to the middle when
+    /// none of it was near.
+    void scrollToVisible(SourceRange range);
+
+    // Editing, as the user does: the delegate is asked, the selection follows.
+
+    /// Replaces the selection with what is typed.
+    void insertText(std::u16string_view units);
+
+    /// Replaces `range` as one undo step of that name, the caret after it.
+    void replace(SourceRange range, std::u16string_view units, const QString& actionName);
+
+    /// Whether an input method is composing.
+    bool hasMarkedText() const;
+
+public slots:
+    void undo();
+    void redo();
+    void cut();
+    void copy() const;
+    void paste();
+    void selectAll();
+
+    /// Offers the delegate's completions of the word before the caret.
+    void complete();
+
+public:
+    // Looks
+
+    void setTemporaryAttributes(SourceRange range, const TemporaryAttributes& attributes);
+    void removeTemporaryAttributes(SourceRange range);
+
     /// A wavy line under a part of the text.
     struct Underline {
         SourceRange range;
         QColor color;
     };
-    /// The underlines of a part of the text; asked whenever that is painted.
+    /// Marks of a part of the text, asked whenever that is painted.
     using Underlines = std::function<std::vector<Underline>(SourceRange)>;
-
-    explicit TextView(QWidget* parent = nullptr);
-    ~TextView() override;
-
-    const Rope& text() const { return m_text; }
-
-    /// Shows another text, the caret at its start.
-    void setText(const Rope& text);
-
-    /// Shows `text`, an edited version of the one before, with the caret at `caret` and in view.
-    void changeText(const Rope& text, Offset caret);
-
+    using Highlights = std::function<std::vector<SourceRange>(SourceRange)>;
     void setUnderlines(Underlines underlines);
+    void setHighlights(Highlights highlights); ///< Such as the matches of a search.
 
-    /// What the Tab key inserts; a tab at first.
-    void setIndentation(const QString& unit) { m_indentation = unit; }
+    /// The text that shows, in order: whole lines, neighbours in one range; of a line longer than 32768 units
+    /// only the segments that show and one more on each side, in a range of its own.
+    std::vector<SourceRange> visibleStretches();
 
-    /// What is selected; empty at the caret when nothing is.
-    SourceRange selection() const;
-    Offset caret() const { return m_caret; }
+    // Geometry
 
-    /// Selects `range`, or the part of it that the text has, the caret at its end.
-    void select(SourceRange range);
+    std::size_t firstVisibleLine() const;
+    std::size_t lastVisibleLine() const;
+    QRectF lineRect(std::size_t line) const; ///< As wide as the viewport.
+    QRectF caretRect() const;
+    QRectF caretRect(Offset at) const;
+    Offset offset(QPointF at) const; ///< The caret position nearest to a point.
+    int lineHeight() const;
+    double baseline() const; ///< From the top of a line.
 
-    /// Selects `range` and scrolls its start into view, to the middle when it was not visible.
-    void reveal(SourceRange range);
-
-    void cut();
-    void copy() const;
-    void paste();
-    void selectAll() { select(m_text.fullRange()); }
-
-    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+    /// A widget at the left of the text, as wide as its size hint, which does not scroll. Owned by the view.
+    void setRuler(QWidget* ruler);
+    /// Gives the ruler the width that it hints at now.
+    void retile();
 
 signals:
-    /// The user wants this. Whoever carries it out calls `changeText`.
-    void editRequested(const TextEdit& edit);
     void selectionChanged();
+    /// Other text shows: it was scrolled, resized or edited, or looks changed size.
+    void visibleTextChanged();
+    /// The user dropped files; what becomes of them is not for a text to say.
+    void filesDropped(const QList<QUrl>& files);
+
+public:
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 protected:
     bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     bool focusNextPrevChild(bool) override { return false; }
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -87,64 +148,78 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
-    /// A line, or the stretch of a long line around the visible columns, as it is laid out.
-    struct Stretch {
-        SourceRange range;
-        double left = 0; ///< Pixels from the start of the line.
-        std::shared_ptr<const QTextLayout> layout;
-    };
-
+    /// What the caret does to the other end of the selection when it moves.
     enum class Anchor : std::uint8_t { moves, stays };
 
-    Stretch stretch(std::size_t line);
-    double x(Offset at, std::size_t line);
-    Offset offset(std::size_t line, double atX);
-    Offset offset(QPointF at);
-    QRect caretRect();
-    int marginWidth() const;
-    QPointF textOrigin(std::size_t line) const;
-    std::size_t lineAt(qint64 y) const;
+    // Following the text
+    void followEdit(SourceRange edited, std::int64_t changeInLength);
+    void finishBatch();
+    void restoreSelection(TextSelection selection);
 
-    void paintLine(QPainter& painter, std::size_t line);
-    void paintUnderlines(QPainter& painter, const Stretch& shown, QPointF origin);
-    void paintNumber(QPainter& painter, std::size_t line) const;
-    void paintPreedit(QPainter& painter);
-
-    void replaceSelection(std::u16string_view units);
-    void erase(Offset to);
-    bool handleMove(const QKeyEvent& event);
-    bool handleEdit(const QKeyEvent& event);
+    // The selection
+    void setSelection(TextSelection selection);
+    void announceSelection();
     void moveTo(Offset caret, Anchor anchor);
     void moveByLines(std::int64_t lines, Anchor anchor);
-    void setSelection(Offset anchor, Offset caret);
+    void showCaret() { scrollToVisible(SourceRange::empty(caret())); }
+
+    // Editing
+    bool mayChange(SourceRange range, std::u16string_view units) const;
+    void type(SourceRange range, std::u16string_view units);
+    void erase(Offset to);
+    bool handleMove(const QKeyEvent& event);
+    bool handleErasure(const QKeyEvent& event);
+    bool handleClipboard(const QKeyEvent& event);
+    bool handleCommand(const QKeyEvent& event);
+    void doCommand(TextCommand command);
+
+    // The mouse
+    void press(QMouseEvent& event, int clicks);
     void dragTo(QPointF position);
-    void showCaret();
-    void showCaretHorizontally();
-    void scrollTo(qint64 left, qint64 top);
+
+    // Geometry
+    double left() const { return static_cast<double>(m_horizontal.value()) - inset.x(); }
+    double right() const { return left() + viewport()->width(); }
+    QPointF origin(std::size_t line) const;
+    std::size_t line(double atY) const;
+    double top(std::size_t line) const { return origin(line).y(); }
     void updateFont();
     void updateExtents();
-    void restartBlinking();
+    void scrollTo(qint64 left, qint64 top);
+    void showHorizontally(SourceRange range);
+    void updateLines(std::size_t first, std::size_t last);
+    void updateCaret();
+    void visibleTextMoved();
 
-    Rope m_text;
-    LineLayouts m_layouts;
+    // Painting
+    void paintLine(QPainter& painter, std::size_t line);
+    void paintHighlights(QPainter& painter, std::size_t line, SourceRange shown);
+    void paintUnderlines(QPainter& painter, std::size_t line, SourceRange shown);
+
+    static constexpr QPoint inset{4, 6}; ///< Around the text.
+
+    QPointer<TextHistory> m_history;
+    TextViewDelegate* m_delegate = nullptr;
+    mutable TextLayout m_layout;
     ScrollPosition m_vertical;
     ScrollPosition m_horizontal;
     Underlines m_underlines;
-    QString m_indentation = QStringLiteral("\t");
-    QString m_preedit;
+    Highlights m_highlights;
+    QPointer<QWidget> m_ruler;
 
-    Offset m_anchor = 0;
-    Offset m_caret = 0;
+    TextSelection m_selection;
+    TextSelection m_announcedSelection;
+    std::optional<TextSelection> m_selectionAfterEdit; ///< Of an edit that the view itself makes.
+    bool m_showsCaretAfterEdit = false;
+    bool m_isInBatch = false;
     double m_wantedX = -1; ///< Where a caret that moves up and down wants to be; negative when unknown.
+    bool m_hasMarkedText = false;
 
-    int m_lineHeight = 1;
-    double m_baseline = 1; ///< From the top of a line.
-    double m_digitWidth = 1;
-    double m_widest = 0; ///< Of the lines laid out so far.
-    bool m_caretIsOn = true;
-    bool m_isDragging = false;
+    CaretBlinker m_blinker;
+    WheelScroll m_wheel;
+    ClickCounter m_clicks;
+    std::optional<DragSelection> m_drag;
     QPointF m_dragPosition;
-    QElapsedTimer m_sinceDoubleClick;
-    QBasicTimer m_blinking;
     QBasicTimer m_dragScrolling;
+    int m_caretWidth = 2;
 };

@@ -91,16 +91,9 @@ void DocumentWindow::buildViews() {
 
     m_source = new TextView;
     m_source->setAccessibleName(QStringLiteral("Texto"));
-    m_source->setText(m_session.buffer().text());
+    m_source->setHistory(&m_session.buffer().history());
     m_source->setUnderlines([this](SourceRange visible) { return underlines(visible); });
     connect(m_source, &TextView::selectionChanged, this, &DocumentWindow::showCaret);
-    connect(m_source, &TextView::editRequested, this,
-            [this](const TextEdit& edit) { m_session.buffer().type(edit.range, edit.replacement); });
-    const TextStorage& storage = m_session.buffer().storage();
-    connect(&storage, &TextStorage::editProcessed, this,
-            [this](SourceRange edited) { m_endOfLastEdit = edited.upper; });
-    // A step of undo may be thousands of edits, and is shown once.
-    connect(&storage, &TextStorage::editingEnded, this, &DocumentWindow::showText);
 
     m_problems = new QListView;
     m_problems->setAccessibleName(QStringLiteral("Problemas"));
@@ -149,8 +142,6 @@ void DocumentWindow::buildMenus() {
     edit->addAction(QStringLiteral("&Pegar"), QKeySequence::Paste, m_source, &TextView::paste);
     edit->addAction(QStringLiteral("&Seleccionar todo"), QKeySequence::SelectAll, m_source,
                     &TextView::selectAll);
-    m_source->addActions(edit->actions());
-    m_source->setContextMenuPolicy(Qt::ActionsContextMenu);
     showHistory();
 }
 
@@ -172,8 +163,6 @@ void DocumentWindow::buildStatusBar() {
 
 // Showing what changed
 
-void DocumentWindow::showText() { m_source->changeText(m_session.buffer().text(), m_endOfLastEdit); }
-
 void DocumentWindow::showTree() {
     const DocumentTree& tree = m_session.tree();
     m_outline->setTree(tree);
@@ -183,7 +172,6 @@ void DocumentWindow::showTree() {
     m_summary->setText(summary(tree.diagnostics));
     const bool usesCRLF = TextNavigation::lineEnding(m_session.buffer().text()) == u"\r\n";
     m_lineEnding->setText(usesCRLF ? QStringLiteral("CRLF") : QStringLiteral("LF"));
-    m_source->setIndentation(QString::fromStdU16String(m_session.indent().unit()));
     m_source->viewport()->update();
 }
 
@@ -231,15 +219,20 @@ std::vector<TextView::Underline> DocumentWindow::underlines(SourceRange visible)
 void DocumentWindow::revealNode(NodeID node) {
     const TreeNode& chosen = m_session.tree()[node];
     if (const auto now = m_session.editsSinceParse().now(chosen.startTagRange())) {
-        m_source->reveal(*now);
+        reveal(*now);
     }
 }
 
 void DocumentWindow::revealDiagnostic(const QModelIndex& row) {
     const auto range = m_session.tree().diagnostics.range(static_cast<std::size_t>(row.row()));
     if (const auto now = m_session.editsSinceParse().now(range)) {
-        m_source->reveal(*now);
+        reveal(*now);
     }
+}
+
+void DocumentWindow::reveal(SourceRange range) {
+    m_source->select(range);
+    m_source->scrollToVisible(range);
 }
 
 void DocumentWindow::applyFix(const QModelIndex& row) {

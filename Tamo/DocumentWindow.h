@@ -46,7 +46,6 @@ private:
     void buildMenus();
     void buildStatusBar();
 
-    void showText();
     void showTree();
     void showCaret();
     void showHistory();
@@ -56,6 +55,7 @@ private:
     QString encodingName() const;
     bool write(const QString& path);
     std::vector<TextView::Underline> underlines(SourceRange visible) const;
+    void reveal(SourceRange range);
     void revealNode(NodeID node);
     void revealDiagnostic(const QModelIndex& row);
     void applyFix(const QModelIndex& row);
@@ -65,7 +65,6 @@ private:
     UndoManager m_undoManager;
     EditorSession m_session;
     DiagnosticsModel m_diagnostics;
-    Offset m_endOfLastEdit = 0;
 
     // Children of the window.
     TextView* m_source = nullptr;

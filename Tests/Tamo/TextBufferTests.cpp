@@ -57,16 +57,6 @@ TEST(TextBuffer, UndoesAListOfEditsWithOneCommand) {
     EXPECT_EQ(document.mirror->text(), document.buffer.text());
 }
 
-TEST(TextBuffer, LeavesAGroupItsNameWithoutOneOfItsOwn) {
-    Document document(u"ab");
-    const TextEdit edit = TextEdit::insert(u"x", 1);
-    document.undo.beginUndoGroup();
-    document.undo.setActionName(QStringLiteral("Mover"));
-    document.buffer.apply({&edit, 1});
-    document.undo.endUndoGroup();
-    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Mover"));
-}
-
 TEST(TextBuffer, CountsEveryReplacement) {
     Document document(u"abc");
     EXPECT_EQ(document.buffer.generation(), 0);
@@ -113,19 +103,6 @@ TEST(TextBuffer, TellsOthersOfAnEditWithItsGenerationCounted) {
     EXPECT_EQ(seen, (std::vector<std::int64_t>{1, 2}));
 }
 
-TEST(TextBuffer, TakesEditsInAnyOrderAndNestsInsertionsAtOneOffset) {
-    Document document(u"abcdef");
-    const std::vector<TextEdit> edits = {TextEdit::insert(u"</outer>", 3), TextEdit::deleteRange({5, 6}),
-                                         TextEdit::insert(u"</inner>", 3), TextEdit{{3, 4}, u"D"},
-                                         TextEdit::insert(u"!", 0)};
-    document.buffer.apply(edits);
-    EXPECT_EQ(document.text(), u"!abc</inner></outer>De");
-    document.undo.undo();
-    EXPECT_EQ(document.text(), u"abcdef");
-    document.undo.redo();
-    EXPECT_EQ(document.text(), u"!abc</inner></outer>De");
-}
-
 TEST(TextBuffer, KeepsItsTextWithoutAnUndoManager) {
     Document document(u"abc");
     document.buffer.setUndoManager(nullptr);
@@ -155,74 +132,6 @@ TEST(TextBuffer, PutsItsTextTogetherOnceAGeneration) {
     document.buffer.type({6, 6}, u"z");
     EXPECT_EQ(document.buffer.sourceText(), SourceText(document.text()));
     EXPECT_EQ(first.count(), 5001);
-}
-
-TEST(TextBuffer, TellsTheViewToStartANewStepAfterAProgrammaticEdit) {
-    Document document(u"abc");
-    int breaks = 0;
-    document.buffer.setBreakUndoCoalescing([&] { ++breaks; });
-    document.buffer.type({0, 0}, u"x");
-    EXPECT_EQ(breaks, 0);
-    document.buffer.apply(std::vector<TextEdit>{TextEdit::insert(u"y", 0)});
-    EXPECT_EQ(breaks, 1);
-    document.buffer.apply({});
-    EXPECT_EQ(breaks, 1);
-}
-
-/// Types "ab", does `between`, types "cd", and counts the steps back to the first text.
-template <class Between>
-int stepsAround(Between between) {
-    Document document(u"1234");
-    document.type(u"ab");
-    between(document);
-    document.type(u"cd");
-    int steps = 0;
-    for (; document.undo.canUndo(); ++steps) {
-        document.undo.undo();
-    }
-    EXPECT_EQ(document.text(), u"1234");
-    for (int i = 0; i < steps; ++i) {
-        document.undo.redo();
-    }
-    EXPECT_TRUE(document.text().ends_with(u"cd"));
-    return steps;
-}
-
-TEST(TextBuffer, JoinsWhatIsTypedInOneGo) {
-    EXPECT_EQ(stepsAround([](Document&) {}), 1);
-    EXPECT_EQ(stepsAround([](Document& document) { document.deleteBackward(); }), 1);
-    EXPECT_EQ(stepsAround([](Document& document) {
-                  for (int i = 0; i < 5; ++i) {
-                      document.deleteBackward();
-                  }
-              }),
-              1);
-    EXPECT_EQ(stepsAround([](Document& document) { document.undo.breakUndoCoalescing(); }), 2);
-    EXPECT_EQ(stepsAround([](Document& document) { document.undo.setClean(); }), 2);
-    EXPECT_EQ(stepsAround([](Document& document) { document.type(u"\n"); }), 3);
-    EXPECT_EQ(stepsAround([](Document& document) { document.buffer.type({0, 0}, u"x"); }), 3);
-    EXPECT_EQ(stepsAround([](Document& document) {
-                  document.buffer.apply(
-                      std::vector<TextEdit>{TextEdit::insert(u"x", document.buffer.text().size())});
-              }),
-              3);
-    EXPECT_EQ(stepsAround([](Document& document) {
-                  document.undo.undo();
-                  document.undo.redo();
-              }),
-              2);
-}
-
-TEST(TextBuffer, NamesTypingAndRestoresTheSavedState) {
-    Document document(u"");
-    document.type(u"ab");
-    document.undo.setClean();
-    document.type(u"c");
-    EXPECT_EQ(document.undo.undoMenuTitle(), QStringLiteral("Deshacer Escribir"));
-    EXPECT_FALSE(document.undo.isClean());
-    document.undo.undo();
-    EXPECT_TRUE(document.undo.isClean());
-    EXPECT_EQ(document.text(), u"ab");
 }
 
 /// Edits that do not overlap: insertions, several at one offset, and ranges that touch each other.
@@ -281,30 +190,6 @@ TEST(TextBuffer, GoesBackAndForthThroughAnyEdits) {
         }
         EXPECT_TRUE(document.mirrorFollows);
         EXPECT_EQ(document.changes, document.buffer.generation());
-    }
-}
-
-TEST(TextBuffer, GoesBackAndForthThroughAnyTyping) {
-    for (unsigned seed = 1; seed <= 100; ++seed) {
-        SCOPED_TRACE(testing::Message() << "seed " << seed);
-        std::mt19937 engine(seed);
-        Document document(u"some text\nto type in\n");
-        const auto upTo = [&](Offset most) { return static_cast<Offset>(engine() % (most + 1)); };
-        for (int step = 0; step < 60; ++step) {
-            const Offset size = document.buffer.text().size();
-            const Offset at = upTo(3) == 0 ? upTo(size) : size / 2;
-            const Offset end = std::min(size, at + (upTo(2) == 0 ? upTo(3) : 0));
-            document.buffer.type({at, end}, std::u16string(upTo(2), upTo(8) == 0 ? u'\n' : u'x'));
-        }
-        const std::u16string typed = document.text();
-        while (document.undo.canUndo()) {
-            document.undo.undo();
-        }
-        EXPECT_EQ(document.text(), u"some text\nto type in\n");
-        while (document.undo.canRedo()) {
-            document.undo.redo();
-        }
-        EXPECT_EQ(document.text(), typed);
     }
 }
 

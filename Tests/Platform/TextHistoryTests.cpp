@@ -1,0 +1,142 @@
+#include "TextHistory.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// A history over a text, and a selection that it keeps.
+class Document {
+public:
+    explicit Document(std::u16string_view text) : storage(Rope(text)), history(storage) {
+        history.setUndoManager(&undo);
+        history.setSelectionKeeper(
+            {[this] { return selection; }, [this](TextSelection restored) { selection = restored; }});
+    }
+
+    std::u16string text() const { return storage.text().units(storage.text().fullRange()); }
+    void type(std::u16string_view units) {
+        for (const char16_t unit : units) {
+            history.type(SourceRange::empty(storage.text().size()), {&unit, 1});
+        }
+    }
+    void deleteBackward() {
+        const Offset size = storage.text().size();
+        history.type({size - 1, size}, u"");
+    }
+
+    TextStorage storage;
+    UndoManager undo;
+    TextHistory history;
+    TextSelection selection;
+};
+
+TEST(TextHistory, LeavesAGroupItsNameWithoutOneOfItsOwn) {
+    Document document(u"ab");
+    const TextEdit edit = TextEdit::insert(u"x", 1);
+    document.undo.beginUndoGroup();
+    document.undo.setActionName(QStringLiteral("Mover"));
+    document.history.apply({&edit, 1});
+    document.undo.endUndoGroup();
+    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Mover"));
+}
+
+TEST(TextHistory, TakesEditsInAnyOrderAndNestsInsertionsAtOneOffset) {
+    Document document(u"abcdef");
+    const std::vector<TextEdit> edits = {TextEdit::insert(u"</outer>", 3), TextEdit::deleteRange({5, 6}),
+                                         TextEdit::insert(u"</inner>", 3), TextEdit{{3, 4}, u"D"},
+                                         TextEdit::insert(u"!", 0)};
+    document.history.apply(edits);
+    EXPECT_EQ(document.text(), u"!abc</inner></outer>De");
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"abcdef");
+    document.undo.redo();
+    EXPECT_EQ(document.text(), u"!abc</inner></outer>De");
+}
+
+/// Types "ab", does `between`, types "cd", and counts the steps back to the first text.
+template <class Between>
+int stepsAround(Between between) {
+    Document document(u"1234");
+    document.type(u"ab");
+    between(document);
+    document.type(u"cd");
+    int steps = 0;
+    for (; document.undo.canUndo(); ++steps) {
+        document.undo.undo();
+    }
+    EXPECT_EQ(document.text(), u"1234");
+    for (int i = 0; i < steps; ++i) {
+        document.undo.redo();
+    }
+    EXPECT_TRUE(document.text().ends_with(u"cd"));
+    return steps;
+}
+
+TEST(TextHistory, JoinsWhatIsTypedInOneGo) {
+    EXPECT_EQ(stepsAround([](Document&) {}), 1);
+    EXPECT_EQ(stepsAround([](Document& document) { document.deleteBackward(); }), 1);
+    EXPECT_EQ(stepsAround([](Document& document) {
+                  for (int i = 0; i < 5; ++i) {
+                      document.deleteBackward();
+                  }
+              }),
+              1);
+    EXPECT_EQ(stepsAround([](Document& document) { document.undo.breakUndoCoalescing(); }), 2);
+    EXPECT_EQ(stepsAround([](Document& document) { document.undo.setClean(); }), 2);
+    EXPECT_EQ(stepsAround([](Document& document) { document.type(u"\n"); }), 3);
+    EXPECT_EQ(stepsAround([](Document& document) { document.history.type({0, 0}, u"x"); }), 3);
+    EXPECT_EQ(stepsAround([](Document& document) {
+                  document.history.apply(
+                      std::vector<TextEdit>{TextEdit::insert(u"x", document.storage.text().size())});
+              }),
+              3);
+    EXPECT_EQ(stepsAround([](Document& document) {
+                  document.undo.undo();
+                  document.undo.redo();
+              }),
+              2);
+}
+
+TEST(TextHistory, NamesTypingAndRestoresTheSavedState) {
+    Document document(u"");
+    document.type(u"ab");
+    document.undo.setClean();
+    document.type(u"c");
+    EXPECT_EQ(document.undo.undoMenuTitle(), QStringLiteral("Deshacer Escribir"));
+    EXPECT_FALSE(document.undo.isClean());
+    document.undo.undo();
+    EXPECT_TRUE(document.undo.isClean());
+    EXPECT_EQ(document.text(), u"ab");
+}
+
+TEST(TextHistory, GoesBackAndForthThroughAnyTyping) {
+    for (unsigned seed = 1; seed <= 100; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 engine(seed);
+        Document document(u"some text\nto type in\n");
+        const auto upTo = [&](Offset most) { return static_cast<Offset>(engine() % (most + 1)); };
+        for (int step = 0; step < 60; ++step) {
+            const Offset size = document.storage.text().size();
+            const Offset at = upTo(3) == 0 ? upTo(size) : size / 2;
+            const Offset end = std::min(size, at + (upTo(2) == 0 ? upTo(3) : 0));
+            document.history.type({at, end}, std::u16string(upTo(2), upTo(8) == 0 ? u'\n' : u'x'));
+        }
+        const std::u16string typed = document.text();
+        while (document.undo.canUndo()) {
+            document.undo.undo();
+        }
+        EXPECT_EQ(document.text(), u"some text\nto type in\n");
+        while (document.undo.canRedo()) {
+            document.undo.redo();
+        }
+        EXPECT_EQ(document.text(), typed);
+    }
+}
+
+} // namespace
