@@ -5,12 +5,19 @@
 #include <QKeyEvent>
 #include <QKeySequence>
 
+#include <algorithm>
+
 namespace {
 
 using StandardKey = QKeySequence::StandardKey;
 
 Offset lineStart(Offset caret, const Rope& text) { return text.lineStart(text.line(caret)); }
 Offset lineEnd(Offset caret, const Rope& text) { return TextNavigation::lineEnd(text.line(caret), text); }
+/// The end of the line, or beyond its line feed from there.
+Offset lineEndOrFeed(Offset caret, const Rope& text) {
+    const Offset end = lineEnd(caret, text);
+    return caret == end ? TextNavigation::nextCharacter(caret, text) : end;
+}
 Offset textStart(Offset, const Rope&) { return 0; }
 Offset textEnd(Offset, const Rope& text) { return text.size(); }
 
@@ -23,8 +30,10 @@ constexpr struct {
     {QKeySequence::MoveToPreviousChar, QKeySequence::SelectPreviousChar, TextNavigation::previousCharacter},
     {QKeySequence::MoveToNextWord, QKeySequence::SelectNextWord, TextNavigation::nextWord},
     {QKeySequence::MoveToPreviousWord, QKeySequence::SelectPreviousWord, TextNavigation::previousWord},
-    {QKeySequence::MoveToStartOfLine, QKeySequence::SelectStartOfLine, lineStart},
+    {QKeySequence::MoveToStartOfLine, QKeySequence::SelectStartOfLine, TextNavigation::lineHome},
     {QKeySequence::MoveToEndOfLine, QKeySequence::SelectEndOfLine, lineEnd},
+    {QKeySequence::MoveToStartOfBlock, QKeySequence::SelectStartOfBlock, lineStart},
+    {QKeySequence::MoveToEndOfBlock, QKeySequence::SelectEndOfBlock, lineEnd},
     {QKeySequence::MoveToStartOfDocument, QKeySequence::SelectStartOfDocument, textStart},
     {QKeySequence::MoveToEndOfDocument, QKeySequence::SelectEndOfDocument, textEnd},
 };
@@ -48,6 +57,13 @@ constexpr struct {
     {QKeySequence::Delete, TextNavigation::nextCharacter},
     {QKeySequence::DeleteStartOfWord, TextNavigation::previousWord},
     {QKeySequence::DeleteEndOfWord, TextNavigation::nextWord},
+    {QKeySequence::DeleteEndOfLine, lineEndOrFeed},
+};
+
+/// Done by the view itself.
+constexpr StandardKey commands[] = {
+    QKeySequence::Cut,       QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll,
+    QKeySequence::Deselect,  QKeySequence::Undo, QKeySequence::Redo,  QKeySequence::DeleteCompleteLine,
 };
 
 } // namespace
@@ -110,6 +126,15 @@ bool EditingKeys::isTyping(const QKeyEvent& event) {
     return !isCommand && !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate());
 }
 
+bool EditingKeys::isCompletion(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Space && event.modifiers() == Qt::ControlModifier;
+}
+
 bool EditingKeys::isEditingKey(const QKeyEvent& event) {
-    return isTyping(event) || erasure(event) != nullptr || motion(event) || lineMotion(event);
+    const auto isMeant = [&](StandardKey key) { return event.matches(key); };
+    const auto command = EditingKeys::command(event);
+    // Escape may be wanted elsewhere: whether the text has a use for it is known only when it comes.
+    return isTyping(event) || erasure(event) != nullptr || motion(event) || lineMotion(event) ||
+           (command && *command != TextCommand::cancelOperation) || isCompletion(event) ||
+           std::ranges::any_of(commands, isMeant);
 }

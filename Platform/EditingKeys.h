@@ -39,7 +39,10 @@ std::optional<TextCommand> command(const QKeyEvent& event);
 /// Whether the key inserts its own text.
 bool isTyping(const QKeyEvent& event);
 
-/// Whether the key does any of this, so that no shortcut should take it away from a text.
+/// Whether the key asks for completions of the word before the caret.
+bool isCompletion(const QKeyEvent& event);
+
+/// Whether the key does any of this or another thing that every text can do, such as copy, so that no shortcut should take it away from a text.
 bool isEditingKey(const QKeyEvent& event);
 
 } // namespace EditingKeys

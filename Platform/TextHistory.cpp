@@ -10,7 +10,6 @@
 namespace {
 
 constexpr std::size_t longestCopy = 1024; ///< Longer stretches are kept as shared chunks.
-constexpr qint64 longestPause = 2000;            ///< Milliseconds after which typing is a new step.
 
 bool isSpace(char16_t unit) { return QChar::isSpace(unit); }
 
@@ -43,10 +42,13 @@ void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionNa
     if (!actionName.isEmpty()) {
         m_undoManager->setActionName(actionName);
     }
-    registerOpposite(inverse(replacements), selection());
-    replace(replacements);
-    m_undoManager->endUndoGroup();
     breakUndoCoalescing();
+    const TextSelection before = selection();
+    Replacements opposite = inverse(replacements);
+    replace(replacements);
+    const TextSelection after = selectionAfter(opposite);
+    registerOpposite(std::move(opposite), {before, after});
+    m_undoManager->endUndoGroup();
 }
 
 void TextHistory::type(SourceRange range, std::u16string_view units) {
@@ -61,7 +63,7 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
     if (isPlain && canJoinTypingRun(range, units)) {
         growTypingRun(range, typed);
     } else if (m_undoManager != nullptr) {
-        m_typing = std::make_shared<TypingRun>(typed, text().part(range), selection());
+        m_typing = std::make_shared<TypingRun>(typed, text().part(range), selection(), units.empty());
         registerTypingRun();
     }
     if (!isPlain) {
@@ -78,7 +80,8 @@ void TextHistory::selectionMoved(TextSelection selection) {
 }
 
 bool TextHistory::canJoinTypingRun(SourceRange range, std::u16string_view units) const {
-    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() > longestPause ||
+    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() >= m_longestPause.count() ||
+        m_typing->isErasing != units.empty() ||
         m_typing->coalescingMark != m_undoManager->coalescingMark() ||
         range.lower > m_typing->range.upper || m_typing->range.upper > range.upper) {
         return false;
@@ -101,10 +104,12 @@ void TextHistory::growTypingRun(SourceRange range, SourceRange typed) {
 
 void TextHistory::registerTypingRun() {
     m_undoManager->beginUndoGroup();
-    m_undoManager->setActionName(QStringLiteral("Escribir"));
+    m_undoManager->setActionName(m_typing->isErasing ? QStringLiteral("Eliminar")
+                                                     : QStringLiteral("Escribir"));
     m_undoManager->registerUndo([self = QPointer(this), run = m_typing] {
         if (self != nullptr) {
-            self->replaceBack({Replacement(run->range, run->replaced)}, run->before);
+            self->replaceBack({Replacement(run->range, run->replaced)},
+                              {run->before, TextSelection::at(run->range.upper)});
         }
     });
     m_undoManager->endUndoGroup();
@@ -120,22 +125,32 @@ void TextHistory::replace(const Replacements& replacements) {
     m_storage.endEditing();
 }
 
-void TextHistory::registerOpposite(Replacements opposite, TextSelection selection) {
-    m_undoManager->registerUndo([self = QPointer(this), opposite = std::move(opposite), selection] {
+void TextHistory::registerOpposite(Replacements opposite, Selections selections) {
+    m_undoManager->registerUndo([self = QPointer(this), opposite = std::move(opposite), selections] {
         if (self != nullptr) {
-            self->replaceBack(opposite, selection);
+            self->replaceBack(opposite, selections);
         }
     });
 }
 
-void TextHistory::replaceBack(const Replacements& replacements, TextSelection selection) {
-    registerOpposite(inverse(replacements), this->selection());
+void TextHistory::replaceBack(const Replacements& replacements, Selections selections) {
+    registerOpposite(inverse(replacements), {selections.after, selections.before});
     m_storage.beginEditing();
     replace(replacements);
     if (m_selectionKeeper.restore) {
-        m_selectionKeeper.restore(selection);
+        m_selectionKeeper.restore(selections.before);
     }
     m_storage.endEditing();
+}
+
+TextSelection TextHistory::selectionAfter(const Replacements& opposite) const {
+    // Whoever made the edits may have selected what they are about; a caret somewhere else would not show
+    // what is redone.
+    const TextSelection now = selection();
+    const bool isThere = std::ranges::any_of(opposite, [&](const Replacement& each) {
+        return each.range.lower <= now.caret && now.caret <= each.range.upper;
+    });
+    return isThere ? now : TextSelection::at(opposite.front().range.upper);
 }
 
 TextHistory::Replacements TextHistory::inverse(const Replacements& of) const {

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <span>
@@ -48,10 +49,13 @@ public:
     /// open already keeps its own. What is typed afterwards is a new step.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
-    /// Replaces what the user types or erases at the caret. Joins the undo step "Escribir" before it as long
-    /// as nothing else happened since, the caret stayed where that step left it, no new word begins, there was
-    /// no pause, and neither holds a line feed.
+    /// Replaces what the user types or erases at the caret. Joins the undo step "Escribir", or "Eliminar" when
+    /// nothing is put in, before it as long as nothing else happened since, the caret stayed where that step
+    /// left it, no new word begins, there was no pause, and neither holds a line feed.
     void type(SourceRange range, std::u16string_view units);
+
+    /// A pause as long as this ends what is typed in one go; two seconds at first.
+    void setLongestPause(std::chrono::milliseconds pauseLength) { m_longestPause = pauseLength; }
 
     /// What is typed next is a new step.
     void breakUndoCoalescing() { m_typing.reset(); }
@@ -67,11 +71,18 @@ private:
     };
     using Replacements = std::vector<Replacement>;
 
+    /// What is selected once a step is undone, and once it is redone.
+    struct Selections {
+        TextSelection before;
+        TextSelection after;
+    };
+
     /// What was typed since the last break: the units of `range` stand in the place of `replaced`.
     struct TypingRun {
         SourceRange range;
         Rope replaced;
         TextSelection before;
+        bool isErasing = false; ///< Nothing was put in.
         std::uint64_t coalescingMark = 0;
     };
 
@@ -79,9 +90,10 @@ private:
     bool canJoinTypingRun(SourceRange range, std::u16string_view units) const;
     void growTypingRun(SourceRange range, SourceRange typed);
     void registerTypingRun();
-    void registerOpposite(Replacements opposite, TextSelection selection);
+    void registerOpposite(Replacements opposite, Selections selections);
     void replace(const Replacements& replacements);
-    void replaceBack(const Replacements& replacements, TextSelection selection);
+    void replaceBack(const Replacements& replacements, Selections selections);
+    TextSelection selectionAfter(const Replacements& opposite) const;
     Replacements inverse(const Replacements& of) const;
     TextSelection selection() const;
 
@@ -90,4 +102,5 @@ private:
     SelectionKeeper m_selectionKeeper;
     std::shared_ptr<TypingRun> m_typing; ///< Shared with its undo step; null when nothing was typed.
     QElapsedTimer m_sinceTyping;
+    std::chrono::milliseconds m_longestPause{2000};
 };

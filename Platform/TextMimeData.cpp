@@ -7,18 +7,16 @@
 namespace {
 
 const QString unitsType = QStringLiteral("application/x-tamo-utf16");
+const QString plainType = QStringLiteral("text/plain");
 
 } // namespace
 
-std::unique_ptr<QMimeData> TextMimeData::make(std::u16string_view units) {
-    auto data = std::make_unique<QMimeData>();
-    data->setText(QString::fromStdU16String(repaired(units)));
-    data->setData(unitsType, QByteArray(reinterpret_cast<const char*>(units.data()),
-                                        static_cast<qsizetype>(units.size() * sizeof(char16_t))));
-    return data;
-}
+bool TextMimeData::hasUnits(const QMimeData& data) { return data.hasFormat(unitsType) || data.hasText(); }
 
 std::u16string TextMimeData::units(const QMimeData& data) {
+    if (const auto* own = qobject_cast<const TextMimeData*>(&data)) {
+        return own->m_text.units(own->m_text.fullRange());
+    }
     if (!data.hasFormat(unitsType)) {
         return data.text().toStdU16String();
     }
@@ -26,4 +24,21 @@ std::u16string TextMimeData::units(const QMimeData& data) {
     std::u16string units(static_cast<std::size_t>(bytes.size()) / sizeof(char16_t), u'\0');
     std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
     return units;
+}
+
+QStringList TextMimeData::formats() const { return {unitsType, plainType}; }
+
+bool TextMimeData::hasFormat(const QString& type) const { return formats().contains(type); }
+
+QVariant TextMimeData::retrieveData(const QString& type, QMetaType wanted) const {
+    const std::u16string units = m_text.units(m_text.fullRange());
+    if (type == plainType) {
+        const QString plain = QString::fromStdU16String(repaired(units));
+        return wanted.id() == QMetaType::QByteArray ? QVariant(plain.toUtf8()) : QVariant(plain);
+    }
+    if (type == unitsType) {
+        return QByteArray(reinterpret_cast<const char*>(units.data()),
+                          static_cast<qsizetype>(units.size() * sizeof(char16_t)));
+    }
+    return {};
 }

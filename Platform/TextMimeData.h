@@ -1,18 +1,34 @@
 #pragma once
 
+#include "Rope.h"
+
 #include <QMimeData>
 
-#include <memory>
 #include <string>
-#include <string_view>
 
-/// Text on its way through the clipboard. Beside plain text for other programs it carries the units as they
-/// are, since plain text loses NUL and lone surrogates.
-namespace TextMimeData {
+/// Text on its way through the clipboard or to where it is dropped, turned into bytes only when somebody asks
+/// for them. Beside plain text for other programs it offers the units as they are, since plain text loses
+/// lone surrogates.
+class TextMimeData : public QMimeData {
+    Q_OBJECT
 
-std::unique_ptr<QMimeData> make(std::u16string_view units);
+public:
+    explicit TextMimeData(Rope text) : m_text(std::move(text)) {}
 
-/// The text that `data` carries; empty when it carries none.
-std::u16string units(const QMimeData& data);
+    const Rope& rope() const { return m_text; }
 
-} // namespace TextMimeData
+    /// Whether `data` carries text.
+    static bool hasUnits(const QMimeData& data);
+
+    /// The text that `data` carries; empty when it carries none.
+    static std::u16string units(const QMimeData& data);
+
+    QStringList formats() const override;
+    bool hasFormat(const QString& type) const override;
+
+protected:
+    QVariant retrieveData(const QString& type, QMetaType wanted) const override;
+
+private:
+    Rope m_text;
+};

@@ -10,6 +10,7 @@ namespace {
 
 /// How many units around a caret are looked at.
 constexpr Offset reach = 256;
+constexpr Offset deepestIndentation = 4096;
 
 enum class Class : std::uint8_t { space, lineEnd, word, punctuation };
 
@@ -120,6 +121,32 @@ Offset TextNavigation::lineEnd(std::size_t ofLine, const Rope& in) {
     const SourceRange line = in.lineRange(ofLine);
     const bool hasLineFeed = line.upper < in.size();
     return hasLineFeed && !line.isEmpty() && in.unit(line.upper - 1) == u'\r' ? line.upper - 1 : line.upper;
+}
+
+Offset TextNavigation::lineHome(Offset caret, const Rope& in) {
+    const std::size_t line = in.line(caret);
+    const Offset start = in.lineStart(line);
+    const Offset end = lineEnd(line, in);
+    const std::u16string units =
+        in.units(SourceRange::unchecked(start, start + std::min(end - start, deepestIndentation)));
+    const std::size_t blanks = units.find_first_not_of(u" \t");
+    const Offset first = blanks != std::u16string::npos ? start + static_cast<Offset>(blanks)
+                         : end - start < deepestIndentation ? end
+                                                            : start;
+    return caret == first ? start : first;
+}
+
+SourceRange TextNavigation::partialWord(Offset caret, const Rope& in) {
+    const SourceRange behind = before(caret);
+    const std::u16string units = in.units(behind);
+    const auto isPart = [](char16_t unit) {
+        return classOf(unit) == Class::word || unit == u'-' || unit == u'.' || unit == u':';
+    };
+    std::size_t start = units.size();
+    while (start > 0 && isPart(units[start - 1])) {
+        --start;
+    }
+    return SourceRange::unchecked(behind.lower + static_cast<Offset>(start), caret);
 }
 
 std::u16string_view TextNavigation::lineEnding(const Rope& of) {

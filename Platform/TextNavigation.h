@@ -28,6 +28,14 @@ SourceRange word(Offset at, const Rope& in);
 /// The end of a line as a caret sees it: before the LF or the CR LF that ends it.
 Offset lineEnd(std::size_t ofLine, const Rope& in);
 
+/// Where the start of a line is to a caret: before its first character that is not blank, or at its very start
+/// for a caret that is there already, or when more than some thousand blanks come first.
+Offset lineHome(Offset caret, const Rope& in);
+
+/// The part of a word that ends at `caret`, as far as something may complete it: letters, digits, and the
+/// hyphens, dots, colons and low lines that join them in names.
+SourceRange partialWord(Offset caret, const Rope& in);
+
 /// "\r\n" when the first line ends in it, otherwise "\n".
 std::u16string_view lineEnding(const Rope& of);
 

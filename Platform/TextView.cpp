@@ -245,7 +245,7 @@ void TextView::cut() {
 
 void TextView::copy() const {
     if (!selection().isEmpty()) {
-        QApplication::clipboard()->setMimeData(TextMimeData::make(text().units(selection())).release());
+        QApplication::clipboard()->setMimeData(new TextMimeData(text().part(selection())));
     }
 }
 
@@ -269,7 +269,7 @@ bool TextView::event(QEvent* event) {
 }
 
 void TextView::keyPressEvent(QKeyEvent* event) {
-    if (!handleMove(*event) && !handleErasure(*event) && !handleClipboard(*event) && !handleCommand(*event)) {
+    if (!handleMove(*event) && !handleErasure(*event) && !handleStandardKey(*event) && !handleCommand(*event)) {
         if (EditingKeys::isTyping(*event)) {
             insertText(unitsOf(event->text()));
         } else {
@@ -281,7 +281,15 @@ void TextView::keyPressEvent(QKeyEvent* event) {
 bool TextView::handleMove(const QKeyEvent& event) {
     const auto anchor = [](bool selects) { return selects ? Anchor::stays : Anchor::moves; };
     if (const auto motion = EditingKeys::motion(event)) {
-        moveTo(motion->target(caret(), text()), anchor(motion->selects));
+        const bool isStep = motion->target == TextNavigation::nextCharacter ||
+                            motion->target == TextNavigation::previousCharacter;
+        if (isStep && !motion->selects && !selection().isEmpty()) {
+            // A step out of what is selected ends at its side.
+            const bool goesOn = motion->target == TextNavigation::nextCharacter;
+            moveTo(goesOn ? selection().upper : selection().lower, Anchor::moves);
+        } else {
+            moveTo(motion->target(caret(), text()), anchor(motion->selects));
+        }
     } else if (const auto lineMotion = EditingKeys::lineMotion(event)) {
         const int page = std::max(1, viewport()->height() / lineHeight() - 1);
         moveByLines(lineMotion->lines + lineMotion->pages * page, anchor(lineMotion->selects));
@@ -295,23 +303,36 @@ bool TextView::handleErasure(const QKeyEvent& event) {
     const auto target = EditingKeys::erasure(event);
     if (target != nullptr) {
         erase(target(caret(), text()));
+    } else if (event.matches(QKeySequence::DeleteCompleteLine)) {
+        type(DragSelection(caret(), DragSelection::Granularity::line, text()).selection(caret(), text()).range(),
+             {});
+    } else {
+        return false;
     }
-    return target != nullptr;
+    return true;
 }
 
-bool TextView::handleClipboard(const QKeyEvent& event) {
-    if (event.matches(QKeySequence::Cut)) {
-        cut();
-    } else if (event.matches(QKeySequence::Copy)) {
+bool TextView::handleStandardKey(const QKeyEvent& event) {
+    using Operation = void (TextView::*)();
+    static constexpr std::pair<QKeySequence::StandardKey, Operation> operations[] = {
+        {QKeySequence::Cut, &TextView::cut},
+        {QKeySequence::Paste, &TextView::paste},
+        {QKeySequence::SelectAll, &TextView::selectAll},
+        {QKeySequence::Undo, &TextView::undo},
+        {QKeySequence::Redo, &TextView::redo},
+    };
+    for (const auto& [key, operation] : operations) {
+        if (event.matches(key)) {
+            (this->*operation)();
+            return true;
+        }
+    }
+    if (event.matches(QKeySequence::Copy)) {
         copy();
-    } else if (event.matches(QKeySequence::Paste)) {
-        paste();
-    } else if (event.matches(QKeySequence::SelectAll)) {
-        selectAll();
-    } else if (event.matches(QKeySequence::Undo)) {
-        undo();
-    } else if (event.matches(QKeySequence::Redo)) {
-        redo();
+    } else if (event.matches(QKeySequence::Deselect)) {
+        moveTo(caret(), Anchor::moves);
+    } else if (EditingKeys::isCompletion(event)) {
+        complete();
     } else {
         return false;
     }

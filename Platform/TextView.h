@@ -169,9 +169,8 @@ private:
     void erase(Offset to);
     bool handleMove(const QKeyEvent& event);
     bool handleErasure(const QKeyEvent& event);
-    bool handleClipboard(const QKeyEvent& event);
+    bool handleStandardKey(const QKeyEvent& event);
     bool handleCommand(const QKeyEvent& event);
-    void doCommand(TextCommand command);
 
     // The mouse
     void press(QMouseEvent& event, int clicks);

@@ -92,3 +92,37 @@ TEST(EditingKeys, KeepsEditingFromShortcutsAndLeavesTheRest) {
     EXPECT_FALSE(EditingKeys::isEditingKey(press(Qt::Key_S, Qt::ControlModifier)));
     EXPECT_FALSE(EditingKeys::isEditingKey(press(Qt::Key_F1)));
 }
+
+TEST(EditingKeys, TellsCommandsThatADelegateMayWant) {
+    const struct {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        std::optional<TextCommand> command;
+    } rows[] = {
+        {Qt::Key_Tab, Qt::NoModifier, TextCommand::insertTab},
+        {Qt::Key_Backtab, Qt::ShiftModifier, TextCommand::insertBacktab},
+        {Qt::Key_Tab, Qt::ShiftModifier, TextCommand::insertBacktab},
+        {Qt::Key_Tab, Qt::ControlModifier, std::nullopt},
+        {Qt::Key_Return, Qt::NoModifier, TextCommand::insertNewline},
+        {Qt::Key_Enter, Qt::KeypadModifier, TextCommand::insertNewline},
+        {Qt::Key_Return, Qt::ShiftModifier, TextCommand::insertNewline},
+        {Qt::Key_Return, Qt::AltModifier, std::nullopt},
+        {Qt::Key_Escape, Qt::NoModifier, TextCommand::cancelOperation},
+        {Qt::Key_A, Qt::NoModifier, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(EditingKeys::command(press(row.key, row.modifiers)), row.command) << row.key;
+    }
+}
+
+TEST(EditingKeys, LeavesNoEditingKeyToShortcuts) {
+    for (const Qt::Key key : {Qt::Key_C, Qt::Key_X, Qt::Key_V, Qt::Key_A, Qt::Key_Z, Qt::Key_Space}) {
+        EXPECT_TRUE(EditingKeys::isEditingKey(press(key, Qt::ControlModifier))) << key;
+    }
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Return, Qt::Key_Up, Qt::Key_Delete}) {
+        EXPECT_TRUE(EditingKeys::isEditingKey(press(key))) << key;
+    }
+    EXPECT_FALSE(EditingKeys::isEditingKey(press(Qt::Key_Escape)));
+    EXPECT_FALSE(EditingKeys::isEditingKey(press(Qt::Key_S, Qt::ControlModifier)));
+    EXPECT_FALSE(EditingKeys::isEditingKey(press(Qt::Key_F3)));
+}

@@ -80,16 +80,15 @@ int stepsAround(Between between) {
 
 TEST(TextHistory, JoinsWhatIsTypedInOneGo) {
     EXPECT_EQ(stepsAround([](Document&) {}), 1);
-    EXPECT_EQ(stepsAround([](Document& document) { document.deleteBackward(); }), 1);
-    EXPECT_EQ(stepsAround([](Document& document) {
-                  for (int i = 0; i < 5; ++i) {
-                      document.deleteBackward();
-                  }
-              }),
-              1);
     EXPECT_EQ(stepsAround([](Document& document) { document.undo.breakUndoCoalescing(); }), 2);
     EXPECT_EQ(stepsAround([](Document& document) { document.undo.setClean(); }), 2);
     EXPECT_EQ(stepsAround([](Document& document) { document.type(u"\n"); }), 3);
+    EXPECT_EQ(stepsAround([](Document& document) { document.type(u" "); }), 2);
+    EXPECT_EQ(stepsAround([](Document& document) { document.history.breakUndoCoalescing(); }), 2);
+    EXPECT_EQ(stepsAround([](Document& document) { document.history.selectionMoved(TextSelection::at(1)); }),
+              2);
+    EXPECT_EQ(stepsAround([](Document& document) { document.history.selectionMoved(TextSelection::at(6)); }),
+              1);
     EXPECT_EQ(stepsAround([](Document& document) { document.history.type({0, 0}, u"x"); }), 3);
     EXPECT_EQ(stepsAround([](Document& document) {
                   document.history.apply(
@@ -101,6 +100,52 @@ TEST(TextHistory, JoinsWhatIsTypedInOneGo) {
                   document.undo.redo();
               }),
               2);
+}
+
+TEST(TextHistory, KeepsErasingApartFromTyping) {
+    EXPECT_EQ(stepsAround([](Document& document) { document.deleteBackward(); }), 3);
+    EXPECT_EQ(stepsAround([](Document& document) {
+                  for (int i = 0; i < 5; ++i) {
+                      document.deleteBackward();
+                  }
+              }),
+              3);
+    Document document(u"abcd");
+    document.deleteBackward();
+    document.deleteBackward();
+    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Eliminar"));
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"abcd");
+    EXPECT_FALSE(document.undo.canUndo());
+}
+
+TEST(TextHistory, EndsAWordAtAPause) {
+    Document document(u"");
+    document.history.setLongestPause(std::chrono::milliseconds(0));
+    document.type(u"ab");
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"a");
+}
+
+TEST(TextHistory, PutsTheSelectionBackAndTheCaretAfterWhatIsRedone) {
+    Document document(u"uno dos");
+    document.selection = {4, 7};
+    document.history.type({4, 7}, u"x");
+    document.selection = TextSelection::at(0);
+    document.undo.undo();
+    EXPECT_EQ(document.selection, (TextSelection{4, 7}));
+    document.undo.redo();
+    EXPECT_EQ(document.selection, TextSelection::at(5));
+    document.selection = TextSelection::at(1);
+    document.undo.undo();
+    EXPECT_EQ(document.selection, (TextSelection{4, 7}));
+
+    document.selection = TextSelection::at(7);
+    document.history.apply(std::vector<TextEdit>{TextEdit::insert(u"<", 0), TextEdit::insert(u">>", 3)});
+    document.undo.undo();
+    EXPECT_EQ(document.selection, TextSelection::at(7));
+    document.undo.redo();
+    EXPECT_EQ(document.selection, TextSelection::at(6));
 }
 
 TEST(TextHistory, NamesTypingAndRestoresTheSavedState) {

@@ -110,3 +110,22 @@ TEST(TextNavigation, TakesTheLineEndingOfTheFirstLine) {
     EXPECT_EQ(TextNavigation::lineEnding(Rope(u"a\r")), u"\n");
     EXPECT_EQ(TextNavigation::lineEnding(Rope()), u"\n");
 }
+TEST(TextNavigation, GoesHomeToTheFirstCharacterAndThenToTheStart) {
+    const Rope text(u"a\n  \tb c\n   \nd");
+    const struct {
+        Offset caret, home;
+    } rows[] = {{0, 0}, {1, 0}, {2, 5}, {3, 5}, {5, 2}, {8, 5}, {9, 12}, {12, 9}, {13, 13}, {14, 13}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(TextNavigation::lineHome(row.caret, text), row.home) << row.caret;
+    }
+    const Rope blanks(std::u16string(100'000, u' '));
+    EXPECT_EQ(TextNavigation::lineHome(50'000, blanks), 0U);
+}
+
+TEST(TextNavigation, TakesNamesForPartialWords) {
+    const Rope text(u"<xs:ele-1.b a=\"");
+    EXPECT_EQ(TextNavigation::partialWord(11, text), SourceRange(1, 11));
+    EXPECT_EQ(TextNavigation::partialWord(1, text), SourceRange(1, 1));
+    EXPECT_EQ(TextNavigation::partialWord(13, text), SourceRange(12, 13));
+    EXPECT_EQ(TextNavigation::partialWord(15, text), SourceRange(15, 15));
+}

@@ -71,7 +71,7 @@ TEST(TextView, MovesAndSelectsByKeys) {
     desk.press(Qt::Key_End, Qt::ShiftModifier);
     EXPECT_EQ(desk.shown(), u"uno\ndos[ más]\ntres");
     desk.press(Qt::Key_Left);
-    EXPECT_EQ(desk.shown(), u"uno\ndos má|s\ntres");
+    EXPECT_EQ(desk.shown(), u"uno\ndos| más\ntres");
     desk.press(Qt::Key_End, Qt::ControlModifier);
     EXPECT_EQ(desk.shown(), u"uno\ndos más\ntres|");
     desk.press(Qt::Key_Home, Qt::ControlModifier | Qt::ShiftModifier);
