@@ -1,12 +1,19 @@
 #include "TextView.h"
 
+#include "CompletionPopup.h"
 #include "EditingKeys.h"
+#include "TextContextMenu.h"
+#include "TextInputMethod.h"
 #include "TextMarks.h"
 #include "TextMimeData.h"
+#include "TextMove.h"
 #include "TextNavigation.h"
+#include "TextViewAccessible.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDrag>
 #include <QFontDatabase>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -14,6 +21,8 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
+#include <QStyleHints>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -31,7 +40,7 @@ std::u16string_view unitsOf(const QString& string) {
 
 /// Where `at` is after a replacement: before it or at its start it stays, inside it goes to the end, behind
 /// it moves along. `edited` is the replaced range, `length` the number of units now in its place.
-Offset carried(Offset at, SourceRange edited, Offset length) {
+Offset carriedAlong(Offset at, SourceRange edited, Offset length) {
     if (at >= edited.upper) {
         return at - edited.length() + length;
     }
@@ -39,13 +48,18 @@ Offset carried(Offset at, SourceRange edited, Offset length) {
 }
 
 /// The same of a selection, which does not grow by what is put in at its end.
-TextSelection carried(TextSelection selection, SourceRange edited, Offset length) {
+TextSelection carriedAlong(TextSelection selection, SourceRange edited, Offset length) {
     const bool keepsEnd =
         !selection.isEmpty() && edited.isEmpty() && edited.lower == selection.range().upper;
     const auto bound = [&](Offset at) {
-        return keepsEnd && at == edited.lower ? at : carried(at, edited, length);
+        return keepsEnd && at == edited.lower ? at : carriedAlong(at, edited, length);
     };
     return {bound(selection.anchor), bound(selection.caret)};
+}
+
+bool hasFiles(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    return std::ranges::any_of(urls, &QUrl::isLocalFile);
 }
 
 TextSelection clamped(TextSelection selection, Offset size) {
@@ -56,12 +70,16 @@ TextSelection clamped(TextSelection selection, Offset size) {
 
 TextView::TextView(QWidget* parent)
     : QAbstractScrollArea(parent), m_vertical(*verticalScrollBar()), m_horizontal(*horizontalScrollBar()) {
+    TextViewAccessible::install();
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
+    setInputMethodHints(Qt::ImhMultiLine | Qt::ImhNoAutoUppercase | Qt::ImhNoPredictiveText);
+    setAcceptDrops(true);
     setFrameShape(QFrame::NoFrame);
     viewport()->setCursor(Qt::IBeamCursor);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setMouseTracking(true);
     connect(&m_blinker, &CaretBlinker::toggled, this, &TextView::updateCaret);
     updateFont();
 }
@@ -98,10 +116,15 @@ void TextView::followEdit(SourceRange edited, std::int64_t changeInLength) {
     const auto linesBefore = static_cast<qint64>(text().lineCount());
     const std::size_t first = text().line(edited.lower);
     const SourceRange replaced = {edited.lower, edited.upper - changeInLength};
+    const Rope before = text();
 
     m_layout.edit(m_history->text(), edited, changeInLength);
     m_isInBatch = true;
-    m_selection = carried(m_selection, replaced, edited.length());
+    m_selection = carriedAlong(m_selection, replaced, edited.length());
+    if (m_carried) {
+        m_carried = carriedAlong(TextSelection::of(*m_carried), replaced, edited.length()).range();
+    }
+    TextViewAccessible::announceEdit(*this, before, replaced, edited.length(), text());
 
     const qint64 moreLines = static_cast<qint64>(text().lineCount()) - linesBefore;
     if (isAbove && moreLines != 0) {
@@ -130,6 +153,9 @@ void TextView::finishBatch() {
     }
     announceSelection();
     visibleTextMoved();
+    if (m_completions != nullptr && m_completions->isVisible()) {
+        offerCompletions();
+    }
 }
 
 void TextView::restoreSelection(TextSelection selection) {
@@ -148,13 +174,19 @@ void TextView::select(TextSelection selection) { setSelection(clamped(selection,
 
 void TextView::setSelection(TextSelection selection) {
     m_selection = selection;
-    if (!m_isInBatch) {
-        announceSelection();
+    if (m_isInBatch) {
+        return;
     }
+    if (m_completions != nullptr) {
+        m_completions->hide();
+    }
+    announceSelection();
 }
 
 void TextView::announceSelection() {
-    m_blinker.isOn() || hasFocus() ? m_blinker.start() : void();
+    if (hasFocus()) {
+        m_blinker.start();
+    }
     const TextSelection before = std::exchange(m_announcedSelection, m_selection);
     if (before == m_selection) {
         return;
@@ -168,17 +200,24 @@ void TextView::announceSelection() {
         updateLines(text().line(range.lower), text().line(range.upper) + 1);
     }
     QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
+    TextViewAccessible::announceCaret(*this);
     if (m_delegate != nullptr) {
         m_delegate->selectionDidChange();
     }
     emit selectionChanged();
 }
 
-void TextView::selectAll() { select(text().fullRange()); }
+void TextView::selectAll() {
+    select(text().fullRange());
+    ownPrimarySelection();
+}
 
 void TextView::moveTo(Offset caret, Anchor anchor) {
     setSelection({anchor == Anchor::stays ? m_selection.anchor : caret, caret});
     showCaret();
+    if (anchor == Anchor::stays) {
+        ownPrimarySelection();
+    }
 }
 
 void TextView::moveByLines(std::int64_t lines, Anchor anchor) {
@@ -255,7 +294,29 @@ void TextView::paste() {
     }
 }
 
-void TextView::complete() {}
+void TextView::eraseSelection() { type(selection(), {}); }
+
+// Completion
+
+void TextView::complete() {
+    if (m_completions == nullptr) {
+        m_completions = new CompletionPopup(this);
+        connect(m_completions, &CompletionPopup::chosen, this, &TextView::acceptCompletion);
+    }
+    offerCompletions();
+}
+
+void TextView::offerCompletions() {
+    const QStringList words = m_delegate != nullptr && selection().isEmpty()
+                                  ? m_delegate->completions(TextNavigation::partialWord(caret(), text()))
+                                  : QStringList();
+    const QRect place = caretRect().toAlignedRect();
+    m_completions->offer(words, {viewport()->mapToGlobal(place.topLeft()), place.size()});
+}
+
+void TextView::acceptCompletion(const QString& word) {
+    replace(TextNavigation::partialWord(caret(), text()), unitsOf(word), QStringLiteral("Completar"));
+}
 
 // Keys
 
@@ -269,6 +330,9 @@ bool TextView::event(QEvent* event) {
 }
 
 void TextView::keyPressEvent(QKeyEvent* event) {
+    if (m_completions != nullptr && m_completions->handleKey(*event)) {
+        return;
+    }
     if (!handleMove(*event) && !handleErasure(*event) && !handleStandardKey(*event) && !handleCommand(*event)) {
         if (EditingKeys::isTyping(*event)) {
             insertText(unitsOf(event->text()));
@@ -362,37 +426,49 @@ bool TextView::handleCommand(const QKeyEvent& event) {
     return false;
 }
 
-void TextView::inputMethodEvent(QInputMethodEvent* event) {
-    const bool wasComposing = m_hasMarkedText;
-    m_layout.setPreedit(caret(), {});
-    if (event->replacementLength() > 0) {
-        const std::int64_t start = std::int64_t(caret()) + event->replacementStart();
-        const auto inside = [this](std::int64_t at) { return std::clamp<std::int64_t>(at, 0, text().size()); };
-        select(SourceRange(inside(start), inside(start + event->replacementLength())));
-    }
-    m_hasMarkedText = wasComposing || !event->preeditString().isEmpty();
-    if (!event->commitString().isEmpty() || event->replacementLength() > 0) {
-        insertText(unitsOf(event->commitString()));
-    }
-    m_hasMarkedText = !event->preeditString().isEmpty();
-    m_layout.setPreedit(caret(), {event->preeditString(), {}, static_cast<int>(event->preeditString().size())});
-    const std::size_t line = text().line(caret());
-    updateLines(line, line + 1);
-    event->accept();
-}
+// Input methods
 
 bool TextView::hasMarkedText() const { return m_hasMarkedText; }
+
+void TextView::inputMethodEvent(QInputMethodEvent* event) {
+    const SourceRange replaced = TextInputMethod::replacedRange(*event, caret(), text());
+    const bool isComposing = !event->preeditString().isEmpty();
+    // What ends the composing belongs to it still.
+    m_hasMarkedText = m_hasMarkedText || isComposing;
+    m_layout.setPreedit(caret(), {});
+    if (!replaced.isEmpty()) {
+        type(replaced, unitsOf(event->commitString()));
+    } else if (isComposing || !event->commitString().isEmpty()) {
+        insertText(unitsOf(event->commitString()));
+    }
+    m_hasMarkedText = isComposing;
+    if (const auto wanted = TextInputMethod::wantedSelection(*event, caret(), text())) {
+        select(*wanted);
+    }
+    m_layout.setPreedit(caret(), TextInputMethod::preedit(*event));
+    updateLines(text().line(caret()), text().line(caret()) + 1);
+    if (hasFocus()) {
+        m_blinker.start();
+    }
+    QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
+    event->accept();
+}
 
 QVariant TextView::inputMethodQuery(Qt::InputMethodQuery query) const {
     switch (query) {
     case Qt::ImEnabled:
-        return true;
+        return m_history != nullptr;
+    case Qt::ImHints:
+        return static_cast<int>(inputMethodHints());
     case Qt::ImCursorRectangle:
         return caretRect().translated(viewport()->pos());
+    case Qt::ImAnchorRectangle:
+        return caretRect(m_selection.anchor).translated(viewport()->pos());
     case Qt::ImFont:
         return font();
     default:
-        return QAbstractScrollArea::inputMethodQuery(query);
+        const QVariant answer = TextInputMethod::answer(query, m_selection, text());
+        return answer.isValid() ? answer : QAbstractScrollArea::inputMethodQuery(query);
     }
 }
 
@@ -404,6 +480,9 @@ void TextView::focusInEvent(QFocusEvent* event) {
 void TextView::focusOutEvent(QFocusEvent* event) {
     QAbstractScrollArea::focusOutEvent(event);
     m_blinker.stop();
+    if (m_completions != nullptr) {
+        m_completions->hide();
+    }
 }
 
 // The mouse
@@ -416,27 +495,42 @@ void TextView::press(QMouseEvent& event, int clicks) {
     if (event.button() != Qt::LeftButton) {
         return;
     }
+    QGuiApplication::inputMethod()->commit();
+    m_dragPosition = event.position();
+    const bool extends = event.modifiers().testFlag(Qt::ShiftModifier) && clicks == 1;
+    m_isPressedOnSelection = clicks == 1 && !extends && isOnSelection(event.position());
+    if (m_isPressedOnSelection) {
+        return; // To be carried away, or else to go with the release.
+    }
     const auto granularity = DragSelection::granularity(clicks);
     const Offset at = offset(event.position());
-    const bool extends = event.modifiers().testFlag(Qt::ShiftModifier) && clicks == 1;
     m_drag = extends ? DragSelection::extending(m_selection, granularity, text())
                      : DragSelection(at, granularity, text());
-    m_dragPosition = event.position();
     setSelection(m_drag->selection(at, text()));
     if (clicks == 1) {
         showCaret();
     }
 }
 
+bool TextView::isOnSelection(QPointF position) const {
+    const std::size_t under = line(position.y());
+    const QPointF place = position - origin(under);
+    const auto holds = [&](const QRectF& box) { return box.contains(place); };
+    return !selection().isEmpty() && std::ranges::any_of(m_layout.boxes(selection(), under), holds);
+}
+
 void TextView::mouseMoveEvent(QMouseEvent* event) {
-    if (!m_drag) {
-        return;
-    }
-    dragTo(event->position());
-    if (viewport()->rect().contains(event->position().toPoint())) {
-        m_dragScrolling.stop();
-    } else if (!m_dragScrolling.isActive()) {
-        m_dragScrolling.start(dragScrollInterval, this);
+    if (m_isPressedOnSelection) {
+        const double distance = (event->position() - m_dragPosition).manhattanLength();
+        if (distance >= QGuiApplication::styleHints()->startDragDistance()) {
+            m_isPressedOnSelection = false;
+            dragSelection();
+        }
+    } else if (m_drag) {
+        dragTo(event->position());
+        scrollAlong(event->position());
+    } else {
+        viewport()->setCursor(isOnSelection(event->position()) ? Qt::ArrowCursor : Qt::IBeamCursor);
     }
 }
 
@@ -446,9 +540,12 @@ void TextView::dragTo(QPointF position) {
     showCaret();
 }
 
-void TextView::mouseReleaseEvent(QMouseEvent*) {
-    m_drag.reset();
-    m_dragScrolling.stop();
+void TextView::scrollAlong(QPointF position) {
+    if (viewport()->rect().contains(position.toPoint())) {
+        m_dragScrolling.stop();
+    } else if (!m_dragScrolling.isActive()) {
+        m_dragScrolling.start(dragScrollInterval, this);
+    }
 }
 
 void TextView::timerEvent(QTimerEvent* event) {
@@ -457,7 +554,148 @@ void TextView::timerEvent(QTimerEvent* event) {
     }
 }
 
-bool TextView::viewportEvent(QEvent* event) { return QAbstractScrollArea::viewportEvent(event); }
+void TextView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton) {
+        pastePrimarySelection(event->position());
+    } else if (event->button() == Qt::LeftButton) {
+        if (std::exchange(m_isPressedOnSelection, false)) {
+            setSelection(TextSelection::at(offset(event->position())));
+        }
+        m_drag.reset();
+        m_dragScrolling.stop();
+        ownPrimarySelection();
+    }
+}
+
+void TextView::ownPrimarySelection() const {
+    if (QApplication::clipboard()->supportsSelection() && !selection().isEmpty() && !m_drag) {
+        QApplication::clipboard()->setMimeData(new TextMimeData(text().part(selection())),
+                                               QClipboard::Selection);
+    }
+}
+
+void TextView::pastePrimarySelection(QPointF position) {
+    const QMimeData* selected = QApplication::clipboard()->supportsSelection()
+                                    ? QApplication::clipboard()->mimeData(QClipboard::Selection)
+                                    : nullptr;
+    if (selected != nullptr) {
+        replace(SourceRange::empty(offset(position)), TextMimeData::units(*selected),
+                QStringLiteral("Pegar"));
+    }
+}
+
+void TextView::contextMenuEvent(QContextMenuEvent* event) {
+    const bool isByMouse = event->reason() == QContextMenuEvent::Mouse;
+    if (isByMouse && !isOnSelection(event->pos())) {
+        setSelection(TextSelection::at(offset(event->pos())));
+    }
+    auto* menu = new TextContextMenu(*this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (m_delegate != nullptr) {
+        m_delegate->contextMenuWillOpen(*menu, isByMouse ? offset(event->pos()) : caret());
+    }
+    const QPoint below = viewport()->mapToGlobal(caretRect().bottomLeft().toPoint());
+    menu->popup(isByMouse ? event->globalPos() : below);
+    event->accept();
+}
+
+bool TextView::viewportEvent(QEvent* event) {
+    return event->type() == QEvent::ToolTip ? showToolTip(*static_cast<QHelpEvent*>(event))
+                                            : QAbstractScrollArea::viewportEvent(event);
+}
+
+bool TextView::showToolTip(const QHelpEvent& event) {
+    const std::size_t under = line(event.pos().y());
+    const Offset end = TextNavigation::lineEnd(under, text());
+    const bool isOnText = lineRect(under).contains(event.pos()) && event.pos().x() < caretRect(end).left();
+    const QString told =
+        m_delegate != nullptr && isOnText ? m_delegate->toolTip(offset(event.pos())) : QString();
+    // A text that looked like marked-up text would be shown as such.
+    const QString plain = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(told.toHtmlEscaped());
+    QToolTip::showText(event.globalPos(), told.isEmpty() ? told : plain, viewport());
+    return true;
+}
+
+// Dragging and dropping
+
+void TextView::dragSelection() {
+    m_carried = selection();
+    const Qt::DropAction action = carry(new TextMimeData(text().part(selection())));
+    // Taken along by another view or program; within this view the drop has moved it already.
+    const auto left = std::exchange(m_carried, std::nullopt);
+    if (action == Qt::MoveAction && left) {
+        replace(*left, {}, QStringLiteral("Mover texto"));
+    }
+    showDropCaret(std::nullopt);
+}
+
+Qt::DropAction TextView::carry(QMimeData* text) {
+    auto* drag = new QDrag(this);
+    drag->setMimeData(text);
+    return drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+}
+
+void TextView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+
+void TextView::dragMoveEvent(QDragMoveEvent* event) {
+    const bool hasText = TextMimeData::hasUnits(*event->mimeData());
+    const bool areFiles = hasFiles(*event->mimeData());
+    if (m_history == nullptr || !(hasText || areFiles)) {
+        event->ignore();
+        return;
+    }
+    if (areFiles) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        return;
+    }
+    event->acceptProposedAction();
+    showDropCaret(offset(event->position()));
+    // Near its edges the view moves on, to where nobody could drop otherwise.
+    scrollToVisible(SourceRange::empty(*m_dropAt));
+}
+
+void TextView::dragLeaveEvent(QDragLeaveEvent*) { showDropCaret(std::nullopt); }
+
+void TextView::dropEvent(QDropEvent* event) {
+    showDropCaret(std::nullopt);
+    if (hasFiles(*event->mimeData())) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        emit filesDropped(event->mimeData()->urls());
+        return;
+    }
+    event->acceptProposedAction();
+    drop(*event->mimeData(), offset(event->position()), event->dropAction());
+    setFocus(Qt::MouseFocusReason);
+}
+
+void TextView::drop(const QMimeData& dropped, Offset at, Qt::DropAction action) {
+    const std::u16string units = TextMimeData::units(dropped);
+    if (m_carried && action == Qt::MoveAction) {
+        const SourceRange from = *std::exchange(m_carried, std::nullopt);
+        const TextMove move(from, units, at);
+        if (!move.edits.empty() && mayChange(from, {}) && mayChange(SourceRange::empty(at), units)) {
+            m_selectionAfterEdit = TextSelection::of(move.moved);
+            m_history->apply(move.edits, QStringLiteral("Mover texto"));
+        }
+        return;
+    }
+    if (mayChange(SourceRange::empty(at), units)) {
+        const TextEdit edit = TextEdit::insert(units, at);
+        m_selectionAfterEdit = TextSelection{at, at + static_cast<Offset>(units.size())};
+        m_history->apply({&edit, 1}, QStringLiteral("Soltar"));
+    }
+}
+
+void TextView::showDropCaret(std::optional<Offset> at) {
+    const auto before = std::exchange(m_dropAt, at);
+    if (before != at) {
+        viewport()->update();
+    }
+}
+
+// Scrolling
 
 void TextView::wheelEvent(QWheelEvent* event) {
     const int lines = QApplication::wheelScrollLines();
@@ -675,8 +913,10 @@ void TextView::paintEvent(QPaintEvent* event) {
     for (std::size_t each = line(event->rect().top()); each < end; ++each) {
         paintLine(painter, each);
     }
-    if (m_blinker.isOn()) {
+    if (m_blinker.isOn() && !m_dropAt) {
         painter.fillRect(caretRect(), palette().text());
+    } else if (m_dropAt) {
+        painter.fillRect(caretRect(std::min(*m_dropAt, text().size())), palette().text());
     }
     if (m_layout.width() > widthBefore) {
         QMetaObject::invokeMethod(this, &TextView::updateExtents, Qt::QueuedConnection);

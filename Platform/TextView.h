@@ -22,6 +22,8 @@
 #include <vector>
 
 class CompletionPopup;
+class QHelpEvent;
+class QMimeData;
 
 /// Shows and edits the text of a storage, in lines that never wrap. Knows nothing of what the text is about:
 /// that is its delegate's business.
@@ -77,6 +79,7 @@ public slots:
     void copy() const;
     void paste();
     void selectAll();
+    void eraseSelection();
 
     /// Offers the delegate's completions of the word before the caret.
     void complete();
@@ -146,6 +149,15 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+    /// Has the user carry text with the mouse until it is dropped somewhere; answers what the other side did
+    /// with it.
+    virtual Qt::DropAction carry(QMimeData* text);
 
 private:
     /// What the caret does to the other end of the selection when it moves.
@@ -175,6 +187,18 @@ private:
     // The mouse
     void press(QMouseEvent& event, int clicks);
     void dragTo(QPointF position);
+    void scrollAlong(QPointF position);
+    bool isOnSelection(QPointF position) const;
+    void dragSelection();
+    void drop(const QMimeData& text, Offset at, Qt::DropAction action);
+    void showDropCaret(std::optional<Offset> at);
+    void ownPrimarySelection() const;
+    void pastePrimarySelection(QPointF position);
+    bool showToolTip(const QHelpEvent& event);
+
+    // Completion
+    void offerCompletions();
+    void acceptCompletion(const QString& word);
 
     // Geometry
     double left() const { return static_cast<double>(m_horizontal.value()) - inset.x(); }
@@ -218,7 +242,11 @@ private:
     WheelScroll m_wheel;
     ClickCounter m_clicks;
     std::optional<DragSelection> m_drag;
+    std::optional<SourceRange> m_carried; ///< What the mouse carries out of this view.
+    std::optional<Offset> m_dropAt;       ///< Where what is carried over this view would go.
+    bool m_isPressedOnSelection = false;
     QPointF m_dragPosition;
     QBasicTimer m_dragScrolling;
     int m_caretWidth = 2;
+    CompletionPopup* m_completions = nullptr; ///< A child; made when first needed.
 };

@@ -12,16 +12,14 @@ double carried(double rest, double delta) { return rest * delta < 0 ? 0 : rest; 
 } // namespace
 
 QPoint WheelScroll::pixels(const QWheelEvent& event, QSizeF notch) {
-    QPointF delta = event.pixelDelta();
-    if (delta.isNull()) {
-        const QPointF notches = QPointF(event.angleDelta()) / QWheelEvent::DefaultDeltasPerStep;
-        delta = {notches.x() * notch.width(), notches.y() * notch.height()};
-    }
+    const bool isInPixels = !event.pixelDelta().isNull();
+    QPointF delta = isInPixels ? event.pixelDelta() : event.angleDelta();
     // The desktop may have swapped them already.
     if (event.modifiers() & Qt::ShiftModifier && delta.x() == 0) {
         delta = delta.transposed();
     }
-    delta = -delta;
+    const QSizeF unit = isInPixels ? QSizeF(1, 1) : notch / QWheelEvent::DefaultDeltasPerStep;
+    delta = {-delta.x() * unit.width(), -delta.y() * unit.height()};
     const QPointF whole(carried(m_rest.x(), delta.x()) + delta.x(),
                         carried(m_rest.y(), delta.y()) + delta.y());
     const QPoint pixels(static_cast<int>(std::trunc(whole.x())), static_cast<int>(std::trunc(whole.y())));

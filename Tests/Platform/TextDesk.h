@@ -7,15 +7,33 @@
 
 #include <gtest/gtest.h>
 
+#include <QMimeData>
+
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+
+/// A view whose user does with carried text what a test says; at first drops it nowhere.
+class CarryingView : public TextView {
+public:
+    std::function<Qt::DropAction(const QMimeData&)> carried = [](const QMimeData&) {
+        return Qt::IgnoreAction;
+    };
+
+protected:
+    Qt::DropAction carry(QMimeData* text) override {
+        const std::unique_ptr<QMimeData> owned(text);
+        return carried(*text);
+    }
+};
 
 /// A text view on the screen that has the keyboard, over a text with its history.
 struct TextDesk {
     TextStorage storage;
     UndoManager undo;
     TextHistory history;
-    TextView view;
+    CarryingView view;
 
     explicit TextDesk(std::u16string_view units) : storage(Rope(units)), history(storage) {
         history.setUndoManager(&undo);
@@ -43,9 +61,9 @@ struct TextDesk {
     }
     void type(const char* text) { QTest::keyClicks(&view, QString::fromUtf8(text)); }
 
-    /// The middle of the caret's left edge at an offset, in the viewport.
+    /// Where the caret would be at an offset, in the viewport.
     QPoint place(Offset at) const {
         const QRectF caret = view.caretRect(at);
-        return QPointF(caret.left(), caret.center().y()).toPoint();
+        return QPointF(caret.left() + 1, caret.center().y()).toPoint();
     }
 };
