@@ -20,5 +20,19 @@ struct TextSelection {
         return SourceRange::unchecked(std::min(anchor, caret), std::max(anchor, caret));
     }
 
+    /// The same selection after a replacement, which was not its own: `length` units now stand in the place
+    /// of `replaced`. A bound before it stays, behind it moves along, inside it goes to its end; what is put in
+    /// at the end of a selection is not selected.
+    TextSelection carriedAlong(SourceRange replaced, Offset length) const {
+        const auto carried = [&](Offset at) {
+            const bool endsHere = !isEmpty() && replaced.isEmpty() && at == range().upper;
+            if (at < replaced.upper || (endsHere && at == replaced.lower)) {
+                return at <= replaced.lower ? at : replaced.lower + length;
+            }
+            return at - replaced.length() + length;
+        };
+        return {carried(anchor), carried(caret)};
+    }
+
     bool operator==(const TextSelection&) const = default;
 };

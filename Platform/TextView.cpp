@@ -6,9 +6,9 @@
 #include "TextInputMethod.h"
 #include "TextMarks.h"
 #include "TextMimeData.h"
-#include "TextMove.h"
 #include "TextNavigation.h"
 #include "TextViewAccessible.h"
+#include "TextViewMouse.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -21,7 +21,6 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
-#include <QStyleHints>
 #include <QToolTip>
 
 #include <algorithm>
@@ -32,34 +31,9 @@
 namespace {
 
 constexpr Offset longLine = 32'768; ///< Units from which on only the stretch of a line that shows counts.
-constexpr int dragScrollInterval = 40;
 
 std::u16string_view unitsOf(const QString& string) {
     return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
-}
-
-/// Where `at` is after a replacement: before it or at its start it stays, inside it goes to the end, behind
-/// it moves along. `edited` is the replaced range, `length` the number of units now in its place.
-Offset carriedAlong(Offset at, SourceRange edited, Offset length) {
-    if (at >= edited.upper) {
-        return at - edited.length() + length;
-    }
-    return at <= edited.lower ? at : edited.lower + length;
-}
-
-/// The same of a selection, which does not grow by what is put in at its end.
-TextSelection carriedAlong(TextSelection selection, SourceRange edited, Offset length) {
-    const bool keepsEnd =
-        !selection.isEmpty() && edited.isEmpty() && edited.lower == selection.range().upper;
-    const auto bound = [&](Offset at) {
-        return keepsEnd && at == edited.lower ? at : carriedAlong(at, edited, length);
-    };
-    return {bound(selection.anchor), bound(selection.caret)};
-}
-
-bool hasFiles(const QMimeData& data) {
-    const QList<QUrl> urls = data.urls();
-    return std::ranges::any_of(urls, &QUrl::isLocalFile);
 }
 
 TextSelection clamped(TextSelection selection, Offset size) {
@@ -69,7 +43,8 @@ TextSelection clamped(TextSelection selection, Offset size) {
 } // namespace
 
 TextView::TextView(QWidget* parent)
-    : QAbstractScrollArea(parent), m_vertical(*verticalScrollBar()), m_horizontal(*horizontalScrollBar()) {
+    : QAbstractScrollArea(parent), m_vertical(*verticalScrollBar()), m_horizontal(*horizontalScrollBar()),
+      m_mouse(std::make_unique<TextViewMouse>(*this)) {
     TextViewAccessible::install();
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setFocusPolicy(Qt::StrongFocus);
@@ -120,10 +95,8 @@ void TextView::followEdit(SourceRange edited, std::int64_t changeInLength) {
 
     m_layout.edit(m_history->text(), edited, changeInLength);
     m_isInBatch = true;
-    m_selection = carriedAlong(m_selection, replaced, edited.length());
-    if (m_carried) {
-        m_carried = carriedAlong(TextSelection::of(*m_carried), replaced, edited.length()).range();
-    }
+    m_selection = m_selection.carriedAlong(replaced, edited.length());
+    m_mouse->followEdit(replaced, edited.length());
     TextViewAccessible::announceEdit(*this, before, replaced, edited.length(), text());
 
     const qint64 moreLines = static_cast<qint64>(text().lineCount()) - linesBefore;
@@ -252,11 +225,15 @@ void TextView::type(SourceRange range, std::u16string_view units) {
 
 void TextView::replace(SourceRange range, std::u16string_view units, const QString& actionName) {
     if (mayChange(range, units)) {
-        m_selectionAfterEdit = TextSelection::at(range.lower + static_cast<Offset>(units.size()));
-        m_showsCaretAfterEdit = true;
         const TextEdit edit{range, std::u16string(units)};
-        m_history->apply({&edit, 1}, actionName);
+        apply({&edit, 1}, TextSelection::at(range.lower + static_cast<Offset>(units.size())), actionName);
     }
+}
+
+void TextView::apply(std::span<const TextEdit> edits, TextSelection after, const QString& actionName) {
+    m_selectionAfterEdit = after;
+    m_showsCaretAfterEdit = true;
+    m_history->apply(edits, actionName);
 }
 
 void TextView::erase(Offset to) {
@@ -487,29 +464,26 @@ void TextView::focusOutEvent(QFocusEvent* event) {
 
 // The mouse
 
-void TextView::mousePressEvent(QMouseEvent* event) { press(*event, m_clicks.single(event->position())); }
+void TextView::mousePressEvent(QMouseEvent* event) { m_mouse->press(*event); }
 
-void TextView::mouseDoubleClickEvent(QMouseEvent* event) { press(*event, m_clicks.twice(event->position())); }
+void TextView::mouseDoubleClickEvent(QMouseEvent* event) { m_mouse->pressTwice(*event); }
 
-void TextView::press(QMouseEvent& event, int clicks) {
-    if (event.button() != Qt::LeftButton) {
-        return;
-    }
-    QGuiApplication::inputMethod()->commit();
-    m_dragPosition = event.position();
-    const bool extends = event.modifiers().testFlag(Qt::ShiftModifier) && clicks == 1;
-    m_isPressedOnSelection = clicks == 1 && !extends && isOnSelection(event.position());
-    if (m_isPressedOnSelection) {
-        return; // To be carried away, or else to go with the release.
-    }
-    const auto granularity = DragSelection::granularity(clicks);
-    const Offset at = offset(event.position());
-    m_drag = extends ? DragSelection::extending(m_selection, granularity, text())
-                     : DragSelection(at, granularity, text());
-    setSelection(m_drag->selection(at, text()));
-    if (clicks == 1) {
-        showCaret();
-    }
+void TextView::mouseMoveEvent(QMouseEvent* event) { m_mouse->move(*event); }
+
+void TextView::mouseReleaseEvent(QMouseEvent* event) { m_mouse->release(*event); }
+
+void TextView::dragEnterEvent(QDragEnterEvent* event) { m_mouse->carryOver(*event); }
+
+void TextView::dragMoveEvent(QDragMoveEvent* event) { m_mouse->carryOver(*event); }
+
+void TextView::dragLeaveEvent(QDragLeaveEvent*) { m_mouse->leave(); }
+
+void TextView::dropEvent(QDropEvent* event) { m_mouse->drop(*event); }
+
+Qt::DropAction TextView::carry(QMimeData* text) {
+    auto* drag = new QDrag(this);
+    drag->setMimeData(text);
+    return drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
 }
 
 bool TextView::isOnSelection(QPointF position) const {
@@ -519,68 +493,10 @@ bool TextView::isOnSelection(QPointF position) const {
     return !selection().isEmpty() && std::ranges::any_of(m_layout.boxes(selection(), under), holds);
 }
 
-void TextView::mouseMoveEvent(QMouseEvent* event) {
-    if (m_isPressedOnSelection) {
-        const double distance = (event->position() - m_dragPosition).manhattanLength();
-        if (distance >= QGuiApplication::styleHints()->startDragDistance()) {
-            m_isPressedOnSelection = false;
-            dragSelection();
-        }
-    } else if (m_drag) {
-        dragTo(event->position());
-        scrollAlong(event->position());
-    } else {
-        viewport()->setCursor(isOnSelection(event->position()) ? Qt::ArrowCursor : Qt::IBeamCursor);
-    }
-}
-
-void TextView::dragTo(QPointF position) {
-    m_dragPosition = position;
-    setSelection(m_drag->selection(offset(position), text()));
-    showCaret();
-}
-
-void TextView::scrollAlong(QPointF position) {
-    if (viewport()->rect().contains(position.toPoint())) {
-        m_dragScrolling.stop();
-    } else if (!m_dragScrolling.isActive()) {
-        m_dragScrolling.start(dragScrollInterval, this);
-    }
-}
-
-void TextView::timerEvent(QTimerEvent* event) {
-    if (event->timerId() == m_dragScrolling.timerId() && m_drag) {
-        dragTo(m_dragPosition);
-    }
-}
-
-void TextView::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::MiddleButton) {
-        pastePrimarySelection(event->position());
-    } else if (event->button() == Qt::LeftButton) {
-        if (std::exchange(m_isPressedOnSelection, false)) {
-            setSelection(TextSelection::at(offset(event->position())));
-        }
-        m_drag.reset();
-        m_dragScrolling.stop();
-        ownPrimarySelection();
-    }
-}
-
 void TextView::ownPrimarySelection() const {
-    if (QApplication::clipboard()->supportsSelection() && !selection().isEmpty() && !m_drag) {
+    if (QApplication::clipboard()->supportsSelection() && !selection().isEmpty() && !m_mouse->isSelecting()) {
         QApplication::clipboard()->setMimeData(new TextMimeData(text().part(selection())),
                                                QClipboard::Selection);
-    }
-}
-
-void TextView::pastePrimarySelection(QPointF position) {
-    const QMimeData* selected = QApplication::clipboard()->supportsSelection()
-                                    ? QApplication::clipboard()->mimeData(QClipboard::Selection)
-                                    : nullptr;
-    if (selected != nullptr) {
-        replace(SourceRange::empty(offset(position)), TextMimeData::units(*selected),
-                QStringLiteral("Pegar"));
     }
 }
 
@@ -614,85 +530,6 @@ bool TextView::showToolTip(const QHelpEvent& event) {
     const QString plain = QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(told.toHtmlEscaped());
     QToolTip::showText(event.globalPos(), told.isEmpty() ? told : plain, viewport());
     return true;
-}
-
-// Dragging and dropping
-
-void TextView::dragSelection() {
-    m_carried = selection();
-    const Qt::DropAction action = carry(new TextMimeData(text().part(selection())));
-    // Taken along by another view or program; within this view the drop has moved it already.
-    const auto left = std::exchange(m_carried, std::nullopt);
-    if (action == Qt::MoveAction && left) {
-        replace(*left, {}, QStringLiteral("Mover texto"));
-    }
-    showDropCaret(std::nullopt);
-}
-
-Qt::DropAction TextView::carry(QMimeData* text) {
-    auto* drag = new QDrag(this);
-    drag->setMimeData(text);
-    return drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
-}
-
-void TextView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
-
-void TextView::dragMoveEvent(QDragMoveEvent* event) {
-    const bool hasText = TextMimeData::hasUnits(*event->mimeData());
-    const bool areFiles = hasFiles(*event->mimeData());
-    if (m_history == nullptr || !(hasText || areFiles)) {
-        event->ignore();
-        return;
-    }
-    if (areFiles) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
-        return;
-    }
-    event->acceptProposedAction();
-    showDropCaret(offset(event->position()));
-    // Near its edges the view moves on, to where nobody could drop otherwise.
-    scrollToVisible(SourceRange::empty(*m_dropAt));
-}
-
-void TextView::dragLeaveEvent(QDragLeaveEvent*) { showDropCaret(std::nullopt); }
-
-void TextView::dropEvent(QDropEvent* event) {
-    showDropCaret(std::nullopt);
-    if (hasFiles(*event->mimeData())) {
-        event->setDropAction(Qt::CopyAction);
-        event->accept();
-        emit filesDropped(event->mimeData()->urls());
-        return;
-    }
-    event->acceptProposedAction();
-    drop(*event->mimeData(), offset(event->position()), event->dropAction());
-    setFocus(Qt::MouseFocusReason);
-}
-
-void TextView::drop(const QMimeData& dropped, Offset at, Qt::DropAction action) {
-    const std::u16string units = TextMimeData::units(dropped);
-    if (m_carried && action == Qt::MoveAction) {
-        const SourceRange from = *std::exchange(m_carried, std::nullopt);
-        const TextMove move(from, units, at);
-        if (!move.edits.empty() && mayChange(from, {}) && mayChange(SourceRange::empty(at), units)) {
-            m_selectionAfterEdit = TextSelection::of(move.moved);
-            m_history->apply(move.edits, QStringLiteral("Mover texto"));
-        }
-        return;
-    }
-    if (mayChange(SourceRange::empty(at), units)) {
-        const TextEdit edit = TextEdit::insert(units, at);
-        m_selectionAfterEdit = TextSelection{at, at + static_cast<Offset>(units.size())};
-        m_history->apply({&edit, 1}, QStringLiteral("Soltar"));
-    }
-}
-
-void TextView::showDropCaret(std::optional<Offset> at) {
-    const auto before = std::exchange(m_dropAt, at);
-    if (before != at) {
-        viewport()->update();
-    }
 }
 
 // Scrolling
@@ -913,10 +750,10 @@ void TextView::paintEvent(QPaintEvent* event) {
     for (std::size_t each = line(event->rect().top()); each < end; ++each) {
         paintLine(painter, each);
     }
-    if (m_blinker.isOn() && !m_dropAt) {
+    if (const auto place = m_mouse->dropPlace()) {
+        painter.fillRect(caretRect(*place), palette().text());
+    } else if (m_blinker.isOn()) {
         painter.fillRect(caretRect(), palette().text());
-    } else if (m_dropAt) {
-        painter.fillRect(caretRect(std::min(*m_dropAt, text().size())), palette().text());
     }
     if (m_layout.width() > widthBefore) {
         QMetaObject::invokeMethod(this, &TextView::updateExtents, Qt::QueuedConnection);

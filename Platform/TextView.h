@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CaretBlinker.h"
-#include "DragSelection.h"
 #include "Rope.h"
 #include "ScrollPosition.h"
 #include "TextHistory.h"
@@ -11,19 +10,21 @@
 #include "WheelScroll.h"
 
 #include <QAbstractScrollArea>
-#include <QBasicTimer>
 #include <QColor>
 #include <QPointer>
 #include <QUrl>
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 class CompletionPopup;
 class QHelpEvent;
 class QMimeData;
+class TextViewMouse;
 
 /// Shows and edits the text of a storage, in lines that never wrap. Knows nothing of what the text is about:
 /// that is its delegate's business.
@@ -144,7 +145,6 @@ protected:
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -160,6 +160,8 @@ protected:
     virtual Qt::DropAction carry(QMimeData* text);
 
 private:
+    friend TextViewMouse;
+
     /// What the caret does to the other end of the selection when it moves.
     enum class Anchor : std::uint8_t { moves, stays };
 
@@ -178,6 +180,7 @@ private:
     // Editing
     bool mayChange(SourceRange range, std::u16string_view units) const;
     void type(SourceRange range, std::u16string_view units);
+    void apply(std::span<const TextEdit> edits, TextSelection after, const QString& actionName);
     void erase(Offset to);
     bool handleMove(const QKeyEvent& event);
     bool handleErasure(const QKeyEvent& event);
@@ -185,15 +188,8 @@ private:
     bool handleCommand(const QKeyEvent& event);
 
     // The mouse
-    void press(QMouseEvent& event, int clicks);
-    void dragTo(QPointF position);
-    void scrollAlong(QPointF position);
     bool isOnSelection(QPointF position) const;
-    void dragSelection();
-    void drop(const QMimeData& text, Offset at, Qt::DropAction action);
-    void showDropCaret(std::optional<Offset> at);
     void ownPrimarySelection() const;
-    void pastePrimarySelection(QPointF position);
     bool showToolTip(const QHelpEvent& event);
 
     // Completion
@@ -240,13 +236,7 @@ private:
 
     CaretBlinker m_blinker;
     WheelScroll m_wheel;
-    ClickCounter m_clicks;
-    std::optional<DragSelection> m_drag;
-    std::optional<SourceRange> m_carried; ///< What the mouse carries out of this view.
-    std::optional<Offset> m_dropAt;       ///< Where what is carried over this view would go.
-    bool m_isPressedOnSelection = false;
-    QPointF m_dragPosition;
-    QBasicTimer m_dragScrolling;
+    std::unique_ptr<TextViewMouse> m_mouse;
     int m_caretWidth = 2;
     CompletionPopup* m_completions = nullptr; ///< A child; made when first needed.
 };

@@ -66,8 +66,8 @@ public:
         timer.start();
         const int before = m_counter.paints;
         send();
-        QApplication::sendPostedEvents();
-        while (m_counter.paints == before && timer.elapsed() < 1000) {
+        // What does not move anything paints nothing, and is over at once.
+        for (int i = 0; i < 3 && m_counter.paints == before; ++i) {
             QApplication::processEvents();
         }
         const double milliseconds = static_cast<double>(timer.nsecsElapsed()) / 1e6;
@@ -126,7 +126,7 @@ void measure(const char* name, const Rope& text, int rounds) {
     series("walk", [&](int i) { desk.press(i % 2 == 0 ? Qt::Key_Down : Qt::Key_Right); });
     series("select", [&](int i) { desk.press(i % 8 == 7 ? Qt::Key_PageDown : Qt::Key_Right, Qt::ShiftModifier); });
     series("scroll", [&](int i) { desk.turn({0, i < rounds / 2 ? -51 : 51}); });
-    series("scroll across", [&](int i) { desk.turn({i < rounds / 2 ? -77 : 77, 0}); });
+    series("scroll across", [&](int i) { desk.turn({i % 50 < 25 ? -7 : 7, 0}); });
     series("page", [&](int i) { desk.press(i < rounds / 2 ? Qt::Key_PageDown : Qt::Key_PageUp); });
     series("jump", [&](int i) {
         const auto place = static_cast<Offset>((i * 2654435761ULL) % desk.view.text().size());

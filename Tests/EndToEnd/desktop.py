@@ -111,6 +111,18 @@ class Application:
     def type(self, text):
         self._xdotool("type", "--clearmodifiers", "--delay", "5", text)
 
+    def click(self, x, y, button=1):
+        self._xdotool("mousemove", str(x), str(y), "click", str(button))
+
+    def drag(self, start, end):
+        """Carries with the left button from one place on the screen to another, as slowly as a hand."""
+        self._xdotool("mousemove", *map(str, start), "mousedown", "1")
+        steps = 12
+        for step in range(1, steps + 1):
+            place = [a + (b - a) * step // steps for a, b in zip(start, end)]
+            self._xdotool("mousemove", *map(str, place), "sleep", "0.03")
+        self._xdotool("sleep", "0.2", "mouseup", "1")
+
     def title(self):
         return self._xdotool("getwindowname", self._window).strip()
 

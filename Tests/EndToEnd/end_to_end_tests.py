@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-from desktop import Application, Desktop, wait_until
+from desktop import Application, Desktop, accessibility, wait_until
 
 SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "samples"
 PROGRAM = ""
@@ -71,6 +71,66 @@ class EndToEnd(unittest.TestCase):
         app.type("<!-- x -->")
         app.press("ctrl+s")
         self.wait_for_bytes(path, before + b"\r\n<!-- x -->")
+
+    def test_a_screen_reader_reads_and_edits_the_text(self):
+        api = accessibility()
+        path = self.folder / "lectura.xml"
+        path.write_text("<a>\n  uno ñandú\n</a>\n", encoding="utf-8")
+        app = self.start(path)
+        text = wait_until(lambda: app.find(role="text", starts="Texto"), "text")
+        self.assertTrue(text.get_state_set().contains(api.StateType.EDITABLE))
+        self.assertEqual(api.Text.get_character_count(text), 21)
+        self.assertEqual(api.Text.get_text(text, 4, 9), "  uno")
+
+        def piece(offset, granularity):
+            found = api.Text.get_string_at_offset(text, offset, granularity)
+            return found.content, found.start_offset, found.end_offset
+
+        self.assertEqual(piece(11, api.TextGranularity.CHAR), ("a", 11, 12))
+        self.assertEqual(piece(11, api.TextGranularity.WORD), ("ñandú", 10, 15))
+        self.assertEqual(piece(11, api.TextGranularity.LINE), ("  uno ñandú\n", 4, 16))
+
+        app.press("ctrl+Home", "Down", "End")
+        wait_until(lambda: api.Text.get_caret_offset(text) == 15, "caret at the end of the line")
+        app.press("shift+Home")
+        wait_until(lambda: api.Text.get_n_selections(text) == 1, "selection")
+        selected = api.Text.get_selection(text, 0)
+        self.assertEqual((selected.start_offset, selected.end_offset), (6, 15))
+        box = api.Text.get_character_extents(text, 6, api.CoordType.SCREEN)
+        self.assertGreater(box.width, 3)
+        self.assertEqual(
+            api.Text.get_offset_at_point(text, box.x + 1, box.y + box.height // 2, api.CoordType.SCREEN), 6
+        )
+        api.EditableText.insert_text(text, 0, "<?x?>", 5)
+        wait_until(lambda: api.Text.get_text(text, 0, 8) == "<?x?><a>", "inserted text")
+        app.press("ctrl+s")
+        self.wait_for_bytes(path, "<?x?><a>\n  uno ñandú\n</a>\n".encode())
+
+    def test_middle_click_pastes_what_was_selected(self):
+        path = self.folder / "ratón.xml"
+        path.write_text("<a/>\n", encoding="utf-8")
+        app = self.start(path)
+        text = wait_until(lambda: app.find(role="text", starts="Texto"), "text")
+        app.press("ctrl+Home", "shift+End")
+        box = accessibility().Text.get_character_extents(text, 0, accessibility().CoordType.SCREEN)
+        app.click(box.x + 200, box.y + box.height // 2, button=2)
+        app.press("ctrl+s")
+        self.wait_for_bytes(path, b"<a/><a/>\n")
+
+    def test_drags_text_to_another_place(self):
+        path = self.folder / "arrastre.xml"
+        path.write_text("<a>uno dos</a>\n", encoding="utf-8")
+        app = self.start(path)
+        text = wait_until(lambda: app.find(role="text", starts="Texto"), "text")
+        api = accessibility()
+        app.press("ctrl+Home", *["Right"] * 3, *["shift+Right"] * 4)
+        wait_until(lambda: api.Text.get_n_selections(text) == 1, "selection")
+        start = api.Text.get_character_extents(text, 4, api.CoordType.SCREEN)
+        end = api.Text.get_character_extents(text, 10, api.CoordType.SCREEN)
+        app.drag((start.x + 1, start.y + start.height // 2), (end.x + 1, end.y + end.height // 2))
+        wait_until(lambda: api.Text.get_text(text, 0, 14) == "<a>dosuno </a>", "moved text")
+        app.press("ctrl+z")
+        wait_until(lambda: api.Text.get_text(text, 0, 14) == "<a>uno dos</a>", "text as before")
 
     def test_undo_leads_back_to_the_saved_bytes(self):
         path = self.sample("manual.xml")

@@ -207,3 +207,199 @@ TEST(TextView, PaintsUnderlinesOfWhatItShowsOnly) {
     }
     EXPECT_GT(red, 0);
 }
+
+TEST(TextView, CarriesTheSelectionThroughEditsOfOthers) {
+    const struct {
+        TextSelection before;
+        TextEdit edit;
+        TextSelection after;
+    } rows[] = {
+        {{2, 2}, {{4, 6}, u"xyz"}, {2, 2}},  {{4, 4}, {{4, 6}, u"xyz"}, {4, 4}},
+        {{5, 5}, {{4, 6}, u"xyz"}, {7, 7}},  {{6, 6}, {{4, 6}, u"xyz"}, {7, 7}},
+        {{8, 8}, {{4, 6}, u""}, {6, 6}},     {{4, 4}, {{4, 4}, u"xyz"}, {7, 7}},
+        {{2, 5}, {{4, 6}, u"xyz"}, {2, 7}},  {{5, 2}, {{4, 6}, u"xyz"}, {7, 2}},
+        {{2, 4}, {{4, 4}, u"xyz"}, {2, 4}},  {{4, 6}, {{4, 4}, u"xyz"}, {7, 9}},
+        {{3, 7}, {{0, 10}, u"ab"}, {2, 2}},
+    };
+    for (const auto& row : rows) {
+        TextDesk desk(u"0123456789");
+        desk.view.select(row.before);
+        desk.history.apply({&row.edit, 1});
+        EXPECT_EQ(desk.view.directedSelection(), row.after) << row.edit.range.description();
+    }
+}
+
+TEST(TextView, UndoesToTheSelectionAndRedoesToTheCaret) {
+    TextDesk desk(u"uno dos tres");
+    desk.view.select(TextSelection{7, 4});
+    desk.type("xy");
+    desk.press(Qt::Key_Home);
+    desk.press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(desk.shown(), u"uno [dos] tres");
+    EXPECT_EQ(desk.view.caret(), 4U);
+    desk.press(Qt::Key_End);
+    desk.press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(desk.shown(), u"uno xy| tres");
+}
+
+TEST(TextView, StartsANewStepAfterAMoveOfTheCaret) {
+    TextDesk desk(u"");
+    desk.type("ab");
+    desk.press(Qt::Key_Left);
+    desk.press(Qt::Key_Right);
+    desk.type("cd");
+    desk.view.undo();
+    EXPECT_EQ(desk.shown(), u"ab|");
+    desk.view.undo();
+    EXPECT_EQ(desk.shown(), u"|");
+    EXPECT_FALSE(desk.undo.canUndo());
+}
+
+TEST(TextView, NamesWhatCanBeUndone) {
+    TextDesk desk(u"uno dos");
+    desk.view.select(SourceRange(0, 4));
+    desk.press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Cortar"));
+    desk.press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Pegar"));
+    desk.press(Qt::Key_Backspace);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Eliminar"));
+    desk.type("x");
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Escribir"));
+}
+
+TEST(TextView, AsksItsDelegateFirst) {
+    struct Delegate : TextViewDelegate {
+        bool allows = false;
+        std::vector<TextCommand> commands;
+        std::vector<SourceRange> asked;
+        QStringList told;
+        bool shouldChangeText(SourceRange range, std::u16string_view) override {
+            asked.push_back(range);
+            return allows;
+        }
+        bool doCommand(TextCommand command) override {
+            commands.push_back(command);
+            return command != TextCommand::cancelOperation;
+        }
+        void textDidChange() override { told += QStringLiteral("text"); }
+        void selectionDidChange() override { told += QStringLiteral("selection"); }
+    } delegate;
+    TextDesk desk(u"uno");
+    desk.view.setDelegate(&delegate);
+    desk.type("x");
+    desk.press(Qt::Key_Delete);
+    EXPECT_EQ(desk.shown(), u"|uno");
+    EXPECT_EQ(delegate.asked, (std::vector<SourceRange>{{0, 0}, {0, 1}}));
+    desk.press(Qt::Key_Tab);
+    desk.press(Qt::Key_Backtab, Qt::ShiftModifier);
+    desk.press(Qt::Key_Return);
+    desk.press(Qt::Key_Escape);
+    EXPECT_EQ(delegate.commands, (std::vector{TextCommand::insertTab, TextCommand::insertBacktab,
+                                              TextCommand::insertNewline, TextCommand::cancelOperation}));
+    EXPECT_EQ(desk.shown(), u"|uno");
+    EXPECT_TRUE(delegate.told.isEmpty());
+    delegate.allows = true;
+    desk.type("x");
+    EXPECT_EQ(desk.shown(), u"x|uno");
+    EXPECT_EQ(delegate.told, (QStringList{"text", "selection"}));
+    desk.view.setDelegate(nullptr);
+}
+
+TEST(TextView, TellsWhatShows) {
+    std::u16string units;
+    for (int line = 0; line < 100; ++line) {
+        units += u"0123456\n";
+    }
+    units += std::u16string(100'000, u'x') + u"\nfin";
+    TextDesk desk(units);
+    QSignalSpy moved(&desk.view, &TextView::visibleTextChanged);
+    const auto first = desk.view.visibleStretches();
+    ASSERT_EQ(first.size(), 1U);
+    EXPECT_EQ(first[0].lower, 0U);
+    EXPECT_EQ(first[0].upper, (desk.view.lastVisibleLine() + 1) * 8);
+    desk.press(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_GT(moved.count(), 0);
+    const auto last = desk.view.visibleStretches();
+    ASSERT_EQ(last.size(), 3U);
+    EXPECT_EQ(last[0].lower, desk.view.firstVisibleLine() * 8);
+    EXPECT_EQ(last[0].upper, 800U);
+    EXPECT_GE(last[1].lower, 800U);
+    EXPECT_LT(last[1].length(), 4000U);
+    EXPECT_EQ(last[2], SourceRange(100'801, 100'804));
+}
+
+TEST(TextView, KeepsWhatIsLookedAtInPlace) {
+    std::u16string units;
+    for (int line = 0; line < 1000; ++line) {
+        units += u"línea\n";
+    }
+    TextDesk desk(units);
+    desk.view.scrollToVisible(SourceRange::empty(3000));
+    const double before = desk.view.lineRect(500).top();
+    const TextEdit edit = TextEdit::insert(u"a\nb\nc\n", 6);
+    desk.history.apply({&edit, 1});
+    EXPECT_EQ(desk.view.lineRect(503).top(), before);
+}
+
+TEST(TextView, GivesItsRulerTheWidthItHintsAt) {
+    struct Ruler : QWidget {
+        int width = 40;
+        QSize sizeHint() const override { return {width, 0}; }
+    };
+    TextDesk desk(u"uno");
+    auto* ruler = new Ruler;
+    desk.view.setRuler(ruler);
+    EXPECT_TRUE(ruler->isVisible());
+    EXPECT_EQ(ruler->geometry(), QRect(0, 0, 40, desk.view.viewport()->height()));
+    EXPECT_EQ(desk.view.viewport()->x(), 40);
+    ruler->width = 55;
+    desk.view.retile();
+    EXPECT_EQ(desk.view.viewport()->x(), 55);
+    desk.view.resize(500, 200);
+    EXPECT_EQ(ruler->height(), desk.view.viewport()->height());
+    const QPointer<QWidget> gone(ruler);
+    desk.view.setRuler(nullptr);
+    EXPECT_EQ(gone, nullptr);
+    EXPECT_EQ(desk.view.viewport()->x(), 0);
+}
+
+TEST(TextView, RepaintsOnlyTheCaretWhenItBlinks) {
+    struct Painted : QObject {
+        QRegion region;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint) {
+                region += static_cast<QPaintEvent*>(event)->region();
+            }
+            return false;
+        }
+    } painted;
+    TextDesk desk(u"uno\ndos");
+    QApplication::processEvents();
+    desk.view.viewport()->installEventFilter(&painted);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !painted.region.isEmpty(); }));
+    EXPECT_LE(painted.region.boundingRect().width(), 4);
+    EXPECT_TRUE(painted.region.boundingRect().intersects(desk.view.caretRect().toRect()));
+}
+
+TEST(TextView, FollowsThePalette) {
+    TextDesk desk(u"uno");
+    const auto corner = [&] { return desk.view.viewport()->grab().toImage().pixelColor(300, 200); };
+    for (const QColor& color : {QColor(Qt::white), QColor(30, 30, 30)}) {
+        QPalette palette = desk.view.palette();
+        palette.setColor(QPalette::Base, color);
+        desk.view.setPalette(palette);
+        EXPECT_EQ(corner(), color);
+    }
+}
+
+TEST(TextView, GoesHomeInTwoSteps) {
+    TextDesk desk(u"   uno");
+    desk.press(Qt::Key_End);
+    desk.press(Qt::Key_Home);
+    EXPECT_EQ(desk.shown(), u"   |uno");
+    desk.press(Qt::Key_Home);
+    EXPECT_EQ(desk.shown(), u"|   uno");
+    desk.press(Qt::Key_Home, Qt::ShiftModifier);
+    EXPECT_EQ(desk.shown(), u"[   ]uno");
+}
