@@ -1,6 +1,9 @@
 #include "DisplayText.h"
 
-#include <QChar>
+#include "GraphemeBreaker.h"
+#include "UTF16.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -10,37 +13,58 @@ constexpr char16_t pictureOfDelete = u'\u2421';
 constexpr char16_t replacement = u'\uFFFD';
 constexpr char16_t dottedBox = u'\u2B1A';
 
-char16_t standIn(char16_t unit) {
-    if (unit < u' ') {
-        return static_cast<char16_t>(controlPictures + unit);
+using UnicodeProperties::GraphemeBreak;
+
+/// Characters that take room, or should, and show nothing: U+FFFC and the Hangul fillers.
+bool isBlank(char32_t scalar) {
+    return scalar == 0xFFFC || scalar == 0x115F || scalar == 0x1160 || scalar == 0x3164 || scalar == 0xFFA0;
+}
+
+/// Whether `scalar`, with which a character starts, needs a stand-in.
+bool needsStandIn(char32_t scalar) {
+    switch (UnicodeProperties::graphemeBreak(scalar)) {
+    case GraphemeBreak::control:
+    case GraphemeBreak::carriageReturn:
+    case GraphemeBreak::lineFeed:
+        return scalar != u'\t';
+    case GraphemeBreak::extend:
+    case GraphemeBreak::zeroWidthJoiner:
+        return true;
+    default:
+        return isBlank(scalar);
     }
-    return unit == 0x7F ? pictureOfDelete : dottedBox;
+}
+
+char16_t standIn(char32_t scalar) {
+    if (scalar < u' ') {
+        return static_cast<char16_t>(controlPictures + scalar);
+    }
+    if (scalar == 0x7F) {
+        return pictureOfDelete;
+    }
+    return scalar >= 0xD800 && scalar < 0xE000 ? replacement : dottedBox;
 }
 
 } // namespace
 
-bool needsStandIn(char16_t unit) {
-    if (unit < 0x80) [[likely]] {
-        return (unit < u' ' && unit != u'\t') || unit == 0x7F;
-    }
-    return unit < 0xA0 || unit == 0x061C || (unit >= 0x200E && unit <= 0x200F) ||
-           (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2060 && unit <= 0x206F) || unit == 0xFEFF ||
-           (unit >= 0xFFF9 && unit <= 0xFFFC);
-}
-
 QString displayText(std::u16string_view units) {
-    QString shown = QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
+    QString shown(reinterpret_cast<const QChar*>(units.data()), static_cast<qsizetype>(units.size()));
+    const bool isPlain = std::ranges::all_of(
+        units, [](char16_t unit) { return (unit >= u' ' && unit < 0x7F) || unit == u'\t'; });
+    if (isPlain) {
+        return shown;
+    }
     QChar* const out = shown.data();
-    for (std::size_t at = 0; at < units.size(); ++at) {
-        const char16_t unit = units[at];
-        if (QChar::isHighSurrogate(unit) && at + 1 < units.size() && QChar::isLowSurrogate(units[at + 1])) {
-            ++at;
-        } else if (QChar::isSurrogate(unit)) {
-            out[at] = replacement;
-        } else if (needsStandIn(unit)) {
-            const bool endsLine = unit == u'\r' && at + 1 == units.size();
-            out[at] = endsLine ? u' ' : standIn(unit);
+    const char16_t* const end = units.data() + units.size();
+    GraphemeBreaker::BoundaryFinder finder;
+    for (std::size_t at = 0; at < units.size();) {
+        const char32_t scalar = UTF16::scalarAt(units.data() + at, end);
+        const std::size_t length = UTF16::length(scalar);
+        const bool starts = finder.startsCharacter(scalar);
+        if ((starts || isBlank(scalar)) && needsStandIn(scalar)) {
+            std::fill_n(out + at, length, QChar(standIn(scalar)));
         }
+        at += length;
     }
     return shown;
 }

@@ -4,13 +4,10 @@
 
 #include <string_view>
 
-/// Whether a text view shows `unit` as a visible stand-in, because drawn as it is it would be invisible, end
-/// a line, or turn the order of its neighbours: control characters other than tab, line and paragraph
-/// separators, bidirectional controls, the object replacement character, a byte-order mark. LF does not occur
-/// inside a line and counts as a control character.
-bool needsStandIn(char16_t unit);
-
-/// What a text view draws for `units`, unit for unit: those that need it are replaced by a stand-in, and so
-/// are lone surrogates. A CR in last position is the end of a CRLF and becomes a space. Offsets into the
-/// answer are offsets into `units`.
+/// What a text view draws for `units`, unit for unit: what would be invisible, end a line or turn the order
+/// of its neighbours is replaced by a stand-in that can be seen. These are control and format characters
+/// other than tab (CR and LF among them), line and paragraph separators, bidirectional controls, the object
+/// replacement character, a byte-order mark, blank letters, lone surrogates, and marks that have no character
+/// to stand on. `units` start with a character as a reader sees it. Offsets into the answer are offsets into
+/// `units`.
 QString displayText(std::u16string_view units);

@@ -24,7 +24,10 @@ void LineLayouts::setFont(const QFont& font, double tabWidth) {
 }
 
 std::shared_ptr<const QTextLayout> LineLayouts::layout(std::u16string_view units) {
-    const QString text = displayText(units);
+    QString text = displayText(units);
+    if (!units.empty() && units.back() == u'\r') {
+        text.back() = u' ';
+    }
     if (const auto* known = m_layouts.object(text)) {
         return *known;
     }

@@ -25,6 +25,15 @@ TEST(DisplayText, ReplacesUnitForUnit) {
         {u"a\u202Eb\u2066c", u"a⬚b⬚c"},
         {u"a\uFEFFb\uFFFC", u"a⬚b⬚"},
         {u"a\u200Db", u"a\u200Db"},
+        {u"\u200Db", u"⬚b"},
+        {u"a\u200Bb\u00AD", u"a⬚b⬚"},
+        {u"e\u0301", u"e\u0301"},
+        {u"\u0301\u0301", u"⬚\u0301"},
+        {u"\u0001\u0301", u"␁⬚"},
+        {u"a\U000E0001b", u"a⬚⬚b"},
+        {u"a\U000E0101", u"a\U000E0101"},
+        {u"a\u3164\uFFA0", u"a⬚⬚"},
+        {u"👩\u200D💻🇪🇸", u"👩\u200D💻🇪🇸"},
         {u"😀", u"😀"},
         {{u'a', u'\xD83D', u'b'}, u"a\uFFFDb"},
         {{u'\xDE00', u'b'}, u"\uFFFDb"},
@@ -37,7 +46,7 @@ TEST(DisplayText, ReplacesUnitForUnit) {
     }
 }
 
-TEST(DisplayText, ShowsCarriageReturnsUnlessTheyEndTheLine) {
-    EXPECT_EQ(show(u"a\r"), u"a ");
-    EXPECT_EQ(show(u"a\rb\r\r"), u"a␍b␍ ");
+TEST(DisplayText, ShowsCarriageReturnsAndLineFeeds) {
+    EXPECT_EQ(show(u"a\rb\r\r"), u"a␍b␍␍");
+    EXPECT_EQ(show(u"a\r\n"), u"a␍\n");
 }
