@@ -36,6 +36,7 @@ public:
     /// The place of the document.
     static Place root() { return {0}; }
 
+    Place place(const NodePath& of) const;
     Cursor below(Place place) const;
     bool contains(Place place) const { return !place.isNone() && m_records[place.raw].isMember; }
 
@@ -50,7 +51,6 @@ private:
         bool isMember = false;
     };
 
-    Place place(const NodePath& of) const;
     Place add(Place below, std::uint32_t position);
 
     std::vector<Record> m_records;
