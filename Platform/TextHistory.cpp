@@ -34,6 +34,16 @@ void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionNa
         precondition(edit.range.upper <= text().size(), "an edit lies inside the text");
         replacements.emplace_back(edit.range, std::move(edit.replacement));
     }
+    applyAsOneStep(replacements, actionName);
+}
+
+void TextHistory::replace(SourceRange range, const Rope& units, const QString& actionName) {
+    requireThread();
+    precondition(range.upper <= text().size(), "an edit lies inside the text");
+    applyAsOneStep({Replacement(range, units)}, actionName);
+}
+
+void TextHistory::applyAsOneStep(const Replacements& replacements, const QString& actionName) {
     if (m_undoManager == nullptr) {
         replace(replacements);
         return;

@@ -49,6 +49,9 @@ public:
     /// open already keeps its own. What is typed afterwards is a new step.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
+    /// The same for one edit whose units are a rope already: takes no time in proportion to them.
+    void replace(SourceRange range, const Rope& units, const QString& actionName = {});
+
     /// Replaces what the user types or erases at the caret. Joins the undo step "Escribir", or "Eliminar" when
     /// nothing is put in, before it as long as nothing else happened since, the caret stayed where that step
     /// left it, no new word begins, there was no pause, and neither holds a line feed.
@@ -87,6 +90,7 @@ private:
     };
 
     void requireThread() const;
+    void applyAsOneStep(const Replacements& replacements, const QString& actionName);
     bool canJoinTypingRun(SourceRange range, std::u16string_view units) const;
     void growTypingRun(SourceRange range, SourceRange typed);
     void registerTypingRun();

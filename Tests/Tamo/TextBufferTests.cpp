@@ -57,6 +57,21 @@ TEST(TextBuffer, UndoesAListOfEditsWithOneCommand) {
     EXPECT_EQ(document.mirror->text(), document.buffer.text());
 }
 
+TEST(TextBuffer, ReplacesARangeByARope) {
+    Document document(u"<a><b/></a>");
+    document.buffer.replace({3, 7}, Rope(u"long"), QStringLiteral("Formatear"));
+    EXPECT_EQ(document.text(), u"<a>long</a>");
+    EXPECT_EQ(document.buffer.generation(), 1);
+    EXPECT_EQ(document.changes, 1);
+    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Formatear"));
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"<a><b/></a>");
+    EXPECT_FALSE(document.undo.canUndo());
+    document.undo.redo();
+    EXPECT_EQ(document.text(), u"<a>long</a>");
+    EXPECT_TRUE(document.mirrorFollows);
+}
+
 TEST(TextBuffer, CountsEveryReplacement) {
     Document document(u"abc");
     EXPECT_EQ(document.buffer.generation(), 0);
@@ -201,6 +216,11 @@ TEST(TextBufferDeathTest, StopsOnBrokenEdits) {
     EXPECT_DEATH(apply({TextEdit::deleteRange({0, 3}), TextEdit::insert(u"x", 2)}), "overlap");
     EXPECT_DEATH(apply({TextEdit::deleteRange({5, 7})}), "inside the text");
     EXPECT_DEATH(document.buffer.type({5, 7}, u""), "inside the text");
+}
+
+TEST(TextBufferDeathTest, StopsOnARangeOutsideTheText) {
+    Document document(u"abc");
+    EXPECT_DEATH(document.buffer.replace({2, 4}, Rope()), "inside the text");
 }
 
 TEST(TextBufferDeathTest, StopsOnAnotherThread) {
