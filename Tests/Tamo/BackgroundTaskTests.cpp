@@ -1,0 +1,104 @@
+#include "BackgroundTask.h"
+
+#include "WaitFor.h"
+
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <semaphore>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// Runs the event loop until whatever was posted so far has arrived.
+void settle() {
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+}
+
+TEST(BackgroundTask, DeliversOnTheMainThread) {
+    BackgroundTask<int> task;
+    const QThread* worker = nullptr;
+    const QThread* receiver = nullptr;
+    int delivered = 0;
+    task.start(
+        [&](const std::stop_token& stop) {
+            worker = QThread::currentThread();
+            return stop.stop_requested() ? 0 : 7;
+        },
+        [&](int value) {
+            receiver = QThread::currentThread();
+            delivered = value;
+            EXPECT_FALSE(task.isRunning());
+        });
+    EXPECT_TRUE(task.isRunning());
+    ASSERT_TRUE(waitFor([&] { return delivered != 0; }));
+    EXPECT_EQ(delivered, 7);
+    EXPECT_EQ(receiver, qApp->thread());
+    EXPECT_NE(worker, receiver);
+}
+
+TEST(BackgroundTask, DropsWhatWasCancelledEvenWhenItIsReady) {
+    enum class How { cancel, startAgain, end };
+    for (const How how : {How::cancel, How::startAgain, How::end}) {
+        std::vector<int> delivered;
+        const auto deliver = [&](int value) { delivered.push_back(value); };
+        auto task = std::make_unique<BackgroundTask<int>>();
+        task->start([](const std::stop_token&) { return 1; }, deliver);
+        QThreadPool::globalInstance()->waitForDone();
+        switch (how) {
+        case How::cancel:
+            task->cancel();
+            break;
+        case How::startAgain:
+            task->start([](const std::stop_token&) { return 2; }, deliver);
+            break;
+        case How::end:
+            task.reset();
+            break;
+        }
+        settle();
+        settle();
+        EXPECT_EQ(delivered, how == How::startAgain ? std::vector{2} : std::vector<int>());
+    }
+}
+
+TEST(BackgroundTask, TellsTheWorkToStop) {
+    BackgroundTask<bool> task;
+    std::binary_semaphore started{0};
+    std::atomic<bool> hasSeenStop = false;
+    task.start(
+        [&](const std::stop_token& stop) {
+            started.release();
+            while (!stop.stop_requested()) {
+                std::this_thread::yield();
+            }
+            hasSeenStop = true;
+            return true;
+        },
+        [](bool) { ADD_FAILURE(); });
+    started.acquire();
+    task.cancel();
+    settle();
+    EXPECT_TRUE(hasSeenStop);
+}
+
+TEST(BackgroundTask, MayBeStartedAgainOrEndedByItsDelivery) {
+    auto task = std::make_unique<BackgroundTask<int>>();
+    int deliveries = 0;
+    const auto one = [](const std::stop_token&) { return 1; };
+    task->start(one, [&](int) {
+        ++deliveries;
+        task->start(one, [&](int) {
+            ++deliveries;
+            task.reset();
+        });
+    });
+    ASSERT_TRUE(waitFor([&] { return task == nullptr; }));
+    EXPECT_EQ(deliveries, 2);
+}
+
+} // namespace
