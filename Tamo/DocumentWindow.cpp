@@ -61,7 +61,7 @@ void showError(QWidget* parent, const QString& text) {
 } // namespace
 
 DocumentWindow::DocumentWindow(std::unique_ptr<XMLFileDocument> document, const QString& path)
-    : m_document(std::move(document)), m_path(path), m_session(m_document->buffer()) {
+    : m_document(std::move(document)), m_path(path), m_session(m_document->buffer(), encodingName()) {
     setAttribute(Qt::WA_DeleteOnClose);
     resize(initialSize);
     m_session.buffer().setUndoManager(&m_undoManager);

@@ -1,17 +1,72 @@
 #include "EditorSession.h"
 
+#include "MutationFailureMessage.h"
+#include "NodeCopy.h"
+#include "PatientWait.h"
+#include "PrettyPrinter.h"
+#include "ProblemFixes.h"
+#include "TypingAssistant.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QPointer>
+
+#include <algorithm>
+#include <limits>
+#include <ranges>
+#include <unordered_set>
+#include <utility>
+
 namespace {
 
 using namespace std::chrono_literals;
+using Placement = TreeMutation::Placement;
 
 constexpr auto typingPause = 120ms;
+constexpr auto patience = 200ms;
+constexpr Offset quickText = 256 * 1024; ///< Of a text this long nothing takes time.
+constexpr std::size_t fewEdits = 1000;
+
+/// How far around the selection a comment is looked for; more before it than after.
+constexpr Offset commentReachBefore = 65'536;
+constexpr Offset commentReachAfter = 4'096;
+
+/// `name`, or with the first number from 2 on that makes it different from all of `taken`.
+std::u16string distinctName(const std::u16string& name,
+                            const std::unordered_set<std::u16string_view>& taken) {
+    std::u16string distinct = name;
+    for (std::size_t number = 2; taken.contains(distinct); ++number) {
+        distinct = name + QString::number(number).toStdU16String();
+    }
+    return distinct;
+}
+
+/// Takes over the units without copying them.
+SourceText sourceText(std::u16string units) {
+    const auto owner = std::make_shared<const std::u16string>(std::move(units));
+    return {std::shared_ptr<const char16_t[]>(owner, owner->data()), owner->size()};
+}
 
 } // namespace
 
-EditorSession::EditorSession(TextBuffer& buffer, QObject* parent)
-    : QObject(parent), m_buffer(buffer), m_parsed{DocumentTree::empty(), {}, {}, -1},
-      m_isEmptyDocument(buffer.text().isEmpty()) {
+QString EditorSession::rawValue(Mode mode) {
+    switch (mode) {
+    case Mode::text:
+        return QStringLiteral("text");
+    case Mode::visual:
+        return QStringLiteral("visual");
+    case Mode::split:
+        return QStringLiteral("split");
+    }
+    std::unreachable();
+}
+
+EditorSession::EditorSession(TextBuffer& buffer, const QString& encodingName, QObject* parent)
+    : QObject(parent), m_buffer(buffer), m_encodingName(encodingName),
+      m_isEmptyDocument(buffer.text().isEmpty()), m_isUntouched(m_isEmptyDocument),
+      m_showsGallery(m_isEmptyDocument), m_parsed(ParsedDocument::make()), m_outline(m_parsed) {
     connect(&buffer.storage(), &TextStorage::editProcessed, this, &EditorSession::noteEdit);
+    connect(&m_outline, &OutlineState::rowsChanged, this, &EditorSession::rowsChanged);
 }
 
 EditorSession::~EditorSession() { m_buffer.setOnChange({}); }
@@ -24,29 +79,525 @@ void EditorSession::start() {
     }
 }
 
+// What the user chose
+
+void EditorSession::setMode(Mode mode) {
+    if (std::exchange(m_mode, mode) != mode) {
+        emit modeChanged();
+    }
+}
+
+void EditorSession::setFilter(const QString& filter) {
+    if (m_filter != filter) {
+        m_filter = filter;
+        m_outline.setFilter(filter.trimmed());
+        emit filterChanged();
+    }
+}
+
+void EditorSession::setNamePrompt(const std::optional<NamePrompt>& prompt) {
+    if (m_namePrompt != prompt) {
+        m_namePrompt = prompt;
+        emit namePromptChanged();
+    }
+}
+
+void EditorSession::setErrorMessage(const std::optional<QString>& message) {
+    if (m_errorMessage != message) {
+        m_errorMessage = message;
+        emit errorMessageChanged();
+    }
+}
+
+void EditorSession::setSelection(const std::optional<NodePath>& selection) {
+    if (m_selection != selection) {
+        m_selection = selection;
+        emit selectionChanged();
+    }
+}
+
+void EditorSession::requestReveal(SourceRange range) {
+    m_revealRequest = RevealRequest{range, m_revealRequest ? m_revealRequest->serial + 1 : 1};
+    emit revealRequestChanged();
+}
+
+void EditorSession::setBusy(bool isBusy) {
+    if (std::exchange(m_isBusy, isBusy) != isBusy) {
+        emit isBusyChanged();
+    }
+}
+
+// From the text to the tree
+
 void EditorSession::textChanged() {
+    m_isUntouched = false;
     if (const bool isEmpty = m_buffer.text().isEmpty(); isEmpty != m_isEmptyDocument) {
         m_isEmptyDocument = isEmpty;
         emit isEmptyDocumentChanged();
     }
+    updateGallery();
     reparse(typingPause);
 }
 
 void EditorSession::noteEdit(SourceRange edited, std::int64_t changeInLength) {
     const std::int64_t lengthBefore = std::int64_t(edited.length()) - changeInLength;
-    m_editsSinceParse.add(SourceRange::at(edited.lower, lengthBefore), edited.length());
+    const SourceRange replaced = SourceRange::at(edited.lower, lengthBefore);
+    m_editsSinceParse.add(replaced, edited.length());
+    if (m_pendingSelectOffset && replaced.contains(*m_pendingSelectOffset)) {
+        m_pendingSelectOffset.reset();
+    } else if (m_pendingSelectOffset && replaced.upper <= *m_pendingSelectOffset) {
+        m_pendingSelectOffset = static_cast<Offset>(*m_pendingSelectOffset + changeInLength);
+    }
+}
+
+ReparseScheduler::Snapshot EditorSession::snapshot() const {
+    OutlineContents::Request outline = m_outline.request();
+    outline.selection = m_selection;
+    outline.selectOffset = m_pendingSelectOffset;
+    return {m_buffer.text(), m_buffer.generation(), std::move(outline)};
 }
 
 void EditorSession::reparse(std::chrono::milliseconds delay) {
     m_scheduler.schedule(
-        delay, [this] { return ReparseScheduler::Snapshot{m_buffer.text(), m_buffer.generation()}; },
+        delay, [this] { return snapshot(); },
         [this](ReparseScheduler::Result result) { deliver(std::move(result)); });
+}
+
+void EditorSession::bringTreeUpToDate() {
+    if (!isTreeCurrent()) {
+        deliver(m_scheduler.parseNow(snapshot(), [this](const Work& parse) { runWork(parse); }));
+    }
 }
 
 void EditorSession::deliver(ReparseScheduler::Result result) {
     // A result that an edit overtook is never delivered, so none of the edits is newer than this tree.
-    std::swap(m_parsed, result);
     m_editsSinceParse = {};
-    emit treeChanged();
+    std::swap(m_parsed, result.document);
+    const bool isGenerationNew = m_parsed->generation != result.document->generation;
+    const bool areErrorsNew = m_parsed->errorNodes != result.document->errorNodes;
+    const std::optional<OutlineContents::Place> toSelect =
+        m_pendingSelectOffset && m_pendingSelectOffset == result.outline.request.selectOffset
+            ? std::move(result.outline.toSelect)
+            : std::nullopt;
+    m_pendingSelectOffset.reset();
+    const bool isSelectionThere = isStillThere(result.outline);
+    result.outline.rows = m_outline.take(m_parsed, std::exchange(result.outline, {}));
+
+    // Everybody who is told finds all of it new.
+    std::optional<NodePath> selection = isSelectionThere ? m_selection : std::nullopt;
+    if (toSelect) {
+        selection = toSelect->path;
+    }
+    const bool isSelectionNew = selection != m_selection;
+    m_selection = std::move(selection);
     m_scheduler.recycle(std::move(result));
+    emit treeChanged();
+    if (isGenerationNew) {
+        emit treeGenerationChanged();
+    }
+    if (areErrorsNew) {
+        emit errorNodesChanged();
+    }
+    emit rowsChanged();
+    if (isSelectionNew) {
+        emit selectionChanged();
+    }
+    if (toSelect) {
+        const SourceRange range = m_parsed->tree[toSelect->node].range;
+        m_outline.showAncestors(toSelect->path, toSelect->node);
+        requestReveal(range);
+    }
+}
+
+bool EditorSession::isStillThere(const OutlineContents& selectionIn) const {
+    if (!m_selection) {
+        return false;
+    }
+    // Somebody may have selected another node while the worker looked for the last one.
+    return selectionIn.request.selection == m_selection ? selectionIn.isSelectionThere
+                                                        : m_parsed->tree.resolve(*m_selection).has_value();
+}
+
+void EditorSession::runWork(const Work& work) {
+    if (m_buffer.text().size() <= quickText) {
+        work();
+        return;
+    }
+    runPatiently(work, patience, [this] { setBusy(true); });
+    setBusy(false);
+}
+
+// Where the user is
+
+std::optional<NodeID> EditorSession::selectedNode() const {
+    return m_selection ? m_outline.resolve(*m_selection) : std::nullopt;
+}
+
+std::vector<Breadcrumb> EditorSession::breadcrumbs() const {
+    const auto node = selectedNode();
+    return node ? Breadcrumbs::steps(*node, *m_selection, tree()) : std::vector<Breadcrumb>();
+}
+
+void EditorSession::select(const NodePath& path) {
+    m_pendingSelectOffset.reset();
+    if (m_selection == path) {
+        return;
+    }
+    setSelection(path);
+    if (m_mode != Mode::split) {
+        return;
+    }
+    if (const auto node = m_outline.resolve(path)) {
+        if (const auto now = m_editsSinceParse.now(tree()[*node].range)) {
+            requestReveal(*now);
+        }
+    }
+}
+
+void EditorSession::followCaret() {
+    const Offset caret = m_textSelection.lower;
+    // The end of the text lies in no node.
+    if (m_mode == Mode::visual || !isTreeCurrent() || caret >= tree().text.count()) {
+        return;
+    }
+    const NodeID node = tree().innermostNode(caret);
+    const NodePath path = m_outline.path(node);
+    if (m_selection != path) {
+        setSelection(path);
+        m_outline.showAncestors(path, node);
+    }
+}
+
+void EditorSession::expand(const NodePath& path) { m_outline.setExpanded(path, true); }
+void EditorSession::collapse(const NodePath& path) { m_outline.setExpanded(path, false); }
+void EditorSession::expandRow(std::size_t row) { m_outline.setRowExpanded(row, true); }
+void EditorSession::collapseRow(std::size_t row) { m_outline.setRowExpanded(row, false); }
+
+void EditorSession::reveal(SourceRange range) {
+    const auto now = m_editsSinceParse.now(range);
+    if (!now) {
+        return;
+    }
+    if (m_mode == Mode::visual) {
+        const NodeID node = tree().innermostNode(range.lower);
+        const NodePath path = m_outline.path(node);
+        m_pendingSelectOffset.reset();
+        setSelection(path);
+        m_outline.showAncestors(path, node);
+    }
+    requestReveal(*now);
+}
+
+void EditorSession::nextProblem() {
+    const DiagnosticList& problems = tree().diagnostics;
+    // In a tree without a text beside it the caret stays where the text was last seen.
+    const bool isTextHidden = m_mode == Mode::visual && m_revealRequest.has_value();
+    const Offset caret = isTextHidden ? m_revealRequest->range.lower : m_textSelection.lower;
+    const Offset caretThen = m_editsSinceParse.then(SourceRange::empty(caret)).lower;
+    const std::size_t next = problems.firstIndex(caretThen + 1);
+    for (std::size_t tried = 0; tried < problems.size(); ++tried) {
+        const SourceRange range = problems.range((next + tried) % problems.size());
+        if (m_editsSinceParse.now(range)) {
+            reveal(range);
+            return;
+        }
+    }
+}
+
+void EditorSession::copyPath() const {
+    if (const auto node = selectedNode()) {
+        QGuiApplication::clipboard()->setText(QString::fromStdU16String(tree().xpath(*node)));
+    }
+}
+
+QStringList EditorSession::nameCompletions(const QString& partialWord, bool inTag) {
+    if (!m_vocabulary || m_vocabulary->treeGeneration != treeGeneration()) {
+        DocumentTree::Vocabulary names;
+        runWork([&] { names = tree().vocabulary(); });
+        m_vocabulary = {treeGeneration(), std::move(names)};
+    }
+    const std::u16string word = partialWord.toStdU16String();
+    QStringList completions;
+    for (const std::u16string& name : inTag ? m_vocabulary->names.attributes : m_vocabulary->names.elements) {
+        if (name.starts_with(word) && name != word) {
+            completions += QString::fromStdU16String(name);
+        }
+    }
+    return completions;
+}
+
+// Changes
+
+bool EditorSession::hasRoomFor(std::int64_t units) {
+    const bool hasRoom = units <= std::int64_t(std::numeric_limits<Offset>::max()) - m_buffer.text().size();
+    if (!hasRoom) {
+        setErrorMessage(QStringLiteral("El documento sería demasiado grande."));
+    }
+    return hasRoom;
+}
+
+void EditorSession::applyEdits(std::span<const TextEdit> edits, const QString& actionName) {
+    const bool isChange = std::ranges::any_of(edits, [this](const TextEdit& edit) {
+        return edit.delta() != 0 || m_buffer.text().units(edit.range) != edit.replacement;
+    });
+    // The edits are made one after the other, those that add perhaps first.
+    std::int64_t added = 0;
+    for (const TextEdit& edit : edits) {
+        added += std::max<std::int64_t>(edit.delta(), 0);
+    }
+    if (isChange && hasRoomFor(added)) {
+        m_buffer.apply(edits, actionName);
+        reparse(0ms);
+    }
+}
+
+void EditorSession::replaceText(const std::function<TextEdit()>& edit, const QString& actionName) {
+    SourceRange range;
+    std::int64_t delta = 0;
+    std::optional<Rope> units;
+    runWork([&] {
+        TextEdit made = edit();
+        range = made.range;
+        delta = made.delta();
+        if (delta == 0 && tree().text.units(range) == made.replacement) {
+            return;
+        }
+        if (made.replacement.size() <= std::numeric_limits<Offset>::max()) {
+            units = Rope(sourceText(std::move(made.replacement)));
+        }
+    });
+    if (hasRoomFor(delta) && units) {
+        m_buffer.replace(range, *units, actionName);
+        reparse(0ms);
+    }
+}
+
+void EditorSession::apply(const TreeMutation& mutation, const QString& actionName) {
+    bringTreeUpToDate();
+    if (const auto plan = MutationPlanner::plan(mutation, tree(), indent())) {
+        apply(*plan, actionName);
+    } else {
+        setErrorMessage(message(plan.error()));
+    }
+}
+
+void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& actionName) {
+    const std::int64_t generation = m_buffer.generation();
+    applyEdits(plan.edits, actionName);
+    if (m_buffer.generation() != generation) {
+        m_pendingSelectOffset = plan.selectOffset;
+    }
+}
+
+void EditorSession::apply(const DocumentTemplate& documentTemplate) {
+    const QString actionName = QStringLiteral("Plantilla");
+    const TextEdit edit{m_buffer.text().fullRange(), std::u16string(documentTemplate.text)};
+    UndoManager* const undoManager = m_buffer.undoManager();
+    if (undoManager == nullptr) {
+        applyEdits({&edit, 1}, actionName);
+        return;
+    }
+    undoManager->beginUndoGroup();
+    undoManager->setActionName(actionName);
+    setUntouched(false, m_isUntouched);
+    applyEdits({&edit, 1}, actionName);
+    undoManager->endUndoGroup();
+}
+
+void EditorSession::startBlank() {
+    m_isBlankWanted = true;
+    updateGallery();
+}
+
+/// Joins the open step of undo, before the change of the text: undoing runs backwards, and every change of
+/// the text makes the document a touched one.
+void EditorSession::setUntouched(bool isUntouched, bool isUntouchedAfterUndo) {
+    m_isUntouched = isUntouched;
+    m_buffer.undoManager()->registerUndo([self = QPointer(this), isUntouched, isUntouchedAfterUndo] {
+        if (self != nullptr) {
+            self->setUntouched(isUntouchedAfterUndo, isUntouched);
+        }
+    });
+    updateGallery();
+}
+
+void EditorSession::updateGallery() {
+    const bool showsGallery = m_isUntouched && m_isEmptyDocument && !m_isBlankWanted;
+    if (std::exchange(m_showsGallery, showsGallery) != showsGallery) {
+        emit showsGalleryChanged();
+    }
+}
+
+void EditorSession::format() {
+    bringTreeUpToDate();
+    replaceText([this] { return PrettyPrinter::format(tree(), indent()); }, QStringLiteral("Formatear"));
+}
+
+void EditorSession::minify() {
+    bringTreeUpToDate();
+    replaceText([this] { return PrettyPrinter::minify(tree()); }, QStringLiteral("Minificar"));
+}
+
+void EditorSession::moveUp() { moveSelection(-1, Placement::before); }
+void EditorSession::moveDown() { moveSelection(1, Placement::after); }
+
+void EditorSession::moveSelection(int distance, Placement placement) {
+    bringTreeUpToDate();
+    if (!m_selection || m_selection->indices.empty()) {
+        return;
+    }
+    NodePath parent = *m_selection;
+    parent.indices.pop_back();
+    const auto parentNode = m_outline.resolve(parent);
+    const std::int64_t index = std::int64_t(m_selection->indices.back()) + distance;
+    if (!parentNode || index < 0 || index >= tree()[*parentNode].childCount) {
+        return;
+    }
+    NodePath target = std::move(parent);
+    target.indices.push_back(static_cast<std::uint32_t>(index));
+    move(*m_selection, target, placement);
+}
+
+void EditorSession::duplicate() {
+    bringTreeUpToDate();
+    if (m_selection) {
+        apply(TreeMutation::Duplicate{*m_selection}, QStringLiteral("Duplicar"));
+    }
+}
+
+void EditorSession::deleteSelection() {
+    bringTreeUpToDate();
+    if (m_selection) {
+        apply(TreeMutation::Delete{*m_selection}, QStringLiteral("Eliminar"));
+    }
+}
+
+void EditorSession::move(const NodePath& path, const NodePath& target, Placement placement) {
+    apply(TreeMutation::Move{path, target, placement}, QStringLiteral("Mover"));
+}
+
+void EditorSession::copy(const NodePath& path, const NodePath& target, Placement placement) {
+    bringTreeUpToDate();
+    if (const auto plan = NodeCopy::plan(path, target, placement, tree(), indent())) {
+        apply(*plan, QStringLiteral("Duplicar"));
+    } else {
+        setErrorMessage(message(plan.error()));
+    }
+}
+
+void EditorSession::requestNamePrompt(NamePrompt::Kind kind) {
+    if (m_selection) {
+        setNamePrompt(NamePrompt{kind, *m_selection});
+    }
+}
+
+void EditorSession::completeNamePrompt(const QString& name) {
+    if (!m_namePrompt) {
+        return;
+    }
+    const NamePrompt prompt = *m_namePrompt;
+    const std::u16string units = name.toStdU16String();
+    setNamePrompt(std::nullopt);
+    switch (prompt.kind) {
+    case NamePrompt::Kind::addChild:
+        apply(TreeMutation::InsertElement{units, prompt.path, Placement::lastChild},
+              QStringLiteral("Añadir hijo"));
+        break;
+    case NamePrompt::Kind::addSibling:
+        apply(TreeMutation::InsertElement{units, prompt.path, Placement::after},
+              QStringLiteral("Añadir hermano"));
+        break;
+    case NamePrompt::Kind::wrap:
+        apply(TreeMutation::Wrap{prompt.path, units}, QStringLiteral("Envolver"));
+        break;
+    }
+}
+
+void EditorSession::rename(const NodePath& path, const QString& name) {
+    apply(TreeMutation::Rename{path, name.toStdU16String()}, QStringLiteral("Renombrar"));
+}
+
+void EditorSession::setText(const NodePath& path, const QString& text) {
+    apply(TreeMutation::SetText{path, text.toStdU16String()}, QStringLiteral("Editar texto"));
+}
+
+void EditorSession::renameAttribute(const NodePath& path, const QString& oldName, const QString& newName) {
+    apply(TreeMutation::RenameAttribute{path, oldName.toStdU16String(), newName.toStdU16String()},
+          QStringLiteral("Renombrar atributo"));
+}
+
+void EditorSession::setAttribute(const NodePath& path, const QString& name, const QString& value) {
+    apply(TreeMutation::SetAttribute{path, name.toStdU16String(), value.toStdU16String()},
+          QStringLiteral("Cambiar atributo"));
+}
+
+void EditorSession::removeAttribute(const NodePath& path, const QString& name) {
+    apply(TreeMutation::RemoveAttribute{path, name.toStdU16String()}, QStringLiteral("Quitar atributo"));
+}
+
+QString EditorSession::addAttribute(const NodePath& path) {
+    bringTreeUpToDate();
+    std::unordered_set<std::u16string_view> taken;
+    if (const auto node = m_outline.resolve(path)) {
+        for (const AttributeSpan& attribute : tree().attributesOf(*node)) {
+            taken.insert(tree().text.units(attribute.name));
+        }
+    }
+    const std::u16string name = distinctName(u"atributo", taken);
+    apply(TreeMutation::SetAttribute{path, name, {}}, QStringLiteral("Añadir atributo"));
+    return QString::fromStdU16String(name);
+}
+
+std::optional<SourceRange> EditorSession::toggleComment() {
+    const Rope& text = m_buffer.text();
+    const SourceRange selection(std::min(m_textSelection.lower, text.size()),
+                                std::min(m_textSelection.upper, text.size()));
+    const Offset start = selection.lower - std::min(selection.lower, commentReachBefore);
+    const Offset end = selection.upper + std::min(text.size() - selection.upper, commentReachAfter);
+    const SourceText slice(text.units({start, end}));
+    const auto action = TypingAssistant::toggleComment(slice, selection.shifted(-std::int64_t(start)));
+    const auto* const edit = action ? std::get_if<TypingAssistant::Edit>(&*action) : nullptr;
+    if (edit == nullptr) {
+        return std::nullopt;
+    }
+    std::vector<TextEdit> edits = edit->edits;
+    for (TextEdit& shifted : edits) {
+        shifted.range = shifted.range.shifted(start);
+    }
+    const std::int64_t generation = m_buffer.generation();
+    applyEdits(edits, QStringLiteral("Comentar"));
+    return m_buffer.generation() != generation ? std::optional(edit->selection.shifted(start)) : std::nullopt;
+}
+
+void EditorSession::applyFix(std::size_t index) {
+    if (index >= tree().diagnostics.size()) {
+        return;
+    }
+    const Diagnostic wanted = tree().diagnostics[index];
+    const auto now = m_editsSinceParse.now(wanted.range);
+    if (!wanted.fix || !now) {
+        return;
+    }
+    bringTreeUpToDate();
+    const DiagnosticList& problems = tree().diagnostics;
+    for (std::size_t at = problems.firstIndex(now->lower);
+         at < problems.size() && problems.range(at).lower == now->lower; ++at) {
+        const Diagnostic problem = problems[at];
+        if (problem.range == *now && problem.message == wanted.message && problem.fix) {
+            applyEdits(problem.fix->edits, QString::fromStdU16String(problem.fix->title));
+            return;
+        }
+    }
+}
+
+void EditorSession::applyAllFixes() {
+    bringTreeUpToDate();
+    const QString actionName = QStringLiteral("Corregir todo");
+    std::vector<TextEdit> edits;
+    runWork([&] { edits = ProblemFixes::edits(tree()); });
+    if (edits.size() <= fewEdits) {
+        applyEdits(edits, actionName);
+    } else {
+        replaceText([&] { return ProblemFixes::merged(edits, tree().text); }, actionName);
+    }
 }

@@ -34,22 +34,45 @@ struct ReparseScheduler::Job {
     Result result;
 
     void run() {
+        result.document = ParsedDocument::make();
+        ParsedDocument& document = *result.document;
+        document.generation = snapshot.generation;
+        TreeOutline::Rows rows;
         for (Result& unneeded : old) {
-            result.tree = std::move(unneeded.tree);
+            if (isFree(unneeded.document)) {
+                document.tree = std::move(unneeded.document->tree);
+            }
+            rows = std::move(unneeded.outline.rows);
         }
         old.clear();
         // Gives the text's array back first, so that the new text can be written there.
-        result.tree.text = {};
-        result.generation = snapshot.generation;
+        document.tree.text = {};
+        document.tree.diagnostics = {{}, document.tree.diagnostics.releaseRecords()};
         const SourceText text = flattener->flattened(std::exchange(snapshot.text, {}));
         if (!stop.stop_requested()) {
             const auto interval = signposter.interval("Parse");
-            result.tree = TreeParser::parse(text, stop, std::move(result.tree));
+            document.tree = TreeParser::parse(text, stop, std::move(document.tree));
         }
         if (!stop.stop_requested()) {
-            result.lines = LineIndex(text);
-            result.indent = IndentStyle::detect(text, linesThatTellTheIndent);
+            document.lines = LineIndex(text);
+            document.indent = IndentStyle::detect(text, linesThatTellTheIndent);
+            document.errorNodes = NodeErrors(document.tree);
         }
+        if (!stop.stop_requested()) {
+            result.outline =
+                OutlineContents::make(std::move(snapshot.outline), document.tree, stop, std::move(rows));
+        }
+    }
+
+private:
+    static bool isFree(const std::shared_ptr<ParsedDocument>& document) {
+        if (document.use_count() > 1) {
+            return false;
+        }
+        // The count alone does not order the last reader's reads before our writes; giving back a reference
+        // does.
+        std::shared_ptr<ParsedDocument>(document).reset();
+        return true;
     }
 };
 
@@ -69,12 +92,20 @@ ReparseScheduler::~ReparseScheduler() {
 void ReparseScheduler::schedule(std::chrono::milliseconds delay, SnapshotStep snapshot,
                                 DeliveryStep deliver) {
     requireThread();
-    m_task.request_stop();
-    m_task = std::stop_source();
-    m_isDue = false;
+    cancel();
     m_snapshot = std::move(snapshot);
     m_deliver = std::move(deliver);
     m_timer.start(delay);
+}
+
+ReparseScheduler::Result
+ReparseScheduler::parseNow(Snapshot snapshot, const std::function<void(const std::function<void()>&)>& run) {
+    requireThread();
+    cancel();
+    m_timer.stop();
+    Job now = job(std::move(snapshot));
+    run([&now] { now.run(); });
+    return std::move(now.result);
 }
 
 void ReparseScheduler::recycle(Result old) {
@@ -82,12 +113,23 @@ void ReparseScheduler::recycle(Result old) {
     m_old.push_back(std::move(old));
 }
 
+void ReparseScheduler::cancel() {
+    m_task.request_stop();
+    m_task = std::stop_source();
+    m_isDue = false;
+}
+
+ReparseScheduler::Job ReparseScheduler::job(Snapshot snapshot) {
+    // A parse under way, even a cancelled one, writes where the flattener lets it.
+    return {std::move(snapshot),
+            m_task.get_token(),
+            m_isParsing ? std::make_shared<RopeFlattener>() : m_flattener,
+            std::exchange(m_old, {}),
+            {}};
+}
+
 void ReparseScheduler::start() {
-    const auto job = std::make_shared<Job>();
-    job->snapshot = std::exchange(m_snapshot, nullptr)();
-    job->stop = m_task.get_token();
-    job->flattener = m_flattener;
-    job->old = std::exchange(m_old, {});
+    const auto job = std::make_shared<Job>(this->job(std::exchange(m_snapshot, nullptr)()));
     m_isParsing = true;
     // The answer goes through the application, which outlives every worker; the scheduler may be gone then.
     QObject* const application = QCoreApplication::instance();

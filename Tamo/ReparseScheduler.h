@@ -1,8 +1,7 @@
 #pragma once
 
-#include "DocumentTree.h"
-#include "IndentStyle.h"
-#include "LineIndex.h"
+#include "OutlineContents.h"
+#include "ParsedDocument.h"
 #include "RopeFlattener.h"
 
 #include <QObject>
@@ -24,18 +23,17 @@ class ReparseScheduler : public QObject {
     Q_OBJECT
 
 public:
-    /// The text to parse, and the buffer's generation at which it was taken.
+    /// The text to parse, the buffer's generation at which it was taken, and what the outline shows.
     struct Snapshot {
         Rope text;
         std::int64_t generation = 0;
+        OutlineContents::Request outline = {};
     };
 
     /// What a parse yields, whole: nothing of it is computed on the main thread.
     struct Result {
-        DocumentTree tree;
-        LineIndex lines;
-        IndentStyle indent;
-        std::int64_t generation = 0; ///< That of the snapshot.
+        std::shared_ptr<ParsedDocument> document;
+        OutlineContents outline;
     };
 
     using SnapshotStep = std::function<Snapshot()>;
@@ -48,13 +46,19 @@ public:
     /// `deliver` given the result; neither if another request arrives first.
     void schedule(std::chrono::milliseconds delay, SnapshotStep snapshot, DeliveryStep deliver);
 
-    /// Takes a result that nobody needs any more: a large one is neither freed on the main thread nor
-    /// wasted, for the next parse writes into its storage.
+    /// Parses at once and answers with the result; the parse itself is given to `run`, which calls it before
+    /// it returns, on whatever thread. What was requested before is not delivered any more.
+    Result parseNow(Snapshot snapshot, const std::function<void(const std::function<void()>&)>& run);
+
+    /// Takes a result that its owner needs no more: a large one is neither freed on the main thread nor
+    /// wasted, for the next parse writes into its storage, unless somebody else still reads it.
     void recycle(Result old);
 
 private:
     struct Job;
 
+    Job job(Snapshot snapshot);
+    void cancel();
     void start();
     void finish(Job& job);
     void requireThread() const;

@@ -60,7 +60,7 @@ public:
             },
             [this](ReparseScheduler::Result result) {
                 EXPECT_EQ(QThread::currentThread(), scheduler->thread());
-                delivered.push_back(result.tree.text.string());
+                delivered.push_back(result.document->tree.text.string());
                 last = std::move(result);
             });
     }
@@ -79,12 +79,12 @@ TEST(ReparseScheduler, DeliversTheTreeWithWhatDerivesFromTheText) {
     session.schedule(0ms, u"<a>\n\t<b/>\n\t<c/>\n</a>");
     EXPECT_TRUE(session.snapshots.empty());
     ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
-    EXPECT_EQ(session.last->tree.attributes.size(), 0);
-    ASSERT_TRUE(session.last->tree.rootElement().has_value());
-    EXPECT_EQ(session.last->tree.name(*session.last->tree.rootElement()), u"a");
-    EXPECT_EQ(session.last->lines.starts, (std::vector<Offset>{0, 4, 10, 16}));
-    EXPECT_EQ(session.last->indent, IndentStyle::tabs());
-    EXPECT_EQ(session.last->generation, 1);
+    EXPECT_EQ(session.last->document->tree.attributes.size(), 0);
+    ASSERT_TRUE(session.last->document->tree.rootElement().has_value());
+    EXPECT_EQ(session.last->document->tree.name(*session.last->document->tree.rootElement()), u"a");
+    EXPECT_EQ(session.last->document->lines.starts, (std::vector<Offset>{0, 4, 10, 16}));
+    EXPECT_EQ(session.last->document->indent, IndentStyle::tabs());
+    EXPECT_EQ(session.last->document->generation, 1);
 }
 
 TEST(ReparseScheduler, ParsesOnlyTheLastOfABurst) {
@@ -122,7 +122,7 @@ TEST(ReparseScheduler, DiscardsAFinishedResultThatWasOvertaken) {
         ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
         settle();
         EXPECT_EQ(session.delivered, Texts{std::u16string(newer)});
-        EXPECT_EQ(session.last->generation, 2);
+        EXPECT_EQ(session.last->document->generation, 2);
     }
 }
 
@@ -179,13 +179,13 @@ TEST(ReparseScheduler, UsesOldTreesAgain) {
     text += u"</root>";
     session.schedule(0ms, text);
     ASSERT_TRUE(runUntil([&] { return session.delivered.size() == 1; }));
-    const std::size_t nodes = session.last->tree.nodes.size();
-    const void* const storage = session.last->tree.nodes.data();
+    const std::size_t nodes = session.last->document->tree.nodes.size();
+    const void* const storage = session.last->document->tree.nodes.data();
     session.scheduler->recycle(std::move(*session.last));
     session.schedule(0ms, text);
     ASSERT_TRUE(runUntil([&] { return session.delivered.size() == 2; }));
-    EXPECT_EQ(session.last->tree.nodes.size(), nodes);
-    EXPECT_EQ(session.last->tree.nodes.data(), storage);
+    EXPECT_EQ(session.last->document->tree.nodes.size(), nodes);
+    EXPECT_EQ(session.last->document->tree.nodes.data(), storage);
     EXPECT_EQ(session.delivered[1], text);
 }
 

@@ -1,0 +1,189 @@
+#include "OutlineState.h"
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto searchDelay = 150ms;
+constexpr std::size_t fewNodes = 50'000; ///< Their rows are made within a millisecond or two.
+constexpr std::size_t fewSteps = 8;
+
+} // namespace
+
+OutlineState::OutlineState(std::shared_ptr<const ParsedDocument> document, QObject* parent)
+    : QObject(parent), m_document(std::move(document)), m_outline(std::make_shared<TreeOutline>()) {
+    m_searchDelay.setSingleShot(true);
+    m_searchDelay.setTimerType(Qt::PreciseTimer);
+    m_searchDelay.setInterval(searchDelay);
+    connect(&m_searchDelay, &QTimer::timeout, this, &OutlineState::search);
+}
+
+OutlineContents::Request OutlineState::request() const {
+    return {m_isFirstExpansionDue ? nullptr : m_outline, m_shownFilter, {}, {}};
+}
+
+TreeOutline::Rows OutlineState::take(std::shared_ptr<const ParsedDocument> document,
+                                     OutlineContents contents) {
+    m_task.cancel();
+    m_document = std::move(document);
+    TreeOutline::Rows old = std::exchange(m_rows, std::move(contents.rows));
+    if (m_isFirstExpansionDue) {
+        m_isFirstExpansionDue = tree().nodes.size() == 1;
+        m_outline = std::make_shared<TreeOutline>(*contents.request.outline);
+        contents.request.outline = m_outline;
+    }
+    // While the worker was at it, the user may have gone on.
+    const bool isOutlineCurrent = contents.request.outline == m_outline;
+    contents = {};
+    if (m_filter.isEmpty()) {
+        if (isFiltered() || !isOutlineCurrent) {
+            if (!makeRowsIfFew()) {
+                makeRowsElsewhere(m_filter);
+            }
+        }
+    } else if (m_filter != m_shownFilter && !m_searchDelay.isActive()) {
+        m_searchDelay.start();
+    }
+    return old;
+}
+
+// The filter
+
+void OutlineState::setFilter(const QString& filter) {
+    m_filter = filter;
+    m_task.cancel();
+    m_searchDelay.stop();
+    filter.isEmpty() ? makeRows() : m_searchDelay.start();
+}
+
+void OutlineState::search() { makeRowsElsewhere(m_filter); }
+
+// The rows
+
+void OutlineState::makeRows() {
+    if (makeRowsIfFew()) {
+        emit rowsChanged();
+    } else {
+        makeRowsElsewhere(m_filter);
+    }
+}
+
+bool OutlineState::makeRowsIfFew() {
+    m_task.cancel();
+    if (tree().nodes.size() > fewNodes) {
+        return false;
+    }
+    m_rows = m_outline->rows(tree(), std::move(m_rows));
+    m_shownFilter.clear();
+    return true;
+}
+
+void OutlineState::makeRowsElsewhere(const QString& filter) {
+    m_task.start(
+        [document = m_document, request = OutlineContents::Request{m_outline, filter, {}, {}}](
+            const std::stop_token& stop) { return OutlineContents::make(request, document->tree, stop, {}); },
+        [this](OutlineContents contents) { show(std::move(contents)); });
+}
+
+void OutlineState::show(OutlineContents contents) {
+    if (contents.request.filter != m_filter) {
+        return;
+    }
+    m_rows = std::move(contents.rows);
+    m_shownFilter = contents.request.filter;
+    if (const bool isOutdated = !isFiltered() && contents.request.outline != m_outline; isOutdated) {
+        contents = {};
+        makeRowsElsewhere(m_filter);
+    }
+    emit rowsChanged();
+}
+
+// What is expanded
+
+TreeOutline& OutlineState::changeableOutline() {
+    if (m_outline.use_count() > 1) {
+        m_outline = std::make_shared<TreeOutline>(*m_outline);
+    }
+    // The count alone does not order a worker's last reads before our writes; giving back a reference does.
+    std::shared_ptr<TreeOutline>(m_outline).reset();
+    return *m_outline;
+}
+
+void OutlineState::setExpanded(const NodePath& path, bool isExpanded) {
+    if (const auto row = isFiltered() ? std::nullopt : m_rows.row(path, tree())) {
+        setRowExpanded(*row, isExpanded);
+    } else if (m_outline->expanded.contains(path) != isExpanded) {
+        NodePathSet& expanded = changeableOutline().expanded;
+        isExpanded ? expanded.insert(path) : expanded.erase(path);
+    }
+}
+
+void OutlineState::setRowExpanded(std::size_t row, bool isExpanded) {
+    if (isFiltered()) {
+        const NodePath path = m_rows.path(row, tree());
+        NodePathSet& expanded = changeableOutline().expanded;
+        isExpanded ? expanded.insert(path) : expanded.erase(path);
+    } else if (m_rows[row].isExpanded != isExpanded) {
+        TreeOutline& outline = changeableOutline();
+        isExpanded ? outline.expand(row, m_rows, tree()) : outline.collapse(row, m_rows, tree());
+        emit rowsChanged();
+    }
+}
+
+void OutlineState::showAncestors(const NodePath& path, NodeID node) {
+    if (isFiltered()) {
+        changeableOutline().expanded.insertAncestors(path);
+        return;
+    }
+    // From the node up to the first one that is shown, or as far as it is worth the while.
+    std::vector<NodeID> hidden;
+    for (NodeID around = node;
+         around != NodeID::document() && !m_rows.row(around) && hidden.size() <= fewSteps;
+         around = tree()[around].parent) {
+        hidden.push_back(around);
+    }
+    if (hidden.empty()) {
+        return;
+    }
+    TreeOutline& outline = changeableOutline();
+    if (hidden.size() > fewSteps || m_task.isRunning()) {
+        outline.expanded.insertAncestors(path);
+        makeRows();
+        return;
+    }
+    for (auto step = hidden.rbegin(); step != hidden.rend(); ++step) {
+        if (const auto row = m_rows.row(tree()[*step].parent)) {
+            outline.expand(*row, m_rows, tree());
+        }
+    }
+    emit rowsChanged();
+}
+
+// Paths
+
+NodePath OutlineState::path(NodeID of) const {
+    std::vector<NodeID> hidden;
+    std::optional<std::size_t> row;
+    for (NodeID node = of; node != NodeID::document(); node = tree()[node].parent) {
+        row = m_rows.row(node);
+        if (row) {
+            break;
+        }
+        hidden.push_back(node);
+    }
+    NodePath path = row ? m_rows.path(*row, tree()) : NodePath();
+    for (auto node = hidden.rbegin(); node != hidden.rend(); ++node) {
+        path.indices.push_back(static_cast<std::uint32_t>(tree().indexInParent(*node)));
+    }
+    return path;
+}
+
+std::optional<NodeID> OutlineState::resolve(const NodePath& path) const {
+    if (const auto row = m_rows.row(path, tree())) {
+        return m_rows[*row].node;
+    }
+    return tree().resolve(path);
+}

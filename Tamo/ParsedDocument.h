@@ -1,0 +1,22 @@
+#pragma once
+
+#include "DocumentTree.h"
+#include "IndentStyle.h"
+#include "LineIndex.h"
+#include "NodeErrors.h"
+
+#include <cstdint>
+#include <memory>
+
+/// What one parse tells of a text. Shared and never changed once it is delivered, so that any thread may read
+/// it; whoever lets go of it last, it is not freed on the main thread.
+struct ParsedDocument {
+    DocumentTree tree;
+    LineIndex lines;
+    IndentStyle indent;
+    NodeErrors errorNodes;
+    std::int64_t generation = -1; ///< Of the text in its buffer; -1 for the text before any parse.
+
+    /// A document to fill in, for the owner of the only reference.
+    static std::shared_ptr<ParsedDocument> make();
+};
