@@ -1,0 +1,89 @@
+#pragma once
+
+#include "FileFailure.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <condition_variable>
+#include <expected>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+/// A file that is locked for as long as this object and this process live, however they end. Processes that
+/// this one starts do not inherit it.
+class FileLock {
+public:
+    /// Creates the file where it is missing. Nothing when another process holds the lock, `missing` when the
+    /// folder went meanwhile.
+    static std::expected<std::optional<FileLock>, FileFailure> take(const QString& path);
+
+    FileLock(FileLock&& other) noexcept;
+    FileLock& operator=(FileLock&&) = delete;
+    ~FileLock();
+
+private:
+    explicit FileLock(int number) : m_number(number) {}
+
+    int m_number;
+};
+
+/// The folder in which one run of the program keeps its unsaved texts: a folder of the recovery folder, with
+/// a lock that shows whether that run still lives. Since the system lets go of it when a process ends,
+/// neither a number that another process got later nor a restart of the machine is mistaken for life.
+///
+/// All functions wait for the disk and may be called from any thread.
+class RecoverySession {
+public:
+    /// Makes nothing on the disk yet.
+    explicit RecoverySession(QString root) : m_root(std::move(root)) {}
+
+    /// Removes the folder, unless something is kept there.
+    ~RecoverySession();
+
+    RecoverySession(const RecoverySession&) = delete;
+    RecoverySession& operator=(const RecoverySession&) = delete;
+
+    const QString& root() const { return m_root; }
+
+    /// The folder of this run, which is made the first time that it is needed. A failure may be gone at the
+    /// next call.
+    std::expected<QString, FileFailure> folder();
+
+    /// A path in `folder()` that nothing stands at.
+    std::expected<QString, FileFailure> pathForNewLog();
+
+    /// Takes over the folder of a run that is dead and that nobody else took over; nothing when there is none
+    /// at `path`, it lives, or its lock cannot be had.
+    static std::unique_ptr<RecoverySession> adopted(const QString& root, const QString& path);
+
+    /// The folders of all runs below `root`, this one and others.
+    static QStringList folders(const QString& root);
+
+    /// The logs in `folder()`; empty when that was never made.
+    QStringList logs();
+
+    /// Threads that write in the folder say when they start and when they are done with it.
+    void beginWork();
+    void endWork();
+
+    /// Waits until they all are; answers whether that came before the time was over.
+    bool waitForWork(std::chrono::milliseconds timeout);
+
+private:
+    std::expected<void, FileFailure> make();
+
+    const QString m_root;
+    std::mutex m_mutex; ///< Of all below.
+    QString m_folder;   ///< Empty until it is made.
+    std::optional<FileLock> m_lock;
+    int m_logs = 0;
+    int m_works = 0;
+    std::condition_variable m_worksChanged;
+};
+
+/// Has the disk remember the entries of the folder at `path`.
+void syncFolder(const QString& path);
