@@ -17,7 +17,7 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word) {
 
 std::uint64_t checksum(Bytes bytes, std::uint64_t seed) {
     constexpr std::size_t step = sizeof(std::uint64_t);
-    std::uint64_t state = mixed(seed, bytes.size());
+    std::uint64_t state = mixed(mixed(0, seed + 1), bytes.size());
     for (; bytes.size() >= step; bytes = bytes.subspan(step)) {
         state = mixed(state, qFromLittleEndian<std::uint64_t>(bytes.data()));
     }

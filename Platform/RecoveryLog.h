@@ -28,6 +28,8 @@ public:
     /// Each adds to what the next commit makes count. Failures show there.
     void add(const RecoveryFacts& facts);
     void add(std::span<const RecoveryEdit> edits);
+
+    /// The same with at most `longestReplacement` units.
     void add(SourceRange range, std::u16string_view units);
 
     /// Makes what was added count, as the text of `textSize` units at `moment`. When that fails, nothing of

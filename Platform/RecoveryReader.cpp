@@ -73,7 +73,7 @@ std::expected<RecoveredText, RecoveryReader::Failure> RecoveryReader::read(const
     const Bytes log = contents->bytes();
     const auto salt = RecoveryRecord::salt(log);
     if (!salt) {
-        return failure(log.size() < RecoveryRecord::fileHeaderSize ? Kind::empty : Kind::damaged);
+        return failure(salt.error() == RecoveryRecord::Flaw::cutOff ? Kind::empty : Kind::damaged);
     }
     Replay replayed;
     const bool isWhole = replay(log.subspan(RecoveryRecord::fileHeaderSize), *salt, replayed);

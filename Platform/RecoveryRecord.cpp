@@ -178,9 +178,13 @@ void appendFileHeader(std::uint64_t salt, ByteString& to) {
     put(salt, to);
 }
 
-std::optional<std::uint64_t> salt(Bytes log) {
-    if (log.size() < fileHeaderSize || !stringOf(log).starts_with(magic)) {
-        return std::nullopt;
+std::expected<std::uint64_t, Flaw> salt(Bytes log) {
+    const Bytes start = log.first(std::min(log.size(), magic.size()));
+    if (!magic.starts_with(stringOf(start))) {
+        return std::unexpected(Flaw::damaged);
+    }
+    if (log.size() < fileHeaderSize) {
+        return std::unexpected(Flaw::cutOff);
     }
     return qFromLittleEndian<std::uint64_t>(log.data() + magic.size());
 }

@@ -3,10 +3,10 @@
 #include "Bytes.h"
 #include "RecoveryState.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <expected>
+#include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -35,11 +35,16 @@ constexpr std::size_t headerSize = 16;
 /// A replacement in a log has no more units than this.
 constexpr Offset longestReplacement = Offset{1} << 16;
 
+enum class Flaw : std::uint8_t {
+    cutOff,  ///< The bytes end before the record does, as after a write that was interrupted.
+    damaged, ///< All is there, but is not what was written.
+};
+
 /// Adds the start of a log to `to`.
 void appendFileHeader(std::uint64_t salt, ByteString& to);
 
-/// The salt; nothing when that is not the start of a log.
-std::optional<std::uint64_t> salt(Bytes log);
+/// The salt of a log; a flaw when that is not its start.
+std::expected<std::uint64_t, Flaw> salt(Bytes log);
 
 /// Each adds a record to `to`. `chain` is the checksum of the record before; answers the one of this.
 std::uint64_t append(const RecoveryFacts& facts, std::uint64_t chain, ByteString& to);
@@ -60,11 +65,6 @@ struct Parsed {
     std::variant<RecoveryFacts, Replacement, Commit> content;
     std::size_t size = 0; ///< Of the record with its header, in bytes.
     std::uint64_t chain = 0;
-};
-
-enum class Flaw : std::uint8_t {
-    cutOff,  ///< The bytes end before the record does, as after a write that was interrupted.
-    damaged, ///< All is there, but is not what was written.
 };
 
 /// The record at the start of `bytes`, which are not empty.

@@ -71,6 +71,22 @@ FileLock::~FileLock() {
     }
 }
 
+void WorkCount::begin() {
+    const std::lock_guard guard(m_mutex);
+    ++m_count;
+}
+
+void WorkCount::end() {
+    const std::lock_guard guard(m_mutex);
+    --m_count;
+    m_changed.notify_all();
+}
+
+bool WorkCount::waitForEnd(std::chrono::milliseconds timeout) {
+    std::unique_lock guard(m_mutex);
+    return m_changed.wait_for(guard, timeout, [this] { return m_count == 0; });
+}
+
 RecoverySession::~RecoverySession() {
     if (m_folder.isEmpty()) {
         return;
@@ -168,22 +184,6 @@ QStringList RecoverySession::logs() {
         paths += m_folder + QLatin1Char('/') + name;
     }
     return paths;
-}
-
-void RecoverySession::beginWork() {
-    const std::lock_guard guard(m_mutex);
-    ++m_works;
-}
-
-void RecoverySession::endWork() {
-    const std::lock_guard guard(m_mutex);
-    --m_works;
-    m_worksChanged.notify_all();
-}
-
-bool RecoverySession::waitForWork(std::chrono::milliseconds timeout) {
-    std::unique_lock guard(m_mutex);
-    return m_worksChanged.wait_for(guard, timeout, [this] { return m_works == 0; });
 }
 
 void syncFolder(const QString& path) {

@@ -31,6 +31,21 @@ private:
     int m_number;
 };
 
+/// How many threads are at work on something.
+class WorkCount {
+public:
+    void begin();
+    void end();
+
+    /// Waits until there is none; answers whether that came before the time was over.
+    bool waitForEnd(std::chrono::milliseconds timeout);
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_count = 0;
+};
+
 /// The folder in which one run of the program keeps its unsaved texts: a folder of the recovery folder, with
 /// a lock that shows whether that run still lives. Since the system lets go of it when a process ends,
 /// neither a number that another process got later nor a restart of the machine is mistaken for life.
@@ -66,12 +81,8 @@ public:
     /// The logs in `folder()`; empty when that was never made.
     QStringList logs();
 
-    /// Threads that write in the folder say when they start and when they are done with it.
-    void beginWork();
-    void endWork();
-
-    /// Waits until they all are; answers whether that came before the time was over.
-    bool waitForWork(std::chrono::milliseconds timeout);
+    /// The threads that write in the folder.
+    const std::shared_ptr<WorkCount>& works() const { return m_works; }
 
 private:
     std::expected<void, FileFailure> make();
@@ -81,8 +92,7 @@ private:
     QString m_folder;   ///< Empty until it is made.
     std::optional<FileLock> m_lock;
     int m_logs = 0;
-    int m_works = 0;
-    std::condition_variable m_worksChanged;
+    const std::shared_ptr<WorkCount> m_works = std::make_shared<WorkCount>();
 };
 
 /// Has the disk remember the entries of the folder at `path`.

@@ -75,9 +75,9 @@ RecoveryStore::RecoveryStore(QString folder, RecoveryPace pace, QObject* parent)
 
 RecoveryStore::~RecoveryStore() {
     constexpr std::chrono::seconds patience(5);
-    m_session->waitForWork(patience);
+    m_session->works()->waitForEnd(patience);
     for (const auto& [id, found] : m_found) {
-        found.session->waitForWork(patience);
+        found.session->works()->waitForEnd(patience);
     }
 }
 

@@ -213,18 +213,20 @@ void RecoveryWriter::Work::start(const std::shared_ptr<Work>& self) {
     if (m_isStarted) {
         return;
     }
-    m_session->beginWork();
+    const auto works = m_session->works();
+    works->begin();
     try {
-        std::thread([work = self, session = m_session]() mutable {
+        std::thread([work = self, works]() mutable {
             work->run();
+            // The session, and its lock, may go with it: before anybody hears of the end.
             work.reset();
-            session->endWork();
+            works->end();
         }).detach();
         m_isStarted = true;
     } catch (const std::system_error&) {
         // Tried again at the next change.
-        m_session->endWork();
-        m_onFailure(FileFailure::other, QString());
+        works->end();
+        m_onFailure(FileFailure::other, m_session->root());
     }
 }
 
