@@ -1,0 +1,625 @@
+#include "TreeOutlineView.h"
+
+#include "SystemColor.h"
+#include "SystemFont.h"
+#include "TreeOutlineAccessibility.h"
+#include "TreeRowEditor.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleHints>
+#include <QToolTip>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+using Kind = TreeNode::Kind;
+using Placement = TreeMutation::Placement;
+
+constexpr int rowHeight = TreeRowView::height;
+constexpr int margin = 8; ///< Above the first row and below the last.
+constexpr int roomForLabels = 200;
+constexpr std::size_t longestEdited = 10'000; ///< Units; more belong into the source.
+
+constexpr int edgeHeight = 24; ///< A drag this near to an edge scrolls.
+constexpr int edgeInterval = 16;
+constexpr int edgeStep = 8;
+constexpr int springInterval = 700;
+
+QString mimeType() { return QStringLiteral("application/x-tamo-node"); }
+
+/// What a dragged row's data holds: which view it comes from.
+QByteArray token(const TreeOutlineView* view) {
+    return QByteArray::number(QCoreApplication::applicationPid()) + '/' +
+           QByteArray::number(quintptr(view), 16);
+}
+
+/// What the user edits in the place of a label, none where nothing can be edited there.
+std::optional<QString> editedText(const DocumentTree& tree, NodeID node) {
+    switch (tree[node].kind) {
+    case Kind::element:
+        return tree[node].nameRange.length() <= longestEdited
+                   ? std::optional(QString::fromStdU16String(tree.name(node)))
+                   : std::nullopt;
+    case Kind::text:
+    case Kind::comment:
+    case Kind::cdata:
+        return tree[node].contentRange.length() <= longestEdited
+                   ? std::optional(QString::fromStdU16String(tree.textContent(node).value_or(u"")))
+                   : std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+TreeOutlineView::TreeOutlineView(QWidget* parent)
+    : QAbstractScrollArea(parent), m_contents{}, m_scrolled(*verticalScrollBar()) {
+    TreeOutlineAccessibility::install();
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setAccessibleName(QStringLiteral("Árbol del documento"));
+    setAcceptDrops(true);
+    viewport()->setMouseTracking(true);
+}
+
+TreeOutlineView::~TreeOutlineView() {
+    // Losing the focus would end the editing.
+    if (m_editor != nullptr) {
+        m_editor->disconnect(this);
+    }
+}
+
+void TreeOutlineView::setContents(Contents contents) {
+    m_contents = std::move(contents);
+    m_selectedRow.reset();
+    m_hoveredDisclosure.reset();
+    m_pressed.reset();
+    setDropTarget(std::nullopt);
+    updateExtent();
+    placeEditor();
+    viewport()->update();
+    TreeOutlineAccessibility::rowsChanged(*this);
+}
+
+std::size_t TreeOutlineView::rowCount() const {
+    return m_contents.rows != nullptr ? m_contents.rows->size() : 0;
+}
+
+TreeRowView TreeOutlineView::rowView(std::size_t row) const {
+    const NodeID node = shown(row).node;
+    return {shown(row), *m_contents.tree, m_contents.hasError && m_contents.hasError(node)};
+}
+
+void TreeOutlineView::setSelectedRow(std::optional<std::size_t> row) {
+    precondition(!row || *row < rowCount(), "the outline has the row to select");
+    const bool isOther = row != m_selectedRow;
+    m_selectedRow = row;
+    if (row) {
+        scrollTo(*row);
+    }
+    viewport()->update();
+    if (isOther) {
+        TreeOutlineAccessibility::selectionChanged(*this);
+    }
+}
+
+void TreeOutlineView::scrollTo(std::size_t row) {
+    const qint64 top = margin + qint64(row) * rowHeight;
+    const int height = viewport()->height();
+    const qint64 seen = m_scrolled.value();
+    qint64 wanted = std::clamp(seen, std::min(top, top + rowHeight - height), top);
+    // A row from far away comes into the middle.
+    if (std::abs(wanted - seen) > height) {
+        wanted = top - (height - rowHeight) / 2;
+    }
+    if (row == 0 || row + 1 == rowCount()) {
+        wanted += row == 0 ? -margin : margin;
+    }
+    if (m_scrolled.set(wanted)) {
+        followScrolling();
+    }
+}
+
+QRect TreeOutlineView::rect(std::size_t row) const {
+    const qint64 top = margin + qint64(row) * rowHeight - m_scrolled.value();
+    constexpr qint64 farAway = 1 << 24;
+    return {0, static_cast<int>(std::clamp(top, -farAway, farAway)), viewport()->width(), rowHeight};
+}
+
+TreeRowView::Appearance TreeOutlineView::appearance(std::size_t row) const {
+    const TreeIndentation indented = indentation();
+    return {.rect = rect(row),
+            .indentation = shown(row).depth >= indented.base ? indented.pixels(shown(row).depth) : 0,
+            .isAlternate = row % 2 == 1,
+            .isSelected = row == m_selectedRow,
+            .hasFocus = hasFocus(),
+            .isDisclosureHovered = row == m_hoveredDisclosure};
+}
+
+std::optional<std::size_t> TreeOutlineView::row(QPoint at) const {
+    const qint64 y = at.y() + m_scrolled.value() - margin;
+    const auto row = static_cast<std::size_t>(std::max<qint64>(y, 0) / rowHeight);
+    return y >= 0 && row < rowCount() ? std::optional(row) : std::nullopt;
+}
+
+void TreeOutlineView::toggle(std::size_t row) {
+    if (shown(row).hasChildren) {
+        shown(row).isExpanded ? emit collapseRequested(row) : emit expansionRequested(row);
+    }
+}
+
+std::size_t TreeOutlineView::firstVisibleRow() const {
+    return static_cast<std::size_t>(std::max<qint64>(0, m_scrolled.value() - margin) / rowHeight);
+}
+
+std::size_t TreeOutlineView::visibleEnd() const {
+    const qint64 bottom = m_scrolled.value() + viewport()->height() - margin;
+    const auto end = static_cast<std::size_t>((std::max<qint64>(0, bottom) + rowHeight - 1) / rowHeight);
+    return std::min(end, rowCount());
+}
+
+TreeIndentation TreeOutlineView::indentation() const {
+    const std::size_t first = firstVisibleRow();
+    const std::size_t end = visibleEnd();
+    if (first >= end) {
+        return {};
+    }
+    const auto [shallowest, deepest] = std::ranges::minmax(
+        std::ranges::subrange(m_contents.rows->begin() + first, m_contents.rows->begin() + end), {},
+        &TreeOutline::Row::depth);
+    const int width = viewport()->width();
+    return TreeIndentation::fitting(shallowest.depth, deepest.depth, std::max(width / 3, width - roomForLabels));
+}
+
+void TreeOutlineView::updateExtent() {
+    const qint64 height = rowCount() != 0 ? qint64(rowCount()) * rowHeight + 2 * margin : 0;
+    m_scrolled.setExtent(height, viewport()->height(), rowHeight);
+}
+
+void TreeOutlineView::followScrolling() {
+    setHoveredDisclosure(std::nullopt);
+    placeEditor();
+    viewport()->update();
+}
+
+void TreeOutlineView::scrollContentsBy(int, int) {
+    m_scrolled.follow(verticalScrollBar()->value());
+    followScrolling();
+}
+
+void TreeOutlineView::resizeEvent(QResizeEvent*) {
+    updateExtent();
+    placeEditor();
+}
+
+void TreeOutlineView::paintEvent(QPaintEvent* event) {
+    QPainter painter(viewport());
+    painter.fillRect(event->rect(), color(SystemColor::textBackground, palette()));
+    const std::size_t end = visibleEnd();
+    for (std::size_t row = firstVisibleRow(); row < end; ++row) {
+        if (rect(row).intersects(event->rect())) {
+            rowView(row).paint(painter, appearance(row), palette());
+        }
+    }
+    paintDropMark(painter);
+}
+
+bool TreeOutlineView::viewportEvent(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ToolTip: {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const auto pointed = row(help->pos());
+        const bool isOnError = pointed && rowView(*pointed).hasError &&
+                               TreeRowView::errorRect(appearance(*pointed)).contains(help->pos());
+        QToolTip::showText(help->globalPos(), isOnError ? TreeRowView::errorHelp() : QString(), viewport());
+        return true;
+    }
+    case QEvent::Leave:
+        setHoveredDisclosure(std::nullopt);
+        break;
+    default:
+        break;
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+// Keys
+
+void TreeOutlineView::keyPressEvent(QKeyEvent* event) {
+    const bool isPlain = (event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier)) == 0;
+    if (isPlain && rowCount() != 0 && (goTo(event->key()) || openOrClose(event->key()))) {
+        return;
+    }
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_F2:
+        if (isPlain && m_selectedRow) {
+            edit(*m_selectedRow);
+            return;
+        }
+        break;
+    case Qt::Key_Delete:
+        if (isPlain && m_selectedRow) {
+            emit deletionRequested(*m_selectedRow);
+            return;
+        }
+        break;
+    default:
+        break;
+    }
+    const QString text = event->text();
+    const bool isTyped = isPlain && !text.isEmpty() && text.front().isPrint() && !text.front().isSpace();
+    if (isTyped && rowCount() != 0) {
+        if (const auto found = m_typeAhead.row(text, m_selectedRow, *m_contents.rows, *m_contents.tree)) {
+            choose(*found);
+        }
+        return;
+    }
+    event->ignore();
+}
+
+/// Moves the selection up or down.
+bool TreeOutlineView::goTo(int key) {
+    const std::ptrdiff_t page = std::max(1, viewport()->height() / rowHeight - 1);
+    const std::size_t last = rowCount() - 1;
+    const std::size_t from = m_selectedRow.value_or(0);
+    const auto distance = m_selectedRow ? 1 : 0;
+    switch (key) {
+    case Qt::Key_Down:
+        chooseBelow(from, distance);
+        return true;
+    case Qt::Key_Up:
+        chooseBelow(m_selectedRow.value_or(last), -distance);
+        return true;
+    case Qt::Key_PageDown:
+        chooseBelow(from, page);
+        return true;
+    case Qt::Key_PageUp:
+        chooseBelow(from, -page);
+        return true;
+    case Qt::Key_Home:
+        choose(0);
+        return true;
+    case Qt::Key_End:
+        choose(last);
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Expands the selected row or goes to its first child; collapses it or goes to its parent.
+bool TreeOutlineView::openOrClose(int key) {
+    if (key != Qt::Key_Right && key != Qt::Key_Left) {
+        return false;
+    }
+    if (!m_selectedRow) {
+        choose(0);
+        return true;
+    }
+    const std::size_t row = *m_selectedRow;
+    const bool isOpen = shown(row).hasChildren && shown(row).isExpanded;
+    if (key == Qt::Key_Right) {
+        if (shown(row).hasChildren && !isOpen) {
+            emit expansionRequested(row);
+        } else if (row + 1 < rowCount() && shown(row + 1).depth > shown(row).depth) {
+            choose(row + 1);
+        }
+        return true;
+    }
+    const auto parent = m_contents.rows->parent(row, *m_contents.tree);
+    if (isOpen) {
+        emit collapseRequested(row);
+    } else if (parent) {
+        choose(*parent);
+    }
+    return true;
+}
+
+void TreeOutlineView::choose(std::size_t row) {
+    setSelectedRow(row);
+    emit rowChosen(row);
+}
+
+void TreeOutlineView::chooseBelow(std::size_t from, std::ptrdiff_t distance) {
+    const auto last = static_cast<std::ptrdiff_t>(rowCount()) - 1;
+    choose(static_cast<std::size_t>(
+        std::clamp<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(from) + distance, 0, last)));
+}
+
+void TreeOutlineView::focusInEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusInEvent(event);
+    viewport()->update();
+    TreeOutlineAccessibility::selectionChanged(*this);
+}
+
+void TreeOutlineView::focusOutEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusOutEvent(event);
+    viewport()->update();
+}
+
+// The pointer
+
+bool TreeOutlineView::isOnDisclosure(QPoint at) const {
+    const auto pointed = row(at);
+    if (!pointed || !shown(*pointed).hasChildren) {
+        return false;
+    }
+    // Easier to hit than it looks: as high as the row, and some pixels to either side.
+    constexpr int tolerance = 4;
+    const QRect drawn = TreeRowView::disclosureRect(appearance(*pointed));
+    return drawn.left() - tolerance <= at.x() && at.x() <= drawn.right() + tolerance;
+}
+
+void TreeOutlineView::setHoveredDisclosure(std::optional<std::size_t> hovered) {
+    if (hovered != m_hoveredDisclosure) {
+        m_hoveredDisclosure = hovered;
+        viewport()->update();
+    }
+}
+
+void TreeOutlineView::mousePressEvent(QMouseEvent* event) {
+    const QPoint at = event->position().toPoint();
+    const auto pressed = row(at);
+    if (!pressed) {
+        return;
+    }
+    if (event->button() == Qt::LeftButton && isOnDisclosure(at)) {
+        toggle(*pressed);
+    } else if (event->button() == Qt::LeftButton || event->button() == Qt::RightButton) {
+        choose(*pressed);
+        if (event->button() == Qt::LeftButton) {
+            m_pressed = at;
+        }
+    }
+}
+
+void TreeOutlineView::mouseMoveEvent(QMouseEvent* event) {
+    const QPoint at = event->position().toPoint();
+    const int distance = m_pressed ? (at - *m_pressed).manhattanLength() : 0;
+    if (m_pressed && m_selectedRow && distance >= QGuiApplication::styleHints()->startDragDistance()) {
+        m_pressed.reset();
+        drag(*m_selectedRow);
+    } else if (event->buttons() == Qt::NoButton) {
+        setHoveredDisclosure(isOnDisclosure(at) ? row(at) : std::nullopt);
+    }
+}
+
+void TreeOutlineView::mouseReleaseEvent(QMouseEvent*) { m_pressed.reset(); }
+
+void TreeOutlineView::mouseDoubleClickEvent(QMouseEvent* event) {
+    const QPoint at = event->position().toPoint();
+    if (const auto pressed = row(at); pressed && event->button() == Qt::LeftButton) {
+        isOnDisclosure(at) ? toggle(*pressed) : edit(*pressed);
+    }
+}
+
+void TreeOutlineView::contextMenuEvent(QContextMenuEvent* event) {
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const auto on = isByKey ? m_selectedRow : row(event->pos());
+    if (!on) {
+        return;
+    }
+    if (isByKey) {
+        scrollTo(*on);
+    }
+    const QPoint belowIcon = TreeRowView::iconRect(appearance(*on)).bottomLeft();
+    emit menuRequested(*on, isByKey ? viewport()->mapToGlobal(belowIcon) : event->globalPos());
+}
+
+// Editing in place
+
+void TreeOutlineView::edit(std::size_t row) {
+    if (m_editor != nullptr) {
+        m_editor->clearFocus();
+    }
+    const auto text = editedText(*m_contents.tree, shown(row).node);
+    if (!text) {
+        return;
+    }
+    scrollTo(row);
+    m_edited = m_contents.rows->path(row, *m_contents.tree);
+    const bool isElement = (*m_contents.tree)[shown(row).node].isElement();
+    const QFont& font = SystemFont::body();
+    m_editor = new TreeRowEditor(*text, isElement ? SystemFont::semibold(font) : font, viewport());
+    m_editor->setAccessibleName(isElement ? QStringLiteral("Nombre") : QStringLiteral("Contenido"));
+    connect(m_editor, &TreeRowEditor::finished, this, &TreeOutlineView::finishEditing);
+    placeEditor();
+    m_editor->show();
+    m_editor->setFocus();
+}
+
+/// Keeps the field on its row, wherever that has gone; ends the editing when the row is no longer there.
+void TreeOutlineView::placeEditor() {
+    if (m_editor == nullptr) {
+        return;
+    }
+    const auto row = m_contents.rows->row(m_edited, *m_contents.tree);
+    if (!row) {
+        m_editor->cancel();
+        return;
+    }
+    constexpr int frame = 4; ///< Between the field's edge and its text.
+    constexpr int space = 2;
+    const QRect label = rowView(*row).labelRect(appearance(*row));
+    m_editor->setGeometry(label.adjusted(-frame, space, 0, -space));
+}
+
+void TreeOutlineView::finishEditing(bool isAccepted) {
+    TreeRowEditor* const editor = std::exchange(m_editor, nullptr);
+    const bool hadFocus = editor->hasFocus();
+    const QString text = editor->text();
+    editor->hide();
+    editor->deleteLater();
+    if (hadFocus) {
+        setFocus();
+    }
+    const auto row = m_contents.rows->row(m_edited, *m_contents.tree);
+    if (!isAccepted || !row) {
+        return;
+    }
+    if ((*m_contents.tree)[shown(*row).node].isElement()) {
+        emit renameRequested(m_edited, text);
+    } else {
+        emit textChangeRequested(m_edited, text);
+    }
+}
+
+// Drag and drop
+
+std::unique_ptr<QMimeData> TreeOutlineView::pickUp(std::size_t row) {
+    m_dragged = m_contents.rows->path(row, *m_contents.tree);
+    auto dragData = std::make_unique<QMimeData>();
+    dragData->setData(mimeType(), token(this));
+    return dragData;
+}
+
+void TreeOutlineView::drag(std::size_t row) {
+    QDrag drag(this);
+    drag.setMimeData(pickUp(row).release());
+    TreeRowView::Appearance look = appearance(row);
+    look.isSelected = look.isAlternate = false;
+    const QRect label = rowView(row).labelRect(look);
+    QPixmap picture(label.size() * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.translate(-label.topLeft());
+    painter.setOpacity(0.8);
+    rowView(row).paint(painter, look, palette());
+    painter.end();
+    drag.setPixmap(picture);
+    drag.exec(Qt::MoveAction | Qt::CopyAction, Qt::MoveAction);
+    m_dragged.reset();
+    endHovering();
+}
+
+bool TreeOutlineView::isOurs(const QMimeData* dragData) const {
+    return m_dragged && dragData->data(mimeType()) == token(this);
+}
+
+void TreeOutlineView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+
+void TreeOutlineView::dragMoveEvent(QDragMoveEvent* event) {
+    const QPoint at = event->position().toPoint();
+    if (!isOurs(event->mimeData())) {
+        event->ignore();
+        return;
+    }
+    scrollAtEdges(at.y());
+    const auto over = row(at);
+    const auto dragged = m_contents.tree->resolve(*m_dragged);
+    const Qt::DropAction action =
+        event->modifiers().testFlag(Qt::ControlModifier) ? Qt::CopyAction : Qt::MoveAction;
+    std::optional<TreeDropTarget> target;
+    if (over && dragged) {
+        const double fraction = (at.y() - rect(*over).top()) / double(rowHeight);
+        target = TreeDropTarget::at(*over, fraction, *m_contents.rows, *m_contents.tree);
+        if (!target->accepts(*dragged, action, *m_contents.rows, *m_contents.tree)) {
+            target.reset();
+        }
+    }
+    setDropTarget(target);
+    event->setDropAction(target ? action : Qt::IgnoreAction);
+    event->setAccepted(target.has_value());
+}
+
+void TreeOutlineView::dragLeaveEvent(QDragLeaveEvent*) { endHovering(); }
+
+void TreeOutlineView::dropEvent(QDropEvent* event) {
+    dragMoveEvent(static_cast<QDragMoveEvent*>(event));
+    const auto target = m_dropTarget;
+    endHovering();
+    if (!target) {
+        return;
+    }
+    const NodePath dragged = *std::exchange(m_dragged, std::nullopt);
+    // The node is moved by an edit of the text; the drag itself has nothing left to take away.
+    const Qt::DropAction action = event->dropAction();
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    emit dropRequested(dragged, m_contents.rows->path(target->row, *m_contents.tree), target->placement,
+                       action);
+}
+
+void TreeOutlineView::setDropTarget(std::optional<TreeDropTarget> target) {
+    if (!target) {
+        m_springTimer.stop();
+    }
+    if (target == m_dropTarget) {
+        return;
+    }
+    if (target && target->isInto() && shown(target->row).hasChildren && !shown(target->row).isExpanded) {
+        m_springTimer.start(springInterval, this);
+    } else {
+        m_springTimer.stop();
+    }
+    m_dropTarget = target;
+    viewport()->update();
+}
+
+/// The pointer has left, with or without the dragged row.
+void TreeOutlineView::endHovering() {
+    m_edgeTimer.stop();
+    setDropTarget(std::nullopt);
+}
+
+void TreeOutlineView::scrollAtEdges(int y) {
+    m_edgeDirection = y < edgeHeight ? -1 : y >= viewport()->height() - edgeHeight ? 1 : 0;
+    if (m_edgeDirection == 0) {
+        m_edgeTimer.stop();
+    } else if (!m_edgeTimer.isActive()) {
+        m_edgeTimer.start(edgeInterval, this);
+    }
+}
+
+void TreeOutlineView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == m_edgeTimer.timerId()) {
+        if (!m_dragged || !m_scrolled.set(m_scrolled.value() + m_edgeDirection * edgeStep)) {
+            m_edgeTimer.stop();
+        } else {
+            setDropTarget(std::nullopt);
+            followScrolling();
+        }
+    } else if (event->timerId() == m_springTimer.timerId()) {
+        m_springTimer.stop();
+        if (m_dropTarget) {
+            emit expansionRequested(m_dropTarget->row);
+        }
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+/// A line between two rows, or a frame around the one that takes the dragged node in.
+void TreeOutlineView::paintDropMark(QPainter& painter) const {
+    if (!m_dropTarget) {
+        return;
+    }
+    constexpr double width = 2;
+    constexpr double knob = 3;
+    const TreeRowView::Appearance look = appearance(m_dropTarget->row);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color(SystemColor::accent, palette()), width));
+    if (m_dropTarget->isInto()) {
+        const QRectF frame = QRectF(look.rect).adjusted(margin, 1, -margin, -1);
+        painter.drawRoundedRect(frame, knob * 2, knob * 2);
+        return;
+    }
+    const int step = m_dropTarget->placement == Placement::firstChild ? TreeIndentation::fullStep : 0;
+    const double left = TreeRowView::disclosureRect(look).left() + step + knob;
+    const double y = m_dropTarget->placement == Placement::before ? look.rect.top() : look.rect.bottom() + 1;
+    painter.drawEllipse(QPointF(left, y), knob, knob);
+    painter.drawLine(QPointF(left + knob, y), QPointF(look.rect.right() - margin, y));
+}
