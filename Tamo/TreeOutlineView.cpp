@@ -104,9 +104,6 @@ void TreeOutlineView::setSelectedRow(std::optional<std::size_t> row) {
     precondition(!row || *row < rowCount(), "the outline has the row to select");
     const bool isOther = row != m_selectedRow;
     m_selectedRow = row;
-    if (row) {
-        scrollTo(*row);
-    }
     viewport()->update();
     if (isOther) {
         TreeOutlineAccessibility::selectionChanged(*this);
@@ -329,6 +326,7 @@ bool TreeOutlineView::openOrClose(int key) {
 
 void TreeOutlineView::choose(std::size_t row) {
     setSelectedRow(row);
+    scrollTo(row);
     emit rowChosen(row);
 }
 
@@ -450,7 +448,7 @@ void TreeOutlineView::placeEditor() {
         m_editor->cancel();
         return;
     }
-    constexpr int frame = 4; ///< Between the field's edge and its text.
+    constexpr int frame = 3; ///< Between the field's edge and its text.
     constexpr int space = 2;
     const QRect label = rowView(*row).labelRect(appearance(*row));
     m_editor->setGeometry(label.adjusted(-frame, space, 0, -space));

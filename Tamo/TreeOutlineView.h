@@ -44,10 +44,10 @@ public:
     TreeRowView rowView(std::size_t row) const;
 
     std::optional<std::size_t> selectedRow() const { return m_selectedRow; }
-    /// Selects a row, or none, and brings it into view.
+    /// Selects a row, or none, and tells nobody.
     void setSelectedRow(std::optional<std::size_t> row);
     void scrollTo(std::size_t row);
-    /// What a click on a row does: selects it and tells.
+    /// What a click on a row does: selects it, brings it into view and tells.
     void choose(std::size_t row);
 
     /// Where a row is in the viewport, which it may lie outside of.

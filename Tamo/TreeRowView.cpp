@@ -49,6 +49,16 @@ QString name(const TreeRowView& view) {
     return QString::fromStdU16String(view.tree.text.string(start)) + u'…';
 }
 
+/// The content of an instruction behind its target.
+QString instructionContent(const TreeRowView& view) {
+    QString content = preview(view, textPreviewLimit);
+    const std::u16string target = view.tree.name(view.row.node);
+    if (content.startsWith(QStringView(target.data(), static_cast<qsizetype>(target.size())))) {
+        content.remove(0, static_cast<qsizetype>(target.size()));
+    }
+    return content.trimmed();
+}
+
 QColor tagColor(const TreeRowView& view, const QPalette& palette) {
     const std::u16string_view units = view.tree.text.units(view.tree[view.row.node].nameRange);
     return TagPalette::tagColor(QStringView(units.data(), static_cast<qsizetype>(units.size())), palette);
@@ -77,7 +87,7 @@ std::vector<Part> parts(const TreeRowView& view, const QPalette& palette) {
                 {preview(view, cdataPreviewLimit), SystemFont::body(), secondary}};
     case Kind::instruction:
         return {{name(view), SystemFont::semibold(SystemFont::body()), secondary},
-                {preview(view, textPreviewLimit), SystemFont::body(), secondary}};
+                {instructionContent(view), SystemFont::body(), secondary}};
     case Kind::doctype:
         return {{preview(view, textPreviewLimit), SystemFont::body(), secondary}};
     }

@@ -1,0 +1,64 @@
+#include "EmptyStateView.h"
+
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "SystemFont.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int symbolSize = 40;
+constexpr int gap = 8;
+constexpr int symbolGap = 16;
+constexpr int margin = 24;
+constexpr int widest = 320; ///< Of a line of text.
+
+QFont titleFont() {
+    QFont font = SystemFont::semibold(SystemFont::body());
+    font.setPixelSize(16);
+    return font;
+}
+
+} // namespace
+
+EmptyStateView::EmptyStateView(QWidget* parent) : QWidget(parent) {}
+
+void EmptyStateView::setContents(const QString& symbol, const QString& title, const QString& description) {
+    m_symbol = symbol;
+    m_title = title;
+    m_description = description;
+    setAccessibleName(title);
+    setAccessibleDescription(description);
+    update();
+}
+
+void EmptyStateView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), color(SystemColor::textBackground, palette()));
+    if (m_symbol.isEmpty()) {
+        return;
+    }
+    constexpr int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWrapAnywhere | Qt::TextWordWrap;
+    const int lineWidth = std::clamp(width() - 2 * margin, 0, widest);
+    const QRect column((width() - lineWidth) / 2, 0, lineWidth, height());
+    const QFont bodyFont = SystemFont::body();
+    const QRect titleRect = QFontMetrics(titleFont()).boundingRect(column, flags, m_title);
+    const QRect bodyRect = QFontMetrics(bodyFont).boundingRect(column, flags, m_description);
+    const int total = symbolSize + symbolGap + titleRect.height() + gap + bodyRect.height();
+    int top = std::max(margin, (height() - total) / 2);
+
+    Symbol::draw(painter, QRectF((width() - symbolSize) / 2.0, top, symbolSize, symbolSize), m_symbol,
+                 color(SystemColor::tertiaryLabel, palette()));
+    top += symbolSize + symbolGap;
+    painter.setFont(titleFont());
+    painter.setPen(color(SystemColor::textColor, palette()));
+    painter.drawText(column.translated(0, top), flags, m_title);
+    top += titleRect.height() + gap;
+    painter.setFont(bodyFont);
+    painter.setPen(color(SystemColor::secondaryLabel, palette()));
+    painter.drawText(column.translated(0, top), flags, m_description);
+}
