@@ -149,6 +149,8 @@ SourceRange TextNavigation::partialWord(Offset caret, const Rope& in) {
     return SourceRange::unchecked(behind.lower + static_cast<Offset>(start), caret);
 }
 
+bool TextNavigation::isWordUnit(char16_t unit) { return classOf(unit) == Class::word; }
+
 std::u16string_view TextNavigation::lineEnding(const Rope& of) {
     return lineEnd(0, of) != of.lineRange(0).upper ? u"\r\n" : u"\n";
 }

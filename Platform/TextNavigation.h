@@ -36,6 +36,10 @@ Offset lineHome(Offset caret, const Rope& in);
 /// hyphens, dots, colons and low lines that join them in names.
 SourceRange partialWord(Offset caret, const Rope& in);
 
+/// Whether `unit` is part of a word for the moves above: a letter, number, mark or underscore, or half of a
+/// surrogate pair.
+bool isWordUnit(char16_t unit);
+
 /// "\r\n" when the first line ends in it, otherwise "\n".
 std::u16string_view lineEnding(const Rope& of);
 
