@@ -1,0 +1,107 @@
+#include "TextReplacement.h"
+
+#include <string>
+
+namespace {
+
+/// Shorter stretches between two matches are copied.
+constexpr Offset longestCopy = 4096;
+/// Units put together before they become part of a rope.
+constexpr std::size_t fullBuffer = 1024 * 1024;
+
+/// Puts the new text together, from its start to its end.
+class Builder {
+public:
+    /// The units of a range of `text`.
+    void append(const Rope& text, SourceRange range) {
+        if (range.length() > longestCopy) {
+            flush();
+            m_text = m_text.replaced(SourceRange::empty(m_text.size()), text.part(range));
+        } else {
+            const std::size_t size = m_buffer.size();
+            m_buffer.resize(size + range.length());
+            text.copyTo(range, m_buffer.data() + size);
+        }
+    }
+
+    /// Where the next units go; whoever appends calls `flushWhenFull` then.
+    std::u16string& buffer() { return m_buffer; }
+
+    void flushWhenFull() {
+        if (m_buffer.size() >= fullBuffer) {
+            flush();
+        }
+    }
+
+    std::uint64_t size() const { return std::uint64_t(m_text.size()) + m_buffer.size(); }
+
+    Rope text() {
+        flush();
+        return m_text;
+    }
+
+private:
+    void flush() {
+        m_text = m_text.replaced(SourceRange::empty(m_text.size()), m_buffer);
+        m_buffer.clear();
+    }
+
+    Rope m_text;
+    std::u16string m_buffer;
+};
+
+} // namespace
+
+TextReplacement TextReplacement::make(const TextSearch& search, SearchedText& text, SourceRange starts,
+                                      const ReplacementTemplate& with, Offset caret,
+                                      const std::stop_token& stop, Offset longest) {
+    TextReplacement made;
+    Builder builder;
+    const Rope& old = text.rope();
+    // Where the caret is from the last match before it.
+    std::int64_t caretShift = 0;
+    const SearchEnd end = search.visitMatches(text, starts, stop, [&](MatchGroups groups) {
+        const SourceRange match = groups.front();
+        if (made.count == 0) {
+            made.range = SourceRange::empty(match.lower);
+        }
+        builder.append(old, {made.range.upper, match.lower});
+        with.append(builder.buffer(), old, groups);
+        made.range.upper = match.upper;
+        ++made.count;
+        const std::int64_t newUpper = made.range.lower + static_cast<std::int64_t>(builder.size());
+        if (match.upper <= caret) {
+            caretShift = newUpper - match.upper;
+        } else if (match.lower < caret) {
+            caretShift = newUpper - caret;
+        }
+        made.isTooLong = builder.size() + old.size() - made.range.length() > longest;
+        if (!made.isTooLong) {
+            builder.flushWhenFull();
+        }
+        return !made.isTooLong;
+    });
+    made.reason = end.reason;
+    if (made.reason != SearchEnd::Reason::done) {
+        return made;
+    }
+    made.text = builder.text();
+    made.caret = static_cast<Offset>(caret + caretShift);
+    return made;
+}
+
+TextReplacement TextReplacement::ofMatch(SourceRange match, const TextSearch& search, SearchedText& text,
+                                         const ReplacementTemplate& with, const std::stop_token& stop) {
+    const TextSearch::Found found = search.next(text, match.lower, stop);
+    TextReplacement made;
+    made.reason = found.reason;
+    if (found.match() == match) {
+        std::u16string units;
+        with.append(units, text.rope(), found.groups);
+        made.range = match;
+        made.text = Rope(units);
+        made.count = 1;
+        made.caret = static_cast<Offset>(match.lower + units.size());
+    }
+    return made;
+}
