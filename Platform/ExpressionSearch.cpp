@@ -18,9 +18,10 @@ constexpr std::size_t leastAllowance = 16 * 1024 * 1024;
 
 QString verbs() { return QStringLiteral("(*ANYCRLF)(*LIMIT_MATCH=2000000)"); }
 
-/// Holds where a word neither starts nor ends inside; words are those of `TextNavigation`.
+/// Holds where a word neither starts nor ends inside; words are those of `TextNavigation`. With the case
+/// ignored the library would look at the case of every scalar of the long range, for milliseconds.
 QString wordBoundary() {
-    return QStringLiteral("(?:(?<!W)|(?!W))")
+    return QStringLiteral("(?-i:(?<!W)|(?!W))")
         .replace(u'W', QStringLiteral("[\\p{L}\\p{N}\\p{M}_\\x{%1}\\x{10000}-\\x{10FFFF}]")
                            .arg(ushort(SearchedText::substitute), 0, 16));
 }

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -10,7 +11,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <utility>
@@ -18,7 +18,8 @@
 namespace {
 
 constexpr int gap = 8;
-constexpr int shortestField = 160;
+constexpr QSize smallestButton(32, 24);
+constexpr int shortestField = 128;
 constexpr int longestField = 480;
 constexpr int patienceInterval = 200;
 constexpr Offset longestProposal = 1000;
@@ -52,16 +53,18 @@ bool isReturn(const QKeyEvent& event) {
 FindBar::FindBar(FindBarClient& client, QWidget* parent)
     : QWidget(parent), m_client(client), m_finder(client.storage()) {
     setAccessibleName(QStringLiteral("Barra de búsqueda"));
-    auto* rows = new QVBoxLayout(this);
-    rows->setContentsMargins(gap, gap, gap, gap);
-    rows->setSpacing(gap);
-    buildLookingRow();
-    buildReplacingRow();
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(gap, gap, gap, gap);
+    grid->setSpacing(gap);
+    grid->setColumnStretch(0, 2);
+    grid->setColumnStretch(1, 3);
+    buildLookingRow(*grid);
+    buildReplacingRow(*grid);
     buildCommands();
     updateColors();
     m_patience.setSingleShot(true);
     m_patience.setInterval(patienceInterval);
-    connect(&m_patience, &QTimer::timeout, this, &FindBar::updateReplacing);
+    connect(&m_patience, &QTimer::timeout, this, &FindBar::showPatience);
     connect(&m_finder, &TextFinder::found, this, &FindBar::showFound);
     connect(&m_finder, &TextFinder::notFound, this, &FindBar::showNotFound);
     connect(&m_finder, &TextFinder::matchesChanged, this, &FindBar::showMatches);
@@ -71,19 +74,14 @@ FindBar::FindBar(FindBarClient& client, QWidget* parent)
 
 // What the bar is made of
 
-void FindBar::buildLookingRow() {
+void FindBar::buildLookingRow(QGridLayout& grid) {
+    m_pattern = addField(QStringLiteral("Buscar"));
+    m_pattern->setToolTip(QStringLiteral("Texto que se busca"));
+    connect(m_pattern, &QLineEdit::textChanged, this, &FindBar::changePattern);
+    grid.addWidget(m_pattern, 0, 0);
     auto* row = new QHBoxLayout;
     row->setSpacing(gap);
-    static_cast<QVBoxLayout*>(layout())->addLayout(row);
-    m_pattern = new QLineEdit;
-    m_pattern->setPlaceholderText(QStringLiteral("Buscar"));
-    m_pattern->setAccessibleName(QStringLiteral("Buscar"));
-    m_pattern->setToolTip(QStringLiteral("Texto que se busca"));
-    m_pattern->setMinimumWidth(shortestField);
-    m_pattern->setMaximumWidth(longestField);
-    m_pattern->installEventFilter(this);
-    connect(m_pattern, &QLineEdit::textChanged, this, &FindBar::changePattern);
-    row->addWidget(m_pattern, 2);
+    grid.addLayout(row, 0, 1);
 
     auto* options = new QHBoxLayout;
     options->setSpacing(0);
@@ -110,7 +108,8 @@ void FindBar::buildLookingRow() {
     m_message = new QLabel;
     m_message->setTextFormat(Qt::PlainText);
     m_message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    row->addWidget(m_message, 3);
+    m_message->setMinimumWidth(m_message->fontMetrics().horizontalAdvance(QStringLiteral("Sin resultados")));
+    row->addWidget(m_message, 1);
 
     QToolButton* close = addButton(QStringLiteral("Cerrar"), QKeySequence(Qt::Key_Escape));
     close->setText(QStringLiteral("✕"));
@@ -118,19 +117,14 @@ void FindBar::buildLookingRow() {
     row->addWidget(close);
 }
 
-void FindBar::buildReplacingRow() {
+void FindBar::buildReplacingRow(QGridLayout& grid) {
+    m_template = addField(QStringLiteral("Reemplazar por"));
+    grid.addWidget(m_template, 1, 0);
     m_replacing = new QWidget;
-    layout()->addWidget(m_replacing);
+    grid.addWidget(m_replacing, 1, 1);
     auto* row = new QHBoxLayout(m_replacing);
     row->setContentsMargins({});
     row->setSpacing(gap);
-    m_template = new QLineEdit;
-    m_template->setPlaceholderText(QStringLiteral("Reemplazar por"));
-    m_template->setAccessibleName(QStringLiteral("Reemplazar por"));
-    m_template->setMinimumWidth(shortestField);
-    m_template->setMaximumWidth(longestField);
-    m_template->installEventFilter(this);
-    row->addWidget(m_template, 2);
     m_replace = new QPushButton(QStringLiteral("Reemplazar"));
     m_replace->setToolTip(
         QStringLiteral("Reemplazar el resultado seleccionado y pasar al siguiente (Intro)"));
@@ -142,7 +136,7 @@ void FindBar::buildReplacingRow() {
         button->setFocusPolicy(Qt::TabFocus);
         row->addWidget(button);
     }
-    row->addStretch(3);
+    row->addStretch(1);
     updateReplacing();
 }
 
@@ -164,6 +158,16 @@ void FindBar::buildCommands() {
         &FindBar::findPrevious);
 }
 
+QLineEdit* FindBar::addField(const QString& name) {
+    auto* field = new QLineEdit;
+    field->setPlaceholderText(name);
+    field->setAccessibleName(name);
+    field->setMinimumWidth(shortestField);
+    field->setMaximumWidth(longestField);
+    field->installEventFilter(this);
+    return field;
+}
+
 QToolButton* FindBar::addOption(const QString& symbol, const QString& name) {
     QToolButton* option = addButton(name, {});
     option->setText(symbol);
@@ -175,6 +179,7 @@ QToolButton* FindBar::addOption(const QString& symbol, const QString& name) {
 QToolButton* FindBar::addButton(const QString& name, const QKeySequence& key) {
     auto* button = new QToolButton;
     button->setAutoRaise(true);
+    button->setMinimumSize(smallestButton);
     button->setFocusPolicy(Qt::TabFocus);
     button->setAccessibleName(name);
     button->setToolTip(
@@ -189,6 +194,7 @@ void FindBar::find() { open(Rows::looking); }
 void FindBar::findAndReplace() { open(Rows::lookingAndReplacing); }
 
 void FindBar::open(Rows rows) {
+    m_template->setVisible(rows == Rows::lookingAndReplacing);
     m_replacing->setVisible(rows == Rows::lookingAndReplacing);
     show();
     // Opened again from the bar itself, what is written stays.
@@ -222,6 +228,7 @@ bool FindBar::takeSelection() {
 void FindBar::closeBar() {
     m_finder.setCounting(false);
     m_isReplacingAll = false;
+    m_patience.stop();
     updateReplacing();
     m_client.setMatches(nullptr);
     hide();
@@ -249,6 +256,7 @@ void FindBar::takePattern() {
     m_isReplacingAll = false;
     m_hasReport = false;
     m_finder.setPattern(writtenPattern());
+    m_patience.start();
     updateReplacing();
     showMatches();
 }
@@ -336,6 +344,15 @@ QString FindBar::countText() const {
                  : counted(count, QStringLiteral("resultado"), QStringLiteral("resultados"));
 }
 
+/// Whatever is under way takes longer than a moment.
+void FindBar::showPatience() {
+    updateReplacing();
+    const bool isLooking = canLook() && !m_finder.isCountComplete() && m_finder.count() == 0;
+    if (isLooking && !m_isReplacingAll && !m_hasReport) {
+        showMessage(QStringLiteral("Buscando…"), false);
+    }
+}
+
 /// Shows a message that stays until something else is looked for.
 void FindBar::report(const QString& text, bool isProblem) {
     m_hasReport = true;
@@ -409,9 +426,6 @@ void FindBar::applyReplacement(const TextReplacement& replacement) {
 }
 
 void FindBar::updateReplacing() {
-    if (!m_isReplacingAll) {
-        m_patience.stop();
-    }
     const bool isShown = m_isReplacingAll && !m_patience.isActive();
     m_replaceAll->setText(isShown ? QStringLiteral("Cancelar") : QStringLiteral("Reemplazar todo"));
     m_replaceAll->setToolTip(isShown ? QStringLiteral("Dejar el texto como está")

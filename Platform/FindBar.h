@@ -8,6 +8,7 @@
 #include <optional>
 
 class QAction;
+class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QToolButton;
@@ -49,9 +50,10 @@ protected:
 private:
     enum class Rows : std::uint8_t { looking, lookingAndReplacing };
 
-    void buildLookingRow();
-    void buildReplacingRow();
+    void buildLookingRow(QGridLayout& grid);
+    void buildReplacingRow(QGridLayout& grid);
     void buildCommands();
+    QLineEdit* addField(const QString& name);
     QToolButton* addOption(const QString& symbol, const QString& name);
     QToolButton* addButton(const QString& name, const QKeySequence& key);
     void open(Rows rows);
@@ -66,6 +68,7 @@ private:
     void showFound(SourceRange match);
     void showNotFound();
     void showMatches();
+    void showPatience();
     void report(const QString& text, bool isProblem);
     void showMessage(const QString& text, bool isProblem);
     QString countText() const;
@@ -84,10 +87,10 @@ private:
     QToolButton* m_letterCase = nullptr;
     QToolButton* m_wholeWords = nullptr;
     QToolButton* m_expression = nullptr;
-    QWidget* m_replacing = nullptr; ///< The second row.
+    QWidget* m_replacing = nullptr; ///< The buttons of the second row.
     QPushButton* m_replace = nullptr;
     QPushButton* m_replaceAll = nullptr;
-    QTimer m_patience; ///< Until a replacement of all takes so long that it is shown.
+    QTimer m_patience; ///< Runs while what is under way may end in a moment, and is not shown.
 
     Offset m_anchor = 0;                ///< Where looking starts while somebody types.
     std::optional<SourceRange> m_found; ///< The match that was selected last.
