@@ -18,6 +18,7 @@
 namespace {
 
 constexpr int gap = 8;
+constexpr QSize smallestButton(32, 24);
 constexpr int fieldWidth = 160;
 
 /// The number, counted from 1, as one counted from 0; the greatest when it has too many digits.
@@ -47,6 +48,7 @@ GoToLineBar::GoToLineBar(FindBarClient& client, QWidget* parent) : QWidget(paren
     m_message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* close = new QToolButton;
     close->setAutoRaise(true);
+    close->setMinimumSize(smallestButton);
     close->setText(QStringLiteral("✕"));
     close->setAccessibleName(QStringLiteral("Cerrar"));
     close->setToolTip(

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 #include <utility>
 
 namespace {
@@ -30,6 +31,14 @@ void drop(std::shared_ptr<Value> value) {
 auto firstAtOrAfter(const std::vector<SourceRange>& matches, std::int64_t offset) {
     return std::ranges::lower_bound(matches, offset, {},
                                     [](SourceRange match) { return std::int64_t(match.lower); });
+}
+
+/// Those of `matches` that touch `range`.
+std::span<const SourceRange> touching(const std::vector<SourceRange>& matches, SourceRange range) {
+    auto first = firstAtOrAfter(matches, range.lower);
+    // The one before may reach into the range.
+    first -= first != matches.begin() && first[-1].upper > range.lower;
+    return {first, std::max(first, firstAtOrAfter(matches, range.upper))};
 }
 
 template <class... Cases>
@@ -160,6 +169,7 @@ void TextFinder::setPattern(const SearchPattern& pattern) {
     m_search = search && !pattern.text.empty() ? std::make_shared<TextSearch>(*std::move(search)) : nullptr;
     stop();
     forgetMatches();
+    forgetOldMatches();
     Q_EMIT matchesChanged();
     start();
 }
@@ -172,6 +182,7 @@ void TextFinder::setCounting(bool isCounting) {
     if (!isCounting) {
         stop();
         forgetMatches();
+        forgetOldMatches();
         drop(std::move(m_text));
         Q_EMIT matchesChanged();
         return;
@@ -212,12 +223,18 @@ std::vector<SourceRange> TextFinder::visibleMatches(SourceRange visible) const {
     if (!m_isCounting || m_search == nullptr) {
         return matches;
     }
-    if (m_keptUpTo > visible.upper || m_pattern.syntax == SearchPattern::Syntax::regularExpression) {
-        auto match = firstAtOrAfter(m_matches, visible.lower);
-        // The one before may reach into what is visible.
-        match -= match != m_matches.begin() && match[-1].upper > visible.lower;
-        for (; match != m_matches.end() && match->lower < visible.upper; ++match) {
-            matches.push_back(*match);
+    const bool isExpression = m_pattern.syntax == SearchPattern::Syntax::regularExpression;
+    if (m_keptUpTo > visible.upper || (isExpression && m_oldMatches.empty())) {
+        for (const SourceRange match : touching(m_matches, visible)) {
+            matches.push_back(match);
+        }
+        return matches;
+    }
+    if (isExpression) {
+        for (const SourceRange match : touching(m_oldMatches, m_edits.then(visible))) {
+            if (const auto now = m_edits.now(match)) {
+                matches.push_back(*now);
+            }
         }
         return matches;
     }
@@ -320,6 +337,9 @@ void TextFinder::take(const Batch& batch) {
     m_next = batch.next;
     m_keptUpTo = batch.keptUpTo;
     m_isComplete = batch.isLast;
+    if (m_isComplete) {
+        forgetOldMatches();
+    }
     fail(batch.reason);
     Q_EMIT matchesChanged();
 }
@@ -358,10 +378,12 @@ bool TextFinder::answerFromKept(const Request& request) {
 
 // The text changes
 
-void TextFinder::noticeEdit() {
+void TextFinder::noticeEdit(SourceRange edited, std::int64_t changeInLength) {
     const bool changes = isAnswering() || m_count > 0 || m_isComplete;
     stop();
     drop(std::move(m_text));
+    keepOldMatches();
+    m_edits.add({edited.lower, edited.upper - changeInLength}, edited.length());
     forgetMatches();
     if (m_search != nullptr && m_isCounting) {
         m_recount.start();
@@ -369,6 +391,19 @@ void TextFinder::noticeEdit() {
     if (changes) {
         Q_EMIT matchesChanged();
     }
+}
+
+/// Has what was counted last take the place of the old matches, unless those are of more of the text.
+void TextFinder::keepOldMatches() {
+    if (m_isComplete || m_oldMatches.empty()) {
+        m_oldMatches = std::exchange(m_matches, {});
+        m_edits = {};
+    }
+}
+
+void TextFinder::forgetOldMatches() {
+    m_oldMatches.clear();
+    m_edits = {};
 }
 
 void TextFinder::forgetMatches() {

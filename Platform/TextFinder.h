@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EditedSpan.h"
 #include "TextReplacement.h"
 #include "TextSearch.h"
 #include "TextStorage.h"
@@ -60,7 +61,7 @@ public:
     std::optional<std::size_t> index(SourceRange match) const;
 
     /// The matches that touch `visible`, to be marked; none while counting is off. Those of an expression
-    /// appear as they are counted.
+    /// appear as they are counted; after an edit those from before it stay until then.
     std::vector<SourceRange> visibleMatches(SourceRange visible) const;
 
 Q_SIGNALS:
@@ -98,7 +99,9 @@ private:
     void answer(const TextReplacement& replacement);
     void take(const Batch& batch);
     void finish(const Job& job);
-    void noticeEdit();
+    void noticeEdit(SourceRange edited, std::int64_t changeInLength);
+    void keepOldMatches();
+    void forgetOldMatches();
     bool isAnswering() const { return m_request.index() != 0 || m_running.index() != 0; }
     void fail(SearchEnd::Reason reason);
     bool answerFromKept(const Request& request);
@@ -121,6 +124,8 @@ private:
     bool m_isComplete = false;
     std::vector<SourceRange> m_matches; ///< The first ones, ascending.
     std::uint64_t m_count = 0;
-    std::int64_t m_next = 0;     ///< Where counting goes on.
-    std::int64_t m_keptUpTo = 0; ///< All matches that start before are in `m_matches`.
+    std::int64_t m_next = 0;               ///< Where counting goes on.
+    std::int64_t m_keptUpTo = 0;           ///< All matches that start before are in `m_matches`.
+    std::vector<SourceRange> m_oldMatches; ///< Of the text before the edits of `m_edits`.
+    EditedSpan m_edits;
 };

@@ -182,6 +182,19 @@ TEST(TextFinder, MarksPlainMatchesJustAfterAnEdit) {
     EXPECT_EQ(desk.finder.visibleMatches({2, 5}), (Ranges{{1, 3}, {4, 6}}));
 }
 
+TEST(TextFinder, MovesTheMarksOfExpressionsUntilTheyAreCountedAgain) {
+    Desk desk(u"a1 bb a2 a3");
+    desk.count({.text = u"a\\d", .syntax = regularExpression});
+    desk.storage.replaceCharacters({3, 5}, u"largo");
+    EXPECT_FALSE(desk.finder.isCountComplete());
+    EXPECT_EQ(desk.finder.visibleMatches({0, 14}), (Ranges{{0, 2}, {9, 11}, {12, 14}}));
+    desk.storage.replaceCharacters({10, 11}, u"");
+    desk.storage.replaceCharacters({0, 0}, u"a4 ");
+    EXPECT_EQ(desk.finder.visibleMatches({0, 16}), (Ranges{{14, 16}}));
+    desk.waitForCount();
+    EXPECT_EQ(desk.finder.visibleMatches({0, 16}), (Ranges{{0, 2}, {3, 5}, {14, 16}}));
+}
+
 TEST(TextFinder, CountsAgainAfterAnEdit) {
     Desk desk(u"uno dos");
     desk.count({.text = u"uno"});
