@@ -61,6 +61,8 @@ FindBar::FindBar(FindBarClient& client, QWidget* parent)
     buildLookingRow(*grid);
     buildReplacingRow(*grid);
     buildCommands();
+    setTabOrder(m_pattern, m_template);
+    setTabOrder(m_template, m_letterCase);
     updateColors();
     m_patience.setSingleShot(true);
     m_patience.setInterval(patienceInterval);
@@ -262,6 +264,7 @@ void FindBar::takePattern() {
 }
 
 void FindBar::look() {
+    m_isStepping = false;
     if (canLook()) {
         m_finder.findNext(m_anchor);
     } else {
@@ -280,6 +283,7 @@ void FindBar::findNext() {
         find();
         return;
     }
+    m_isStepping = true;
     const SourceRange selection = m_client.selection();
     // From an empty match the next one is another.
     const bool isEmptyMatch = selection.isEmpty() && m_found == selection;
@@ -294,11 +298,15 @@ void FindBar::findPrevious() {
         find();
         return;
     }
+    m_isStepping = true;
     m_finder.findPrevious(m_client.selection().lower);
 }
 
 void FindBar::showFound(SourceRange match) {
     m_found = match;
+    if (std::exchange(m_isStepping, false)) {
+        m_anchor = match.lower;
+    }
     m_hasReport = false;
     m_client.select(match);
     showMatches();

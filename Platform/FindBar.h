@@ -17,8 +17,8 @@ class QPushButton;
 /// Finds text as it is typed, and replaces it: a row for looking, and one more for replacing. Hidden at
 /// first.
 ///
-/// Looking starts where the selection was when the bar was opened, and goes round at the ends of the text.
-/// Escape closes the bar, the match found last being selected.
+/// Looking starts where the selection was when the bar was opened, or the last step led to, and goes round at
+/// the ends of the text. Escape closes the bar, the match found last being selected.
 class FindBar : public QWidget {
     Q_OBJECT
 
@@ -94,6 +94,7 @@ private:
 
     Offset m_anchor = 0;                ///< Where looking starts while somebody types.
     std::optional<SourceRange> m_found; ///< The match that was selected last.
+    bool m_isStepping = false;          ///< The next match found was asked for by a key or a button.
     bool m_isReplacingAll = false;
     bool m_hasReport = false; ///< The message tells what happened, not how many matches there are.
     bool m_isProblem = false; ///< The message tells of one.

@@ -91,9 +91,8 @@ struct TextFinder::Job : std::enable_shared_from_this<Job> {
             isLast = batch.isLast;
             post([batch = std::move(batch)](TextFinder& to) { to.take(batch); });
         }
-        // The last reference to the text may be this one.
-        std::shared_ptr<SearchedText> own = std::exchange(text, nullptr);
-        own.reset();
+        // Here, not on the main thread, if this is the last reference.
+        text.reset();
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [job = shared_from_this()] {

@@ -160,6 +160,28 @@ TEST(FindBar, StepsByKeysAndButtons) {
     desk.expect(u"[a]1 a2 a3", "1 de 3");
 }
 
+TEST(FindBar, GoesOnTypingWhereAStepLed) {
+    Desk desk(u"ab ac ab ad");
+    desk.press(Qt::Key_F, Qt::ControlModifier);
+    desk.type("a");
+    desk.expect(u"[a]b ac ab ad", "1 de 4");
+    desk.press(Qt::Key_Return);
+    desk.expect(u"ab [a]c ab ad", "2 de 4");
+    desk.type("b");
+    desk.expect(u"ab ac [ab] ad", "2 de 2");
+}
+
+TEST(FindBar, LeadsFromFieldToFieldByTab) {
+    const Desk desk(u"");
+    desk.bar->findAndReplace();
+    QTest::keyClick(desk.pattern(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), desk.named<QLineEdit>("Reemplazar por"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), desk.named<QToolButton>("Distinguir mayúsculas"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_TRUE(desk.named<QToolButton>("Distinguir mayúsculas")->isChecked());
+}
+
 TEST(FindBar, ReturnsToTheTextWithTheMatchSelected) {
     Desk desk(u"uno dos");
     desk.press(Qt::Key_F, Qt::ControlModifier);
