@@ -1,5 +1,7 @@
 #include "FindBar.h"
 
+#include "GroupedNumber.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QGridLayout>
@@ -7,7 +9,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPainter>
 #include <QPushButton>
 #include <QToolButton>
@@ -24,12 +25,8 @@ constexpr int longestField = 480;
 constexpr int patienceInterval = 200;
 constexpr Offset longestProposal = 1000;
 
-QString number(std::uint64_t value) {
-    return QLocale(QLocale::Spanish, QLocale::Spain).toString(static_cast<qulonglong>(value));
-}
-
 QString counted(std::uint64_t count, const QString& one, const QString& many) {
-    return QStringLiteral("%1 %2").arg(number(count), count == 1 ? one : many);
+    return QStringLiteral("%1 %2").arg(groupedNumber(count), count == 1 ? one : many);
 }
 
 /// `text` as an expression that matches it.
@@ -345,10 +342,10 @@ QString FindBar::countText() const {
     }
     const auto index = m_found ? m_finder.index(*m_found) : std::nullopt;
     if (!m_finder.isCountComplete()) {
-        return (index ? QStringLiteral("%1 de más de %2").arg(number(*index + 1), number(count))
-                      : QStringLiteral("Más de %1").arg(number(count)));
+        return (index ? QStringLiteral("%1 de más de %2").arg(groupedNumber(*index + 1), groupedNumber(count))
+                      : QStringLiteral("Más de %1").arg(groupedNumber(count)));
     }
-    return index ? QStringLiteral("%1 de %2").arg(number(*index + 1), number(count))
+    return index ? QStringLiteral("%1 de %2").arg(groupedNumber(*index + 1), groupedNumber(count))
                  : counted(count, QStringLiteral("resultado"), QStringLiteral("resultados"));
 }
 

@@ -1,5 +1,6 @@
 #include "GoToLineBar.h"
 
+#include "GroupedNumber.h"
 #include "TextNavigation.h"
 
 #include <QAction>
@@ -7,7 +8,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QToolButton>
@@ -68,9 +68,8 @@ GoToLineBar::GoToLineBar(FindBarClient& client, QWidget* parent) : QWidget(paren
 
 void GoToLineBar::ask() {
     const Rope& text = m_client.storage().text();
-    const QLocale locale(QLocale::Spanish, QLocale::Spain);
     m_place->setText(QString::number(text.line(m_client.selection().upper) + 1));
-    m_message->setText(QStringLiteral("De 1 a %1").arg(locale.toString(qulonglong(text.lineCount()))));
+    m_message->setText(QStringLiteral("De 1 a %1").arg(groupedNumber(text.lineCount())));
     show();
     m_place->setFocus(Qt::ShortcutFocusReason);
     m_place->selectAll();
