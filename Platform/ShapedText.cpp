@@ -14,8 +14,21 @@
 namespace {
 
 constexpr std::size_t longestShown = 2048;
+constexpr float narrowest = 0.5; ///< A character with less room is part of one next to it.
 
 bool isPrintableASCII(char16_t unit) { return unit >= u' ' && unit <= u'~'; }
+
+/// Tabs, and the white space before them, stand in the direction of the line.
+void resetBeforeTabs(const QString& text, std::vector<std::uint8_t>& levels) {
+    bool isBeforeTab = false;
+    for (std::size_t at = levels.size(); at-- > 0;) {
+        const QChar unit = text[static_cast<qsizetype>(at)];
+        isBeforeTab = unit == u'\t' || (isBeforeTab && unit.direction() == QChar::DirWS);
+        if (isBeforeTab) {
+            levels[at] = 0;
+        }
+    }
+}
 
 /// The bidirectional levels of the units of `text` in a line from left to right; none when all are 0.
 std::vector<std::uint8_t> levels(const QString& text) {
@@ -23,16 +36,24 @@ std::vector<std::uint8_t> levels(const QString& text) {
     if (!mayTurn) {
         return {};
     }
+    // A tab is a neutral like any other until the directions are known, for the layout too.
+    QString spaced = text;
+    spaced.replace(u'\t', u' ');
     const std::unique_ptr<UBiDi, decltype(&ubidi_close)> bidi(ubidi_open(), &ubidi_close);
     UErrorCode error = U_ZERO_ERROR;
-    const auto length = static_cast<std::int32_t>(text.size());
-    ubidi_setPara(bidi.get(), reinterpret_cast<const UChar*>(text.utf16()), length, UBIDI_LTR, nullptr,
+    const auto length = static_cast<std::int32_t>(spaced.size());
+    ubidi_setPara(bidi.get(), reinterpret_cast<const UChar*>(spaced.utf16()), length, UBIDI_LTR, nullptr,
                   &error);
     if (U_FAILURE(error) || ubidi_getDirection(bidi.get()) == UBIDI_LTR) {
         return {};
     }
     const UBiDiLevel* const found = ubidi_getLevels(bidi.get(), &error);
-    return U_FAILURE(error) ? std::vector<std::uint8_t>() : std::vector<std::uint8_t>(found, found + length);
+    if (U_FAILURE(error)) {
+        return {};
+    }
+    std::vector<std::uint8_t> levels(found, found + length);
+    resetBeforeTabs(text, levels);
+    return levels;
 }
 
 /// Puts `box` at the end of `boxes`, or makes the last one wider when the two touch.
@@ -158,6 +179,35 @@ void ShapedText::measureCells() const {
         }
     }
     m_cells[static_cast<std::size_t>(order.back())].right = std::max(left, static_cast<float>(m_width));
+    spreadLigatures(order);
+}
+
+void ShapedText::spreadLigatures(std::span<const std::int32_t> order) const {
+    const auto cellAt = [&](std::size_t place) -> Cell& {
+        return m_cells[static_cast<std::size_t>(order[place])];
+    };
+    const auto isNarrow = [&](std::size_t place) {
+        return place < order.size() && cellAt(place).right - cellAt(place).left < narrowest;
+    };
+    for (std::size_t first = 0, end = 0; first < order.size(); first = end) {
+        // A wide character and the narrow ones behind it; narrow ones at the start go with the first wide
+        // one.
+        end = first + 1;
+        while (first == 0 && end < order.size() && isNarrow(end - 1)) {
+            ++end;
+        }
+        while (isNarrow(end)) {
+            ++end;
+        }
+        if (end - first > 1) {
+            const float left = cellAt(first).left;
+            const float share = (cellAt(end - 1).right - left) / static_cast<float>(end - first);
+            for (std::size_t place = first; place < end; ++place) {
+                cellAt(place).left = left + static_cast<float>(place - first) * share;
+                cellAt(place).right = left + static_cast<float>(place - first + 1) * share;
+            }
+        }
+    }
 }
 
 std::vector<std::int32_t> ShapedText::visualOrder() const {

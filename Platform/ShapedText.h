@@ -65,6 +65,7 @@ private:
     void shape(const QString& text, const QFont& font, double tabWidth);
     void measureCells() const;
     std::vector<std::int32_t> visualOrder() const; ///< The cells from left to right.
+    void spreadLigatures(std::span<const std::int32_t> order) const;
     void measureCarets() const;
     std::size_t cell(int holding) const;
     void color(std::span<const QRgb> colors) const;

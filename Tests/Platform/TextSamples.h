@@ -15,6 +15,16 @@ inline constexpr char32_t everything[] = {
     U'🇪',   U'🇸',      U'\uFE0F',     U'\u200B',     U'\u202E', U'\u2028', U'\uFEFF', U'\uFFFC', U'\u00AD',
     0xD83D, 0xDE00,    U'\U000E0101', U'\U000E0001', U'\u3164', U'€',      U'.',
 };
+/// The same without what is written from right to left.
+inline constexpr char32_t leftToRight[] = {
+    U'a',      U'b',      U'<',      U'"',      U' ',          U'\t',         U'\0',     U'\r',
+    U'\u001B', U'ñ',      U'e',      U'\u0301', U'\u0323',     U'中',         U'文',     U'あ',
+    U'한',     U'1',      U'2',      U'😀',      U'👩',          U'\u200D',     U'💻',      U'🏽',
+    U'🇪',      U'🇸',      U'\uFE0F', U'\u200B', U'\u202E',     U'\u2028',     U'\uFEFF', U'€',
+    U'\uFFFC', U'\u00AD', 0xD83D,    0xDE00,    U'\U000E0101', U'\U000E0001', U'\u3164', U'.',
+};
+inline constexpr char32_t bothWays[] = {U'a', U'b', U' ', U'.', U'1', U'2', U'<',
+                                        U'א', U'ב', U'ג', U'ا', U'ل', U'م'};
 inline constexpr char32_t plain[] = {U'a', U'b', U'<', U'>', U'=', U'"', U' ', U'1'};
 inline constexpr char32_t wide[] = {U'中', U'文', U'あ', U'한', U'a'};
 
