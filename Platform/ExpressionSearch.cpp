@@ -16,7 +16,7 @@ constexpr std::size_t firstWindow = 16 * 1024;
 constexpr std::size_t mostTexts = 8;
 constexpr std::size_t leastAllowance = 16 * 1024 * 1024;
 
-QString verbs() { return QStringLiteral("(*ANYCRLF)(*LIMIT_MATCH=2000000)"); }
+QString verbs() { return QStringLiteral("(*ANYCRLF)(*LIMIT_MATCH=10000000)"); }
 
 /// Holds where a word neither starts nor ends inside; words are those of `TextNavigation`. With the case
 /// ignored the library would look at the case of every scalar of the long range, for milliseconds.
