@@ -392,6 +392,9 @@ void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& acti
 void EditorSession::apply(const DocumentTemplate& documentTemplate) {
     const QString actionName = QStringLiteral("Plantilla");
     const TextEdit edit{m_buffer.text().fullRange(), std::u16string(documentTemplate.text)};
+    if (edit.delta() == 0 && m_buffer.text().units(edit.range) == edit.replacement) {
+        return;
+    }
     UndoManager* const undoManager = m_buffer.undoManager();
     if (undoManager == nullptr) {
         applyEdits({&edit, 1}, actionName);

@@ -228,6 +228,10 @@ TEST(EditorSessionCommands, LeaveNoStepWhereNothingChanges) {
     SessionDesk blank(u" \n<a/>");
     EXPECT_FALSE(blank.session.toggleComment().has_value());
     EXPECT_FALSE(blank.undoManager.canUndo());
+    const DocumentTemplate& basic = DocumentTemplate::catalogue()[0];
+    SessionDesk same(basic.text);
+    same.session.apply(basic);
+    EXPECT_FALSE(same.undoManager.canUndo());
 }
 
 // After the change
