@@ -23,6 +23,13 @@ QFont titleFont() {
     return font;
 }
 
+bool isWiderThan(const QString& title, int width) {
+    const QStringList words = title.split(u' ');
+    return std::ranges::any_of(words, [width](const QString& word) {
+        return QFontMetrics(titleFont()).horizontalAdvance(word) > width;
+    });
+}
+
 } // namespace
 
 EmptyStateView::EmptyStateView(QWidget* parent) : QWidget(parent) {}
@@ -42,11 +49,13 @@ void EmptyStateView::paintEvent(QPaintEvent*) {
     if (m_symbol.isEmpty()) {
         return;
     }
-    constexpr int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWrapAnywhere | Qt::TextWordWrap;
     const int lineWidth = std::clamp(width() - 2 * margin, 0, widest);
     const QRect column((width() - lineWidth) / 2, 0, lineWidth, height());
-    const QFont bodyFont = SystemFont::body();
-    const QRect titleRect = QFontMetrics(titleFont()).boundingRect(column, flags, m_title);
+    constexpr int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
+    // A title may quote one long word.
+    const int titleFlags = flags | (isWiderThan(m_title, lineWidth) ? int(Qt::TextWrapAnywhere) : 0);
+    const QFont& bodyFont = SystemFont::body();
+    const QRect titleRect = QFontMetrics(titleFont()).boundingRect(column, titleFlags, m_title);
     const QRect bodyRect = QFontMetrics(bodyFont).boundingRect(column, flags, m_description);
     const int total = symbolSize + symbolGap + titleRect.height() + gap + bodyRect.height();
     int top = std::max(margin, (height() - total) / 2);
@@ -56,7 +65,7 @@ void EmptyStateView::paintEvent(QPaintEvent*) {
     top += symbolSize + symbolGap;
     painter.setFont(titleFont());
     painter.setPen(color(SystemColor::textColor, palette()));
-    painter.drawText(column.translated(0, top), flags, m_title);
+    painter.drawText(column.translated(0, top), titleFlags, m_title);
     top += titleRect.height() + gap;
     painter.setFont(bodyFont);
     painter.setPen(color(SystemColor::secondaryLabel, palette()));

@@ -142,8 +142,8 @@ TreeOutline::Rows TreeOutline::rows(const DocumentTree& tree, std::span<const No
     }
     const NodePathSet none;
     reusing.m_rows.clear();
-    append(reusing.m_rows, tree,
-           {tree[NodeID::document()].firstChild, 0, 0, none.below(NodePathSet::root())}, none, &kept);
+    append(reusing.m_rows, tree, {tree[NodeID::document()].firstChild, 0, 0, none.below(NodePathSet::root())},
+           none, &kept);
     return reusing;
 }
 
@@ -161,10 +161,10 @@ void TreeOutline::expand(std::size_t row, Rows& in, const DocumentTree& tree) {
     in.m_rows[row].isExpanded = true;
     if (expanding.hasChildren) {
         RecordArray<Row> below;
-        append(below, tree,
-               {tree[expanding.node].firstChild, 0, expanding.depth + 1,
-                expanded.below(expanded.place(path))},
-               expanded, nullptr);
+        append(
+            below, tree,
+            {tree[expanding.node].firstChild, 0, expanding.depth + 1, expanded.below(expanded.place(path))},
+            expanded, nullptr);
         in.replace(row + 1, 0, below);
     }
 }

@@ -75,9 +75,7 @@ public:
         state.collapsed = !shown().isExpanded;
         return state;
     }
-    QRect rect() const override {
-        return onScreen(TreeRowView::disclosureRect(view().appearance(row())));
-    }
+    QRect rect() const override { return onScreen(TreeRowView::disclosureRect(view().appearance(row()))); }
     QAccessibleInterface* parent() const override;
     int childCount() const override { return 0; }
     QAccessibleInterface* child(int) const override { return nullptr; }
@@ -205,9 +203,7 @@ QAccessibleInterface* RowInterface::child(int index) const {
     return index == 0 && shown().hasChildren ? outline().disclosure(row()) : nullptr;
 }
 
-QAccessibleInterface* DisclosureInterface::parent() const {
-    return outline().child(static_cast<int>(row()));
-}
+QAccessibleInterface* DisclosureInterface::parent() const { return outline().child(static_cast<int>(row())); }
 
 QAccessibleInterface* make(const QString& className, QObject* object) {
     auto* const view = className == u"TreeOutlineView" ? qobject_cast<TreeOutlineView*>(object) : nullptr;

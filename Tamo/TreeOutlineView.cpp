@@ -175,7 +175,8 @@ TreeIndentation TreeOutlineView::indentation() const {
         std::ranges::subrange(m_contents.rows->begin() + first, m_contents.rows->begin() + end), {},
         &TreeOutline::Row::depth);
     const int width = viewport()->width();
-    return TreeIndentation::fitting(shallowest.depth, deepest.depth, std::max(width / 3, width - roomForLabels));
+    return TreeIndentation::fitting(shallowest.depth, deepest.depth,
+                                    std::max(width / 3, width - roomForLabels));
 }
 
 void TreeOutlineView::updateExtent() {
@@ -209,6 +210,16 @@ void TreeOutlineView::paintEvent(QPaintEvent* event) {
         }
     }
     paintDropMark(painter);
+    if (hasFocus() && !m_selectedRow) {
+        paintFocus(painter);
+    }
+}
+
+/// Tells that keys go here while no row does.
+void TreeOutlineView::paintFocus(QPainter& painter) const {
+    painter.setPen(color(SystemColor::accent, palette()));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
 }
 
 bool TreeOutlineView::viewportEvent(QEvent* event) {
@@ -609,15 +620,21 @@ void TreeOutlineView::paintDropMark(QPainter& painter) const {
     constexpr double knob = 3;
     const TreeRowView::Appearance look = appearance(m_dropTarget->row);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color(SystemColor::accent, palette()), width));
+    const QColor accent = color(SystemColor::accent, palette());
+    painter.setPen(QPen(accent, width));
     if (m_dropTarget->isInto()) {
         const QRectF frame = QRectF(look.rect).adjusted(margin, 1, -margin, -1);
+        constexpr float veil = 0.15F;
+        QColor tint = accent;
+        tint.setAlphaF(veil);
+        painter.setBrush(tint);
         painter.drawRoundedRect(frame, knob * 2, knob * 2);
         return;
     }
     const int step = m_dropTarget->placement == Placement::firstChild ? TreeIndentation::fullStep : 0;
     const double left = TreeRowView::disclosureRect(look).left() + step + knob;
     const double y = m_dropTarget->placement == Placement::before ? look.rect.top() : look.rect.bottom() + 1;
+    painter.setBrush(color(SystemColor::textBackground, palette()));
     painter.drawEllipse(QPointF(left, y), knob, knob);
     painter.drawLine(QPointF(left + knob, y), QPointF(look.rect.right() - margin, y));
 }

@@ -122,6 +122,7 @@ private:
     void setDropTarget(std::optional<TreeDropTarget> target);
     void endHovering();
     void paintDropMark(QPainter& painter) const;
+    void paintFocus(QPainter& painter) const;
     void scrollAtEdges(int y);
 
     Contents m_contents;

@@ -139,8 +139,7 @@ void paintGround(QPainter& painter, const TreeRowView::Appearance& appearance, c
 /// An outline around the row that keys go to.
 void paintFocus(QPainter& painter, const QRect& row, const QPalette& palette) {
     constexpr double width = 1.5;
-    const QRectF outline =
-        QRectF(ground(row)).adjusted(width / 2, width / 2, -width / 2, -width / 2);
+    const QRectF outline = QRectF(ground(row)).adjusted(width / 2, width / 2, -width / 2, -width / 2);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(color(SystemColor::accent, palette), width));
     painter.drawRoundedRect(outline, cornerRadius - width / 2, cornerRadius - width / 2);

@@ -222,8 +222,9 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     for (const Shape& shape : shapes) {
         const auto add = [&shape](const char* name, auto* measure) {
-            benchmark::RegisterBenchmark((std::string(name) + '/' + shape.name).c_str(),
-                                         [&shape, measure](benchmark::State& state) { measure(state, shape); })
+            benchmark::RegisterBenchmark(
+                (std::string(name) + '/' + shape.name).c_str(),
+                [&shape, measure](benchmark::State& state) { measure(state, shape); })
                 ->Unit(benchmark::kMillisecond);
         };
         add("makeRows", makeRows);

@@ -128,11 +128,10 @@ TEST(TreeOutline, ShowsNothingOfAnEmptyDocument) {
 
 TEST(TreeOutline, DescendsIntoExpandedNodes) {
     const DocumentTree tree = parse(u"<a><b><c/></b><d><e/></d></a>");
-    EXPECT_EQ(text(expanded({{{0}}, {{0, 1}}}).rows(tree), tree),
-              "- /0 <a>\n"
-              "  + /0/0 <b>\n"
-              "  - /0/1 <d>\n"
-              "    . /0/1/0 <e/>\n");
+    EXPECT_EQ(text(expanded({{{0}}, {{0, 1}}}).rows(tree), tree), "- /0 <a>\n"
+                                                                  "  + /0/0 <b>\n"
+                                                                  "  - /0/1 <d>\n"
+                                                                  "    . /0/1/0 <e/>\n");
 }
 
 TEST(TreeOutline, HidesWhatIsExpandedInsideACollapsedNode) {
@@ -182,10 +181,9 @@ TEST(TreeOutline, MarksEveryMatchAsExpanded) {
 
 TEST(TreeOutline, AddsAMatchInsideAnotherOnce) {
     const DocumentTree tree = parse(u"<x1><x2><x3/></x2></x1>");
-    EXPECT_EQ(text(TreeOutline::rows(tree, NodeSearch::matches(u"x", tree)), tree),
-              "- /0 <x1>\n"
-              "  - /0/0 <x2>\n"
-              "    . /0/0/0 <x3/>\n");
+    EXPECT_EQ(text(TreeOutline::rows(tree, NodeSearch::matches(u"x", tree)), tree), "- /0 <x1>\n"
+                                                                                    "  - /0/0 <x2>\n"
+                                                                                    "    . /0/0/0 <x3/>\n");
 }
 
 TEST(TreeOutline, ShowsNothingWithoutMatches) {

@@ -82,11 +82,9 @@ protected:
     std::optional<Qt::DropAction> drop(std::size_t dragged, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
         const auto dragData = view.pickUp(dragged);
         std::optional<Qt::DropAction> action;
-        const auto connection =
-            QObject::connect(&view, &TreeOutlineView::dropRequested, &view,
-                             [&](const NodePath&, const NodePath&, Placement, Qt::DropAction asked) {
-                                 action = asked;
-                             });
+        const auto connection = QObject::connect(
+            &view, &TreeOutlineView::dropRequested, &view,
+            [&](const NodePath&, const NodePath&, Placement, Qt::DropAction asked) { action = asked; });
         const Qt::DropActions offered = Qt::MoveAction | Qt::CopyAction;
         QDragEnterEvent enter(to, offered, dragData.get(), Qt::LeftButton, modifiers);
         QCoreApplication::sendEvent(view.viewport(), &enter);
@@ -147,8 +145,7 @@ TEST_F(TreeOutlineViewTest, ExpandsAndCollapsesByKeys) {
     QTest::keyClick(&view, Qt::Key_Right);
     EXPECT_EQ(view.rowCount(), 6U);
     EXPECT_EQ(view.selectedRow(), 1U);
-    EXPECT_EQ(rowsAfter({Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}),
-              (std::vector<std::size_t>{2, 2, 1}));
+    EXPECT_EQ(rowsAfter({Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}), (std::vector<std::size_t>{2, 2, 1}));
     QTest::keyClick(&view, Qt::Key_Left);
     EXPECT_EQ(view.rowCount(), 5U);
     EXPECT_EQ(rowsAfter({Qt::Key_Left}), std::vector<std::size_t>{0});
@@ -353,10 +350,8 @@ TEST_F(TreeOutlineViewTest, DropsBesideAndInto) {
         Placement placement;
     };
     const Case cases[] = {
-        {4, 1, 0.1, {{0, 0}}, Placement::before},
-        {4, 1, 0.5, {{0, 0}}, Placement::lastChild},
-        {4, 1, 0.9, {{0, 0}}, Placement::after},
-        {1, 3, 0.9, {{0, 2}}, Placement::firstChild},
+        {4, 1, 0.1, {{0, 0}}, Placement::before}, {4, 1, 0.5, {{0, 0}}, Placement::lastChild},
+        {4, 1, 0.9, {{0, 0}}, Placement::after},  {1, 3, 0.9, {{0, 2}}, Placement::firstChild},
         {1, 2, 0.7, {{0, 1}}, Placement::after},
     };
     for (const Case& each : cases) {
@@ -391,8 +386,8 @@ TEST_F(TreeOutlineViewTest, RefusesWhatComesFromElsewhere) {
     TreeOutlineView other;
     other.setContents({&m_tree, &m_rows, {}});
     const auto others = other.pickUp(1);
-    for (const QMimeData* const dragData : {static_cast<const QMimeData*>(&foreign),
-                                            static_cast<const QMimeData*>(others.get())}) {
+    for (const QMimeData* const dragData :
+         {static_cast<const QMimeData*>(&foreign), static_cast<const QMimeData*>(others.get())}) {
         QDragEnterEvent enter(at(2, 0.2), Qt::MoveAction, dragData, Qt::LeftButton, {});
         QCoreApplication::sendEvent(view.viewport(), &enter);
         EXPECT_FALSE(enter.isAccepted());

@@ -1,0 +1,209 @@
+#include "TreeEditorView.h"
+
+#include "EmptyStateView.h"
+#include "MutationPlanner.h"
+#include "NodeCopy.h"
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "SystemFont.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using PromptKind = EditorSession::NamePrompt::Kind;
+
+constexpr int margin = 8;
+constexpr int fieldHeight = 28;
+constexpr qsizetype longestQuery = 60; ///< Units of a filter text that are quoted.
+
+/// A document of nothing but its XML declaration has no structure to show either.
+bool hasStructure(const DocumentTree& tree) {
+    constexpr NodeID first{1};
+    const bool isDeclarationAlone = tree.nodes.size() == 2 &&
+                                    tree[first].kind == TreeNode::Kind::instruction &&
+                                    tree.name(first) == u"xml";
+    return tree.nodes.size() > 1 && !isDeclarationAlone;
+}
+
+QString quoted(const QString& query) {
+    const QString trimmed = query.trimmed();
+    return trimmed.size() <= longestQuery ? trimmed : trimmed.first(longestQuery - 1) + u'…';
+}
+
+} // namespace
+
+TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
+    : QWidget(parent), m_session(session), m_filterField(new QLineEdit(this)), m_pages(new QStackedLayout),
+      m_outline(new TreeOutlineView(this)), m_emptyState(new EmptyStateView(this)) {
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    auto* const header = new QVBoxLayout;
+    header->setContentsMargins(margin, margin, margin, margin);
+    header->addWidget(m_filterField);
+    column->addLayout(header);
+    column->addLayout(m_pages, 1);
+    m_pages->addWidget(m_outline);
+    m_pages->addWidget(m_emptyState);
+    makeFilterField();
+    connectOutline();
+    connect(&m_session, &EditorSession::rowsChanged, this, &TreeEditorView::showRows);
+    connect(&m_session, &EditorSession::treeChanged, this, &TreeEditorView::showRows);
+    connect(&m_session, &EditorSession::errorNodesChanged, m_outline->viewport(),
+            qOverload<>(&QWidget::update));
+    connect(&m_session, &EditorSession::selectionChanged, this, &TreeEditorView::followSelection);
+    connect(&m_session, &EditorSession::filterChanged, this, &TreeEditorView::showFilter);
+    showFilter();
+    showRows();
+}
+
+void TreeEditorView::makeFilterField() {
+    m_filterField->setPlaceholderText(QStringLiteral("Filtrar nodos"));
+    m_filterField->setAccessibleName(QStringLiteral("Filtrar nodos"));
+    m_filterField->setClearButtonEnabled(true);
+    m_filterField->setMinimumHeight(fieldHeight);
+    m_filterField->addAction(Symbol::icon(u"magnifyingglass", SystemColor::secondaryLabel),
+                             QLineEdit::LeadingPosition);
+    m_filterField->installEventFilter(this);
+    connect(m_filterField, &QLineEdit::textChanged, &m_session, &EditorSession::setFilter);
+}
+
+void TreeEditorView::connectOutline() {
+    connect(m_outline, &TreeOutlineView::rowChosen, this, &TreeEditorView::select);
+    connect(m_outline, &TreeOutlineView::expansionRequested, &m_session, &EditorSession::expandRow);
+    connect(m_outline, &TreeOutlineView::collapseRequested, this, &TreeEditorView::collapse);
+    connect(m_outline, &TreeOutlineView::menuRequested, this, &TreeEditorView::showMenu);
+    connect(m_outline, &TreeOutlineView::deletionRequested, this, [this](std::size_t row) {
+        select(row);
+        m_session.deleteSelection();
+    });
+    connect(m_outline, &TreeOutlineView::renameRequested, &m_session, &EditorSession::rename);
+    connect(m_outline, &TreeOutlineView::textChangeRequested, &m_session, &EditorSession::setText);
+    connect(m_outline, &TreeOutlineView::dropRequested, this, &TreeEditorView::drop);
+}
+
+const EmptyStateView* TreeEditorView::emptyState() const {
+    return m_pages->currentWidget() == m_emptyState ? m_emptyState : nullptr;
+}
+
+void TreeEditorView::showRows() {
+    m_outline->setContents({&m_session.tree(), &m_session.rows(),
+                            [this](NodeID node) { return m_session.errorNodes().contains(node); }});
+    showSelection();
+    const bool isSearchInVain = m_session.areRowsFiltered() && m_session.rows().isEmpty();
+    if (!hasStructure(m_session.tree())) {
+        m_emptyState->setContents(QStringLiteral("list.bullet.indent"), QStringLiteral("Sin nodos"),
+                                  QStringLiteral("El documento aún no tiene estructura."));
+    } else if (isSearchInVain) {
+        m_emptyState->setContents(QStringLiteral("magnifyingglass"),
+                                  QStringLiteral("Sin resultados para “%1”").arg(quoted(m_session.filter())),
+                                  QStringLiteral("Comprueba la ortografía o prueba otra búsqueda."));
+    } else {
+        m_pages->setCurrentWidget(m_outline);
+        return;
+    }
+    m_pages->setCurrentWidget(m_emptyState);
+}
+
+void TreeEditorView::showSelection() {
+    const auto& selection = m_session.selection();
+    const auto row = selection ? m_session.rows().row(*selection, m_session.tree()) : std::nullopt;
+    m_outline->setSelectedRow(row);
+    // Other rows alone move nothing that the user has scrolled to.
+    if (row && std::exchange(m_isScrollingDue, false)) {
+        m_outline->scrollTo(*row);
+    }
+}
+
+void TreeEditorView::followSelection() {
+    m_isScrollingDue = m_session.selection().has_value();
+    showSelection();
+}
+
+void TreeEditorView::showFilter() {
+    if (m_filterField->text() != m_session.filter()) {
+        m_filterField->setText(m_session.filter());
+    }
+}
+
+/// A selected node that a collapsed one hides gives the selection to that one.
+void TreeEditorView::collapse(std::size_t row) {
+    const auto selected = m_outline->selectedRow();
+    const bool hidesSelection =
+        selected && *selected > row && *selected < m_session.rows().subtreeEnd(row, m_session.tree());
+    if (hidesSelection && !m_session.areRowsFiltered()) {
+        select(row);
+    }
+    m_session.collapseRow(row);
+}
+
+std::unique_ptr<QMenu> TreeEditorView::makeMenu(std::size_t row) {
+    auto menu = std::make_unique<QMenu>(this);
+    const auto ask = [this](PromptKind kind) { return [this, kind] { m_session.requestNamePrompt(kind); }; };
+    QAction* const addChild = menu->addAction(Symbol::icon(u"plus.square.on.square"),
+                                              QStringLiteral("Añadir hijo…"), ask(PromptKind::addChild));
+    addChild->setEnabled(m_session.tree()[m_session.rows()[row].node].isElement());
+    menu->addAction(Symbol::icon(u"plus"), QStringLiteral("Añadir hermano…"), ask(PromptKind::addSibling));
+    menu->addAction(QStringLiteral("Duplicar"), &m_session, &EditorSession::duplicate);
+    menu->addAction(QStringLiteral("Envolver en…"), ask(PromptKind::wrap));
+    menu->addSeparator();
+    menu->addAction(Symbol::icon(u"link"), QStringLiteral("Copiar ruta"), &m_session,
+                    &EditorSession::copyPath);
+    menu->addSeparator();
+    menu->addAction(Symbol::icon(u"trash", SystemColor::systemRed), QStringLiteral("Eliminar"), &m_session,
+                    &EditorSession::deleteSelection);
+    return menu;
+}
+
+void TreeEditorView::showMenu(std::size_t row, QPoint globalPosition) {
+    select(row);
+    QMenu* const menu = makeMenu(row).release();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(globalPosition);
+}
+
+/// Carries out what was dropped, unless that cannot be done.
+void TreeEditorView::drop(const NodePath& dragged, const NodePath& target, TreeMutation::Placement placement,
+                          Qt::DropAction action) {
+    const DocumentTree& tree = m_session.tree();
+    if (action == Qt::CopyAction) {
+        if (NodeCopy::plan(dragged, target, placement, tree, m_session.indent())) {
+            m_session.copy(dragged, target, placement);
+        }
+    } else if (MutationPlanner::plan(TreeMutation::Move{dragged, target, placement}, tree,
+                                     m_session.indent())) {
+        m_session.move(dragged, target, placement);
+    }
+}
+
+bool TreeEditorView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_filterField && event->type() == QEvent::KeyPress) {
+        switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Escape:
+            if (!m_filterField->text().isEmpty()) {
+                m_filterField->clear();
+                return true;
+            }
+            break;
+        case Qt::Key_Down:
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            if (m_outline->rowCount() != 0) {
+                m_outline->setFocus(Qt::TabFocusReason);
+                return true;
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "EditorSession.h"
+#include "TreeOutlineView.h"
+
+#include <QWidget>
+
+#include <array>
+#include <memory>
+
+class EmptyStateView;
+class QLineEdit;
+class QMenu;
+class QStackedLayout;
+
+/// The pane that shows a document as a tree: a field that filters it, and the list of its rows with their
+/// commands. Shows what the session has, and asks the session for whatever the user wants.
+class TreeEditorView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `session` outlives the view.
+    explicit TreeEditorView(EditorSession& session, QWidget* parent = nullptr);
+
+    TreeOutlineView& outline() { return *m_outline; }
+    QLineEdit& filterField() { return *m_filterField; }
+    /// What stands in place of the list when there is no row to show; none while the list is there.
+    const EmptyStateView* emptyState() const;
+
+    /// The commands for the node of a row, which is to be the selected one.
+    std::unique_ptr<QMenu> makeMenu(std::size_t row);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void makeFilterField();
+    void connectOutline();
+    void showRows();
+    void showSelection();
+    void followSelection();
+    void showFilter();
+
+    NodePath path(std::size_t row) const { return m_session.rows().path(row, m_session.tree()); }
+    void select(std::size_t row) { m_session.select(path(row)); }
+    void collapse(std::size_t row);
+    void showMenu(std::size_t row, QPoint globalPosition);
+    void drop(const NodePath& dragged, const NodePath& target, TreeMutation::Placement placement,
+              Qt::DropAction action);
+
+    EditorSession& m_session;
+    QLineEdit* m_filterField;
+    QStackedLayout* m_pages;
+    TreeOutlineView* m_outline;
+    EmptyStateView* m_emptyState;
+    bool m_isScrollingDue = false; ///< The selected node has not been in view yet.
+};
