@@ -52,7 +52,7 @@ Values values(SystemColor color) {
     case SystemColor::control:
         return {0xFFFFFFFF, 0xFF383B42};
     case SystemColor::separator:
-        return {0xFFD9DBE0, 0xFF3A3D44};
+        return {0xFFD9DBE0, 0xFF464A52};
     }
     Q_UNREACHABLE();
 }
