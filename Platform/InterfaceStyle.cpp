@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QStyleOption>
+#include <QTableView>
 #include <QTextEdit>
 
 namespace {
@@ -42,6 +43,13 @@ QStyleOptionViewItem withFocusGroup(const QStyleOptionViewItem& option, const QW
         adjusted.state.setFlag(QStyle::State_Active, hasKeyboard(view));
     }
     return adjusted;
+}
+
+/// Whether an item needs no ring, since its whole row is drawn as the one that the keyboard is at.
+bool isShownBySelection(const QStyleOption& option, const QWidget* widget) {
+    return option.state.testFlag(QStyle::State_Selected) &&
+           qobject_cast<const QAbstractItemView*>(widget) != nullptr &&
+           qobject_cast<const QTableView*>(widget) == nullptr;
 }
 
 /// What a scroll bar lies on.
@@ -125,7 +133,7 @@ void InterfaceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption*
     case PE_FrameLineEdit:
         return ControlPainting::drawField(*painter, *option);
     case PE_FrameFocusRect:
-        if (option->state.testFlag(State_KeyboardFocusChange)) {
+        if (option->state.testFlag(State_KeyboardFocusChange) && !isShownBySelection(*option, widget)) {
             ControlPainting::drawFocusRing(*painter, *option);
         }
         return;
@@ -189,6 +197,13 @@ void InterfaceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption*
 void InterfaceStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const {
     switch (element) {
+    case CE_PushButtonBevel:
+        // The common style draws nothing at all for a flat one.
+        if (const auto* const button = cast<QStyleOptionButton>(option);
+            button != nullptr && button->features.testFlag(QStyleOptionButton::Flat)) {
+            return ControlPainting::drawButton(*painter, *button);
+        }
+        break;
     case CE_PushButtonLabel:
         if (const auto* const button = cast<QStyleOptionButton>(option)) {
             QStyleOptionButton label = *button;
@@ -238,6 +253,18 @@ void InterfaceStyle::drawControl(ControlElement element, const QStyleOption* opt
     case CE_TabBarTabShape:
         if (const auto* const tab = cast<QStyleOptionTab>(option)) {
             return ControlPainting::drawTab(*painter, *tab);
+        }
+        break;
+    case CE_TabBarTabLabel:
+        if (const auto* const tab = cast<QStyleOptionTab>(option)) {
+            QStyleOptionTab label = *tab;
+            label.state.setFlag(State_HasFocus, false);
+            QProxyStyle::drawControl(element, &label, painter, widget);
+            if (tab->state.testFlag(State_HasFocus) && tab->state.testFlag(State_KeyboardFocusChange)) {
+                label.rect.adjust(2, 3, -2, -3);
+                ControlPainting::drawFocusRing(*painter, label);
+            }
+            return;
         }
         break;
     case CE_ItemViewItem:
@@ -398,6 +425,9 @@ QRect InterfaceStyle::subElementRect(SubElement element, const QStyleOption* opt
     case SE_PushButtonFocusRect:
     case SE_ComboBoxFocusRect:
         return option->rect;
+    case SE_CheckBoxFocusRect:
+    case SE_RadioButtonFocusRect:
+        return QProxyStyle::subElementRect(element, option, widget).adjusted(-4, 0, 4, 0);
     case SE_LineEditContents: {
         const auto* const frame = cast<QStyleOptionFrame>(option);
         const QRect rect = QProxyStyle::subElementRect(element, option, widget);

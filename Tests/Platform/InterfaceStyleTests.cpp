@@ -13,6 +13,7 @@
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStyleOptionSlider>
+#include <QTabBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -172,6 +173,45 @@ TEST_F(InterfaceStyleTest, RingsWhatHasTheKeyboard) {
     EXPECT_TRUE(second.hasFocus());
     EXPECT_GT(count(second, accent), 100);
     EXPECT_EQ(count(first, accent), 0);
+}
+
+TEST_F(InterfaceStyleTest, RingsFlatButtonsAndTabs) {
+    const QColor accent = color(SystemColor::accent, palette(Appearance::light));
+    auto& button = dressed<QPushButton>(QStringLiteral("Plano"));
+    auto& tabs = dressed<QTabBar>();
+    button.setAutoDefault(false);
+    button.setFlat(true);
+    tabs.addTab(QStringLiteral("Uno"));
+    button.setGeometry(0, 0, 80, 28);
+    tabs.setGeometry(0, 40, 100, 28);
+    m_window.show();
+    m_window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_window));
+    tabs.setFocus(Qt::MouseFocusReason);
+    const qsizetype underline = count(tabs, accent);
+    EXPECT_EQ(count(button, accent), 0);
+    QTest::keyClick(&tabs, Qt::Key_Tab);
+    EXPECT_TRUE(button.hasFocus());
+    EXPECT_GT(count(button, accent), 100);
+    EXPECT_EQ(count(tabs, accent), underline);
+    QTest::keyClick(&button, Qt::Key_Tab);
+    EXPECT_TRUE(tabs.hasFocus());
+    EXPECT_GT(count(tabs, accent), underline + 50);
+}
+
+TEST_F(InterfaceStyleTest, RingsItemsThatAreNotSelected) {
+    const QColor accent = color(SystemColor::accent, palette(Appearance::light));
+    auto& list = dressed<QListWidget>();
+    list.setGeometry(0, 0, 100, 100);
+    list.addItem(QStringLiteral("fila"));
+    m_window.show();
+    m_window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_window));
+    list.setFocus();
+    list.setCurrentRow(0, QItemSelectionModel::NoUpdate);
+    EXPECT_GT(count(list, accent), 100);
+    list.setCurrentRow(0);
+    EXPECT_EQ(count(list, accent), 0);
 }
 
 TEST_F(InterfaceStyleTest, RingsTheFieldThatIsWrittenIn) {
