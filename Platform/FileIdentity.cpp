@@ -38,6 +38,9 @@ std::expected<FileIdentity, FileFailure> FileIdentity::of(const QString& path) {
     if (stat(QFile::encodeName(path).constData(), &status) != 0) {
         return std::unexpected(fileFailure(errno));
     }
+    if (!S_ISREG(status.st_mode)) {
+        return std::unexpected(S_ISDIR(status.st_mode) ? FileFailure::folder : FileFailure::notRegular);
+    }
     return FileIdentity{.device = status.st_dev,
                         .inode = status.st_ino,
                         .size = static_cast<std::uint64_t>(status.st_size),

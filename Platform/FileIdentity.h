@@ -19,7 +19,8 @@ struct FileIdentity {
     std::int64_t modified = 0;                ///< Nanoseconds since 1970 in UTC.
     std::optional<std::uint64_t> contentHash; ///< Of all bytes; nothing when nobody read them.
 
-    /// A look at what the disk knows of the file, which `path` may lead to by a link. Reads none of it.
+    /// A look at what the disk knows of the file, which `path` may lead to by a link. Reads none of it. Only
+    /// regular files have an identity.
     static std::expected<FileIdentity, FileFailure> of(const QString& path);
 
     /// The same with the hash; reads the whole file. Without the hash when the file never holds still.

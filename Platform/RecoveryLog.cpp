@@ -1,10 +1,13 @@
 #include "RecoveryLog.h"
 
+#include "Postbox.h"
+
 #include <QFile>
 #include <QRandomGenerator>
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -103,13 +106,17 @@ std::expected<void, FileFailure> RecoveryLog::commit(const RecoveryMoment& momen
     return {};
 }
 
-std::expected<void, FileFailure> RecoveryLog::sync() {
-    // Some disks cannot: they say EINVAL.
-    if (fdatasync(m_number) != 0 && errno != EINVAL) {
-        m_isUsable = false;
-        return std::unexpected(fileFailure(errno));
-    }
-    return {};
+std::future<std::expected<void, FileFailure>> RecoveryLog::sync() const {
+    const auto result = std::make_shared<std::promise<std::expected<void, FileFailure>>>();
+    // A number of its own: the log may go first.
+    runOnFileThread([result, number = fcntl(m_number, F_DUPFD_CLOEXEC, 0)] {
+        // Some disks cannot: they say EINVAL.
+        const bool isDone = fdatasync(number) == 0 || errno == EINVAL;
+        const int error = errno;
+        close(number);
+        result->set_value(isDone ? std::expected<void, FileFailure>() : std::unexpected(fileFailure(error)));
+    });
+    return result->get_future();
 }
 
 void RecoveryLog::write() {

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <expected>
+#include <future>
 #include <optional>
 #include <span>
 #include <utility>
@@ -15,7 +16,8 @@
 /// what became of it. `RecoveryRecord` has its format.
 ///
 /// What was committed is never touched again, so that a crash while writing leaves it whole. It outlives
-/// the program from `commit` on, and the machine's power from `sync` on, provided the disk tells the truth.
+/// the program from `commit` on, and a loss of power once a `sync` is done, provided the disk tells the
+/// truth.
 class RecoveryLog {
 public:
     /// Starts a log in a new file, which only the user may read.
@@ -36,8 +38,9 @@ public:
     /// it was added, and the next try may do better.
     std::expected<void, FileFailure> commit(const RecoveryMoment& moment, Offset textSize);
 
-    /// Waits until the disk has it all. After a failure nobody knows what the disk has.
-    std::expected<void, FileFailure> sync();
+    /// Has the disk take all that was committed, on another thread, while more is added. After a failure
+    /// nobody knows what the disk has, and the text is to be written to a new file.
+    std::future<std::expected<void, FileFailure>> sync() const;
 
     /// Whether another commit would be found. When not, a new file has to be written.
     bool isUsable() const { return m_isUsable; }

@@ -2,11 +2,9 @@
 
 #include "RecoveryReader.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QPointer>
 
 #include <algorithm>
 #include <chrono>
@@ -71,9 +69,10 @@ QString RecoveryStore::defaultFolder() {
 
 RecoveryStore::RecoveryStore(QString folder, RecoveryPace pace, QObject* parent)
     : QObject(parent), m_folder(std::move(folder)), m_pace(pace),
-      m_session(std::make_shared<RecoverySession>(m_folder)) {}
+      m_session(std::make_shared<RecoverySession>(m_folder)), m_postbox(std::make_shared<Postbox>(this)) {}
 
 RecoveryStore::~RecoveryStore() {
+    m_postbox->close();
     constexpr std::chrono::seconds patience(5);
     m_session->works()->waitForEnd(patience);
     for (const auto& [id, found] : m_found) {
@@ -192,18 +191,8 @@ std::unique_ptr<DocumentRecovery> RecoveryStore::follow(TextStorage& storage, co
         session = found->second.session;
         log = found->second.log;
     }
-    const auto tell = [self = QPointer(this)](FileFailure failure, const QString& folder) {
-        // Through the application, which outlives every thread; the store may be gone then.
-        if (QObject* const application = QCoreApplication::instance()) {
-            QMetaObject::invokeMethod(
-                application,
-                [self, failure, folder] {
-                    if (self != nullptr) {
-                        self->tellFailure(failure, folder);
-                    }
-                },
-                Qt::QueuedConnection);
-        }
+    const auto tell = [this, postbox = m_postbox](FileFailure failure, const QString& folder) {
+        postbox->post([this, failure, folder] { tellFailure(failure, folder); });
     };
     return std::make_unique<DocumentRecovery>(
         storage, std::make_unique<RecoveryWriter>(session, m_pace, facts, log, tell));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DocumentRecovery.h"
+#include "Postbox.h"
 #include "RecoverySession.h"
 #include "RecoveryState.h"
 
@@ -94,6 +95,7 @@ private:
     const QString m_folder;
     const RecoveryPace m_pace;
     const std::shared_ptr<RecoverySession> m_session;
+    const std::shared_ptr<Postbox> m_postbox;
     bool m_hasToldFailure = false;
 
     std::mutex m_mutex; ///< Of all below; nobody waits for a disk while holding it.

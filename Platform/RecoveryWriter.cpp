@@ -1,5 +1,7 @@
 #include "RecoveryWriter.h"
 
+#include "Postbox.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -7,6 +9,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstdio>
+#include <future>
 #include <iterator>
 #include <mutex>
 #include <optional>
@@ -27,6 +30,9 @@ constexpr std::uint64_t bytesPerEdit = 32;
 
 /// Units of a whole text between two looks at what changed meanwhile.
 constexpr Offset unitsPerTurn = Offset{1} << 20;
+
+/// How long to wait for the disk between two looks at what changed meanwhile.
+constexpr std::chrono::milliseconds turn(50);
 
 /// Bytes of a whole text that wait for the disk at most, so that the last wait is no longer than others.
 constexpr std::uint64_t bytesPerSync = std::uint64_t{16} << 20;
@@ -107,6 +113,7 @@ private:
         Rope text;
         RecoveryMoment moment;
         OldLog old = OldLog::outdated;
+        bool replaces = false;  ///< There is an old log.
         bool isStopped = false; ///< Nobody wants it any more.
         std::uint64_t startSize = 0;
     };
@@ -121,7 +128,10 @@ private:
     Result writeWhole(Notes& notes, const RecoveryFacts& facts, OldLog old);
     std::expected<RecoveryLog, FileFailure> writtenLog(const QString& file, const Notes& notes,
                                                        const RecoveryFacts& facts, Rewrite& rewrite);
+    Result synced(const RecoveryLog& log, Rewrite& rewrite);
     void catchUp(Rewrite& rewrite);
+    void syncSoon();
+    void checkSync();
     void removeLog();
     bool hasUsableLog() const;
     std::uint64_t mostChanges() const;
@@ -145,6 +155,10 @@ private:
     // The thread's own.
     QString m_path; ///< Of the log; empty when there is none.
     std::optional<RecoveryLog> m_log;
+    std::optional<std::future<Result>> m_sync; ///< Under way.
+    bool m_isSyncDue = false;                  ///< After the one that is under way.
+    Rope m_keptText;                           ///< What the log has.
+    RecoveryMoment m_keptMoment;
     std::uint64_t m_startSize = 0; ///< Of the text that the log starts with, in bytes.
     std::chrono::milliseconds m_retryDelay;
 };
@@ -231,20 +245,25 @@ void RecoveryWriter::Work::start(const std::shared_ptr<Work>& self) {
 }
 
 void RecoveryWriter::Work::run() {
-    while (auto job = next()) {
-        const bool isLast = job->isLast;
+    bool isLast = false;
+    while (auto job = isLast ? std::nullopt : next()) {
+        isLast = job->isLast;
         perform(std::move(*job));
-        if (isLast) {
-            return;
-        }
+    }
+    if (m_sync) {
+        m_sync->wait();
+    }
+    if (m_log && m_isSyncDue) {
+        m_log->sync().wait();
     }
 }
 
 /// Waits for something to do; nothing when the end came first.
 std::optional<RecoveryWriter::Work::Job> RecoveryWriter::Work::next() {
-    std::unique_lock guard(m_mutex);
-    m_isBusy = false;
     for (;;) {
+        checkSync();
+        std::unique_lock guard(m_mutex);
+        m_isBusy = false;
         const bool isDue = m_notes.due && (m_isEnding || *m_notes.due <= Clock::now());
         if (m_isForgotten || isDue) {
             m_isBusy = true;
@@ -260,12 +279,40 @@ std::optional<RecoveryWriter::Work::Job> RecoveryWriter::Work::next() {
         if (m_isEnding) {
             return std::nullopt;
         }
-        if (m_notes.due) {
-            m_changed.wait_until(guard, *m_notes.due);
-        } else {
-            m_changed.wait(guard);
-        }
+        constexpr std::chrono::hours never(24);
+        m_changed.wait_until(guard, std::min<Clock::time_point>(
+                                        m_notes.due.value_or(Clock::now() + never),
+                                        Clock::now() + (m_sync ? std::chrono::milliseconds(turn) : never)));
     }
+}
+
+/// Has the disk take what the log has, after what it is taking already.
+void RecoveryWriter::Work::syncSoon() {
+    m_isSyncDue = m_sync.has_value();
+    if (!m_sync) {
+        m_sync = m_log->sync();
+    }
+}
+
+/// Goes on with what the disk took. When it could not, the text is to be written anew.
+void RecoveryWriter::Work::checkSync() {
+    if (!m_sync || m_sync->wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+        return;
+    }
+    const Result result = std::exchange(m_sync, std::nullopt)->get();
+    if (result) {
+        if (m_isSyncDue) {
+            syncSoon();
+        }
+        return;
+    }
+    m_log.reset();
+    Notes lost;
+    lost.isWhole = true;
+    lost.text = m_keptText;
+    lost.moment = m_keptMoment;
+    giveBack(std::move(lost));
+    m_onFailure(result.error(), m_session->root());
 }
 
 /// What there is to keep. The selection stays for the next change.
@@ -333,10 +380,6 @@ Result RecoveryWriter::Work::keep(Notes& notes, const RecoveryFacts& facts) {
     if (const Result result = append(notes); !result) {
         return result;
     }
-    if (const Result result = m_log->sync(); !result) {
-        notes.isWhole = true;
-        return result;
-    }
     if (m_log->size() - m_startSize <= mostChanges()) {
         return {};
     }
@@ -353,7 +396,13 @@ Result RecoveryWriter::Work::keep(Notes& notes, const RecoveryFacts& facts) {
 
 Result RecoveryWriter::Work::append(const Notes& notes) {
     m_log->add(notes.edits);
-    return m_log->commit(notes.moment, notes.text.size());
+    const Result result = m_log->commit(notes.moment, notes.text.size());
+    if (result) {
+        m_keptText = notes.text;
+        m_keptMoment = notes.moment;
+        syncSoon();
+    }
+    return result;
 }
 
 /// Starts a log anew with the text. On failure `notes` are what is not kept: nothing, not even whole, where
@@ -370,7 +419,7 @@ Result RecoveryWriter::Work::writeWhole(Notes& notes, const RecoveryFacts& facts
     // Where there is no old log to be careful of, a half-written one may as well be found under its name.
     const QString file = m_path.isEmpty() ? *path : *path + QStringLiteral(".new");
     QFile::remove(file);
-    Rewrite rewrite{.text = notes.text, .moment = notes.moment, .old = old};
+    Rewrite rewrite{.text = notes.text, .moment = notes.moment, .old = old, .replaces = !m_path.isEmpty()};
     auto log = writtenLog(file, notes, facts, rewrite);
     if (log && file != *path &&
         rename(QFile::encodeName(file).constData(), QFile::encodeName(*path).constData()) != 0) {
@@ -383,14 +432,20 @@ Result RecoveryWriter::Work::writeWhole(Notes& notes, const RecoveryFacts& facts
         notes.moment = rewrite.moment;
         return rewrite.isStopped ? Result() : std::unexpected(log.error());
     }
-    syncFolder(QFileInfo(*path).path());
     m_path = *path;
     m_log = std::move(*log);
     m_startSize = rewrite.startSize;
+    // Of the log that is gone.
+    m_sync.reset();
+    m_keptText = rewrite.text;
+    m_keptMoment = rewrite.moment;
+    syncSoon();
+    runOnFileThread([folder = QFileInfo(m_path).path()] { syncFolder(folder); });
     return {};
 }
 
-/// A new log in `file` that has the text of `notes` and what changed while it was written, on the disk.
+/// A new log in `file` that has the text of `notes` and what changed while it was written. Where it is to
+/// replace another one, the disk has taken it.
 std::expected<RecoveryLog, FileFailure> RecoveryWriter::Work::writtenLog(const QString& file,
                                                                          const Notes& notes,
                                                                          const RecoveryFacts& facts,
@@ -401,34 +456,46 @@ std::expected<RecoveryLog, FileFailure> RecoveryWriter::Work::writtenLog(const Q
     }
     log->add(facts);
     std::uint64_t unsynced = 0;
-    for (Offset done = 0; done < notes.text.size();) {
+    for (Offset done = 0; done < notes.text.size() && !rewrite.isStopped;) {
         const Offset size = std::min(notes.text.size() - done, unitsPerTurn);
         const RecoveryEdit piece{SourceRange::empty(done), notes.text.part(SourceRange::at(done, size))};
         log->add(std::span(&piece, 1));
         done += size;
         unsynced += size;
+        if (unsynced >= bytesPerSync) {
+            // What fails here fails in the end as well.
+            log->sync();
+            unsynced = 0;
+        }
+        catchUp(rewrite);
+    }
+    Result result = rewrite.isStopped ? std::unexpected(FileFailure::other)
+                                      : log->commit(notes.moment, notes.text.size());
+    rewrite.startSize = log->size();
+    for (int i = 0; i < 2 && result && rewrite.replaces; ++i) {
+        result = synced(*log, rewrite);
+        if (result && !rewrite.tail.empty()) {
+            // The disk gets this with the next sync: the old log, which has it, is good until then.
+            log->add(std::exchange(rewrite.tail, {}));
+            result = log->commit(rewrite.moment, rewrite.text.size());
+        }
+    }
+    if (!result) {
+        return std::unexpected(result.error());
+    }
+    return log;
+}
+
+/// Waits until the disk has the new log; the old one goes on being written.
+Result RecoveryWriter::Work::synced(const RecoveryLog& log, Rewrite& rewrite) {
+    auto sync = log.sync();
+    while (sync.wait_for(turn) != std::future_status::ready) {
         catchUp(rewrite);
         if (rewrite.isStopped) {
             return std::unexpected(FileFailure::other);
         }
-        // The result is that of the last wait: a disk that lost something says so once for all.
-        if (unsynced >= bytesPerSync && log->sync()) {
-            unsynced = 0;
-        }
     }
-    Result result = log->commit(notes.moment, notes.text.size());
-    rewrite.startSize = log->size();
-    if (result && !rewrite.tail.empty()) {
-        log->add(rewrite.tail);
-        result = log->commit(rewrite.moment, rewrite.text.size());
-    }
-    if (result) {
-        result = log->sync();
-    }
-    if (!result || !log->isUsable()) {
-        return std::unexpected(result ? FileFailure::other : result.error());
-    }
-    return log;
+    return sync.get();
 }
 
 /// Gives the old log, where it is current, what became due while the new one is written.
@@ -444,7 +511,7 @@ void RecoveryWriter::Work::catchUp(Rewrite& rewrite) {
         notes = takeNotes();
     }
     notes.edits = joined(std::move(notes.edits));
-    if (!append(notes) || !m_log->sync()) {
+    if (!append(notes)) {
         rewrite.old = OldLog::outdated;
     }
     std::ranges::move(notes.edits, std::back_inserter(rewrite.tail));
@@ -454,10 +521,12 @@ void RecoveryWriter::Work::catchUp(Rewrite& rewrite) {
 
 void RecoveryWriter::Work::removeLog() {
     m_log.reset();
+    m_sync.reset();
+    m_isSyncDue = false;
+    m_keptText = {};
     if (!m_path.isEmpty()) {
         QFile::remove(m_path);
         QFile::remove(m_path + QStringLiteral(".new"));
-        syncFolder(QFileInfo(m_path).path());
         m_path.clear();
     }
 }

@@ -100,5 +100,7 @@ TEST_F(FileIdentityTest, FollowsLinks) {
 TEST_F(FileIdentityTest, FailsWithTheCause) {
     EXPECT_EQ(FileIdentity::of(path("missing")).error(), FileFailure::missing);
     EXPECT_EQ(FileIdentity::withContent(path("missing")).error(), FileFailure::missing);
+    EXPECT_EQ(FileIdentity::of(QStringLiteral("/")).error(), FileFailure::folder);
+    EXPECT_EQ(FileIdentity::of(QStringLiteral("/dev/null")).error(), FileFailure::notRegular);
     EXPECT_EQ(FileIdentity::withContent(QStringLiteral("/dev/null")).error(), FileFailure::notRegular);
 }

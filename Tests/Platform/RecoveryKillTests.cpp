@@ -2,6 +2,8 @@
 #include "RecoveryStore.h"
 #include "Typist.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -163,7 +165,15 @@ private:
         }
     }
 
-    QTemporaryDir m_folder;
+    /// In memory where that can be: a kill leaves what was written to the system in any case, and a disk that
+    /// is busy with other work would only add its own delays. `TAMO_KILL_FOLDER` says otherwise.
+    static QString place() {
+        const QString memory = QStringLiteral("/dev/shm");
+        const QString wanted = qEnvironmentVariable("TAMO_KILL_FOLDER", memory);
+        return (QFileInfo(wanted).isWritable() ? wanted : QDir::tempPath()) + QStringLiteral("/kill-XXXXXX");
+    }
+
+    QTemporaryDir m_folder{place()};
     std::mt19937_64 m_random;
     Rope m_text;
     bool m_isKept = false; ///< Something was recovered from the folder before.
