@@ -678,7 +678,33 @@ void TextView::visibleTextMoved() {
     if (m_ruler != nullptr) {
         m_ruler->update();
     }
+    m_idle.start(0, this);
     emit visibleTextChanged();
+}
+
+void TextView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() == m_idle.timerId()) {
+        layOutMore();
+    } else {
+        QAbstractScrollArea::timerEvent(event);
+    }
+}
+
+void TextView::layOutMore() {
+    const double widthBefore = m_layout.width();
+    const double caretBefore = m_layout.x(caret());
+    if (!m_layout.buildMore()) {
+        m_idle.stop();
+    }
+    const double moved = m_layout.x(caret()) - caretBefore;
+    if (moved == 0 && m_layout.width() == widthBefore) {
+        return;
+    }
+    // A caret in view stays where it is seen, whatever becomes known of the text to its left.
+    const bool isCaretSeen = caretBefore >= left() && caretBefore <= right();
+    updateExtents();
+    m_horizontal.set(m_horizontal.value() + (isCaretSeen ? std::llround(moved) : 0));
+    viewport()->update();
 }
 
 void TextView::setRuler(QWidget* ruler) {

@@ -10,6 +10,7 @@
 #include "WheelScroll.h"
 
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
 #include <QColor>
 #include <QPointer>
 #include <QUrl>
@@ -145,6 +146,7 @@ protected:
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -209,6 +211,7 @@ private:
     void updateLines(std::size_t first, std::size_t last);
     void updateCaret();
     void visibleTextMoved();
+    void layOutMore();
 
     // Painting
     void paintLine(QPainter& painter, std::size_t line);
@@ -237,6 +240,7 @@ private:
     CaretBlinker m_blinker;
     WheelScroll m_wheel;
     std::unique_ptr<TextViewMouse> m_mouse;
+    QBasicTimer m_idle; ///< Runs while the layout has something to do that can wait.
     int m_caretWidth = 2;
     CompletionPopup* m_completions = nullptr; ///< A child; made when first needed.
 };
