@@ -82,13 +82,13 @@ class EndToEnd(unittest.TestCase):
         self.assertEqual(api.Text.get_character_count(text), 21)
         self.assertEqual(api.Text.get_text(text, 4, 9), "  uno")
 
-        def piece(offset, granularity):
-            found = api.Text.get_string_at_offset(text, offset, granularity)
+        def piece(offset, boundary):
+            found = api.Text.get_text_at_offset(text, offset, boundary)
             return found.content, found.start_offset, found.end_offset
 
-        self.assertEqual(piece(11, api.TextGranularity.CHAR), ("a", 11, 12))
-        self.assertEqual(piece(11, api.TextGranularity.WORD), ("ñandú", 10, 15))
-        self.assertEqual(piece(11, api.TextGranularity.LINE), ("  uno ñandú\n", 4, 16))
+        self.assertEqual(piece(11, api.TextBoundaryType.CHAR), ("a", 11, 12))
+        self.assertEqual(piece(11, api.TextBoundaryType.WORD_START), ("ñandú", 10, 15))
+        self.assertEqual(piece(11, api.TextBoundaryType.LINE_START), ("  uno ñandú\n", 4, 16))
 
         app.press("ctrl+Home", "Down", "End")
         wait_until(lambda: api.Text.get_caret_offset(text) == 15, "caret at the end of the line")
