@@ -421,22 +421,14 @@ QSize InterfaceStyle::sizeFromContents(ContentsType type, const QStyleOption* op
 
 QRect InterfaceStyle::subElementRect(SubElement element, const QStyleOption* option,
                                      const QWidget* widget) const {
-    switch (element) {
-    case SE_PushButtonFocusRect:
-    case SE_ComboBoxFocusRect:
-        return option->rect;
-    case SE_CheckBoxFocusRect:
-    case SE_RadioButtonFocusRect:
-        return QProxyStyle::subElementRect(element, option, widget).adjusted(-4, 0, 4, 0);
-    case SE_LineEditContents: {
+    const QRect rect = QProxyStyle::subElementRect(element, option, widget);
+    if (element == SE_LineEditContents) {
         const auto* const frame = cast<QStyleOptionFrame>(option);
-        const QRect rect = QProxyStyle::subElementRect(element, option, widget);
         const bool isFramed = frame != nullptr && frame->lineWidth > 0 && !isInsideOtherControl(widget);
+        // The field itself leaves two pixels.
         return isFramed ? rect.adjusted(fieldPadding - 2, 0, 2 - fieldPadding, 0) : rect;
     }
-    default:
-        return QProxyStyle::subElementRect(element, option, widget);
-    }
+    return rect;
 }
 
 QRect InterfaceStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
