@@ -3,12 +3,12 @@
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TreeOutlineAccessibility.h"
+#include "TreeRowDrag.h"
 #include "TreeRowEditor.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
@@ -21,25 +21,11 @@
 namespace {
 
 using Kind = TreeNode::Kind;
-using Placement = TreeMutation::Placement;
 
 constexpr int rowHeight = TreeRowView::height;
 constexpr int margin = 8; ///< Above the first row and below the last.
 constexpr int roomForLabels = 200;
 constexpr std::size_t longestEdited = 10'000; ///< Units; more belong into the source.
-
-constexpr int edgeHeight = 24; ///< A drag this near to an edge scrolls.
-constexpr int edgeInterval = 16;
-constexpr int edgeStep = 8;
-constexpr int springInterval = 700;
-
-QString mimeType() { return QStringLiteral("application/x-tamo-node"); }
-
-/// What a dragged row's data holds: which view it comes from.
-QByteArray token(const TreeOutlineView* view) {
-    return QByteArray::number(QCoreApplication::applicationPid()) + '/' +
-           QByteArray::number(quintptr(view), 16);
-}
 
 /// What the user edits in the place of a label, none where nothing can be edited there.
 std::optional<QString> editedText(const DocumentTree& tree, NodeID node) {
@@ -62,7 +48,8 @@ std::optional<QString> editedText(const DocumentTree& tree, NodeID node) {
 } // namespace
 
 TreeOutlineView::TreeOutlineView(QWidget* parent)
-    : QAbstractScrollArea(parent), m_contents{}, m_scrolled(*verticalScrollBar()) {
+    : QAbstractScrollArea(parent), m_contents{}, m_scrolled(*verticalScrollBar()),
+      m_drag(std::make_unique<TreeRowDrag>(*this)) {
     TreeOutlineAccessibility::install();
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -70,6 +57,8 @@ TreeOutlineView::TreeOutlineView(QWidget* parent)
     setAccessibleName(QStringLiteral("Árbol del documento"));
     setAcceptDrops(true);
     viewport()->setMouseTracking(true);
+    connect(m_drag.get(), &TreeRowDrag::expansionRequested, this, &TreeOutlineView::expansionRequested);
+    connect(m_drag.get(), &TreeRowDrag::dropRequested, this, &TreeOutlineView::dropRequested);
 }
 
 TreeOutlineView::~TreeOutlineView() {
@@ -84,7 +73,7 @@ void TreeOutlineView::setContents(Contents contents) {
     m_selectedRow.reset();
     m_hoveredDisclosure.reset();
     m_pressed.reset();
-    setDropTarget(std::nullopt);
+    m_drag->forgetTarget();
     updateExtent();
     placeEditor();
     viewport()->update();
@@ -141,6 +130,14 @@ TreeRowView::Appearance TreeOutlineView::appearance(std::size_t row) const {
             .isSelected = row == m_selectedRow,
             .hasFocus = hasFocus(),
             .isDisclosureHovered = row == m_hoveredDisclosure};
+}
+
+bool TreeOutlineView::scrollBy(int pixels) {
+    const bool moves = m_scrolled.set(m_scrolled.value() + pixels);
+    if (moves) {
+        followScrolling();
+    }
+    return moves;
 }
 
 std::optional<std::size_t> TreeOutlineView::row(QPoint at) const {
@@ -209,7 +206,7 @@ void TreeOutlineView::paintEvent(QPaintEvent* event) {
             rowView(row).paint(painter, appearance(row), palette());
         }
     }
-    paintDropMark(painter);
+    m_drag->paintMark(painter);
     if (hasFocus() && !m_selectedRow) {
         paintFocus(painter);
     }
@@ -399,7 +396,7 @@ void TreeOutlineView::mouseMoveEvent(QMouseEvent* event) {
     const int distance = m_pressed ? (at - *m_pressed).manhattanLength() : 0;
     if (m_pressed && m_selectedRow && distance >= QGuiApplication::styleHints()->startDragDistance()) {
         m_pressed.reset();
-        drag(*m_selectedRow);
+        m_drag->run(*m_selectedRow);
     } else if (event->buttons() == Qt::NoButton) {
         setHoveredDisclosure(isOnDisclosure(at) ? row(at) : std::nullopt);
     }
@@ -438,7 +435,7 @@ void TreeOutlineView::edit(std::size_t row) {
         return;
     }
     scrollTo(row);
-    m_edited = m_contents.rows->path(row, *m_contents.tree);
+    m_edited = path(row);
     const bool isElement = (*m_contents.tree)[shown(row).node].isElement();
     const QFont& font = SystemFont::body();
     m_editor = new TreeRowEditor(*text, isElement ? SystemFont::semibold(font) : font, viewport());
@@ -487,154 +484,14 @@ void TreeOutlineView::finishEditing(bool isAccepted) {
 
 // Drag and drop
 
-std::unique_ptr<QMimeData> TreeOutlineView::pickUp(std::size_t row) {
-    m_dragged = m_contents.rows->path(row, *m_contents.tree);
-    auto dragData = std::make_unique<QMimeData>();
-    dragData->setData(mimeType(), token(this));
-    return dragData;
-}
+std::unique_ptr<QMimeData> TreeOutlineView::pickUp(std::size_t row) { return m_drag->pickUp(row); }
 
-void TreeOutlineView::drag(std::size_t row) {
-    QDrag drag(this);
-    drag.setMimeData(pickUp(row).release());
-    TreeRowView::Appearance look = appearance(row);
-    look.isSelected = look.isAlternate = false;
-    const QRect label = rowView(row).labelRect(look);
-    QPixmap picture(label.size() * devicePixelRatioF());
-    picture.setDevicePixelRatio(devicePixelRatioF());
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.translate(-label.topLeft());
-    painter.setOpacity(0.8);
-    rowView(row).paint(painter, look, palette());
-    painter.end();
-    drag.setPixmap(picture);
-    drag.exec(Qt::MoveAction | Qt::CopyAction, Qt::MoveAction);
-    m_dragged.reset();
-    endHovering();
-}
+const std::optional<TreeDropTarget>& TreeOutlineView::dropTarget() const { return m_drag->target(); }
 
-bool TreeOutlineView::isOurs(const QMimeData* dragData) const {
-    return m_dragged && dragData->data(mimeType()) == token(this);
-}
+void TreeOutlineView::dragEnterEvent(QDragEnterEvent* event) { m_drag->hover(*event); }
 
-void TreeOutlineView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+void TreeOutlineView::dragMoveEvent(QDragMoveEvent* event) { m_drag->hover(*event); }
 
-void TreeOutlineView::dragMoveEvent(QDragMoveEvent* event) {
-    const QPoint at = event->position().toPoint();
-    if (!isOurs(event->mimeData())) {
-        event->ignore();
-        return;
-    }
-    scrollAtEdges(at.y());
-    const auto over = row(at);
-    const auto dragged = m_contents.tree->resolve(*m_dragged);
-    const Qt::DropAction action =
-        event->modifiers().testFlag(Qt::ControlModifier) ? Qt::CopyAction : Qt::MoveAction;
-    std::optional<TreeDropTarget> target;
-    if (over && dragged) {
-        const double fraction = (at.y() - rect(*over).top()) / double(rowHeight);
-        target = TreeDropTarget::at(*over, fraction, *m_contents.rows, *m_contents.tree);
-        if (!target->accepts(*dragged, action, *m_contents.rows, *m_contents.tree)) {
-            target.reset();
-        }
-    }
-    setDropTarget(target);
-    event->setDropAction(target ? action : Qt::IgnoreAction);
-    event->setAccepted(target.has_value());
-}
+void TreeOutlineView::dragLeaveEvent(QDragLeaveEvent*) { m_drag->leave(); }
 
-void TreeOutlineView::dragLeaveEvent(QDragLeaveEvent*) { endHovering(); }
-
-void TreeOutlineView::dropEvent(QDropEvent* event) {
-    dragMoveEvent(static_cast<QDragMoveEvent*>(event));
-    const auto target = m_dropTarget;
-    endHovering();
-    if (!target) {
-        return;
-    }
-    const NodePath dragged = *std::exchange(m_dragged, std::nullopt);
-    // The node is moved by an edit of the text; the drag itself has nothing left to take away.
-    const Qt::DropAction action = event->dropAction();
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    emit dropRequested(dragged, m_contents.rows->path(target->row, *m_contents.tree), target->placement,
-                       action);
-}
-
-void TreeOutlineView::setDropTarget(std::optional<TreeDropTarget> target) {
-    if (!target) {
-        m_springTimer.stop();
-    }
-    if (target == m_dropTarget) {
-        return;
-    }
-    if (target && target->isInto() && shown(target->row).hasChildren && !shown(target->row).isExpanded) {
-        m_springTimer.start(springInterval, this);
-    } else {
-        m_springTimer.stop();
-    }
-    m_dropTarget = target;
-    viewport()->update();
-}
-
-/// The pointer has left, with or without the dragged row.
-void TreeOutlineView::endHovering() {
-    m_edgeTimer.stop();
-    setDropTarget(std::nullopt);
-}
-
-void TreeOutlineView::scrollAtEdges(int y) {
-    m_edgeDirection = y < edgeHeight ? -1 : y >= viewport()->height() - edgeHeight ? 1 : 0;
-    if (m_edgeDirection == 0) {
-        m_edgeTimer.stop();
-    } else if (!m_edgeTimer.isActive()) {
-        m_edgeTimer.start(edgeInterval, this);
-    }
-}
-
-void TreeOutlineView::timerEvent(QTimerEvent* event) {
-    if (event->timerId() == m_edgeTimer.timerId()) {
-        if (!m_dragged || !m_scrolled.set(m_scrolled.value() + m_edgeDirection * edgeStep)) {
-            m_edgeTimer.stop();
-        } else {
-            setDropTarget(std::nullopt);
-            followScrolling();
-        }
-    } else if (event->timerId() == m_springTimer.timerId()) {
-        m_springTimer.stop();
-        if (m_dropTarget) {
-            emit expansionRequested(m_dropTarget->row);
-        }
-    } else {
-        QAbstractScrollArea::timerEvent(event);
-    }
-}
-
-/// A line between two rows, or a frame around the one that takes the dragged node in.
-void TreeOutlineView::paintDropMark(QPainter& painter) const {
-    if (!m_dropTarget) {
-        return;
-    }
-    constexpr double width = 2;
-    constexpr double knob = 3;
-    const TreeRowView::Appearance look = appearance(m_dropTarget->row);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QColor accent = color(SystemColor::accent, palette());
-    painter.setPen(QPen(accent, width));
-    if (m_dropTarget->isInto()) {
-        const QRectF frame = QRectF(look.rect).adjusted(margin, 1, -margin, -1);
-        constexpr float veil = 0.15F;
-        QColor tint = accent;
-        tint.setAlphaF(veil);
-        painter.setBrush(tint);
-        painter.drawRoundedRect(frame, knob * 2, knob * 2);
-        return;
-    }
-    const int step = m_dropTarget->placement == Placement::firstChild ? TreeIndentation::fullStep : 0;
-    const double left = TreeRowView::disclosureRect(look).left() + step + knob;
-    const double y = m_dropTarget->placement == Placement::before ? look.rect.top() : look.rect.bottom() + 1;
-    painter.setBrush(color(SystemColor::textBackground, palette()));
-    painter.drawEllipse(QPointF(left, y), knob, knob);
-    painter.drawLine(QPointF(left + knob, y), QPointF(look.rect.right() - margin, y));
-}
+void TreeOutlineView::dropEvent(QDropEvent* event) { m_drag->drop(*event); }

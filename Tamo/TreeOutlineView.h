@@ -8,7 +8,6 @@
 #include "TreeTypeAhead.h"
 
 #include <QAbstractScrollArea>
-#include <QBasicTimer>
 
 #include <cstddef>
 #include <functional>
@@ -16,6 +15,7 @@
 #include <optional>
 
 class QMimeData;
+class TreeRowDrag;
 class TreeRowEditor;
 
 /// The list of the outline's rows. It shows rows that others made and tells what the user wants done with
@@ -39,14 +39,18 @@ public:
     /// Shows other rows, none of them selected. A row that is being edited goes on being so where its node
     /// is still there.
     void setContents(Contents contents);
+    const Contents& contents() const { return m_contents; }
 
     std::size_t rowCount() const;
+    NodePath path(std::size_t row) const { return m_contents.rows->path(row, *m_contents.tree); }
     TreeRowView rowView(std::size_t row) const;
 
     std::optional<std::size_t> selectedRow() const { return m_selectedRow; }
     /// Selects a row, or none, and tells nobody.
     void setSelectedRow(std::optional<std::size_t> row);
     void scrollTo(std::size_t row);
+    /// Answers whether there was anything left to scroll.
+    bool scrollBy(int pixels);
     /// What a click on a row does: selects it, brings it into view and tells.
     void choose(std::size_t row);
 
@@ -66,7 +70,7 @@ public:
 
     /// What is dragged when the user drags a row. Only this view takes it.
     std::unique_ptr<QMimeData> pickUp(std::size_t row);
-    const std::optional<TreeDropTarget>& dropTarget() const { return m_dropTarget; }
+    const std::optional<TreeDropTarget>& dropTarget() const;
 
 signals:
     void rowChosen(std::size_t row);
@@ -97,7 +101,6 @@ protected:
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
 
 private:
     const TreeOutline::Row& shown(std::size_t row) const { return (*m_contents.rows)[row]; }
@@ -117,13 +120,7 @@ private:
     void placeEditor();
     void finishEditing(bool isAccepted);
 
-    bool isOurs(const QMimeData* dragData) const;
-    void drag(std::size_t row);
-    void setDropTarget(std::optional<TreeDropTarget> target);
-    void endHovering();
-    void paintDropMark(QPainter& painter) const;
     void paintFocus(QPainter& painter) const;
-    void scrollAtEdges(int y);
 
     Contents m_contents;
     ScrollPosition m_scrolled;
@@ -135,9 +132,5 @@ private:
     NodePath m_edited;
 
     std::optional<QPoint> m_pressed; ///< Where a drag may start from.
-    std::optional<NodePath> m_dragged;
-    std::optional<TreeDropTarget> m_dropTarget;
-    QBasicTimer m_edgeTimer;
-    int m_edgeDirection = 0;
-    QBasicTimer m_springTimer; ///< Expands the row that a drag rests on.
+    std::unique_ptr<TreeRowDrag> m_drag;
 };
