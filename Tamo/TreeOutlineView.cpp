@@ -488,7 +488,7 @@ std::unique_ptr<QMimeData> TreeOutlineView::pickUp(std::size_t row) { return m_d
 
 const std::optional<TreeDropTarget>& TreeOutlineView::dropTarget() const { return m_drag->target(); }
 
-void TreeOutlineView::dragEnterEvent(QDragEnterEvent* event) { m_drag->hover(*event); }
+void TreeOutlineView::dragEnterEvent(QDragEnterEvent* event) { m_drag->enter(*event); }
 
 void TreeOutlineView::dragMoveEvent(QDragMoveEvent* event) { m_drag->hover(*event); }
 

@@ -70,6 +70,13 @@ bool TreeRowDrag::isOurs(const QMimeData* dragData) const {
     return m_dragged && dragData->data(mimeType()) == token(m_view);
 }
 
+void TreeRowDrag::enter(QDragMoveEvent& event) {
+    hover(event);
+    if (isOurs(event.mimeData())) {
+        event.acceptProposedAction();
+    }
+}
+
 void TreeRowDrag::hover(QDragMoveEvent& event) {
     if (!isOurs(event.mimeData())) {
         event.ignore();

@@ -36,6 +36,8 @@ public:
 
     // What the pointer does over the list
 
+    /// Accepts every row of the list: a drag that is not accepted here never hovers.
+    void enter(QDragMoveEvent& event);
     void hover(QDragMoveEvent& event);
     void leave();
     void drop(QDropEvent& event);

@@ -88,6 +88,8 @@ protected:
         const Qt::DropActions offered = Qt::MoveAction | Qt::CopyAction;
         QDragEnterEvent enter(to, offered, dragData.get(), Qt::LeftButton, modifiers);
         QCoreApplication::sendEvent(view.viewport(), &enter);
+        // Else the platform would never tell of the pointer's moves.
+        EXPECT_TRUE(enter.isAccepted());
         QDragMoveEvent move(to, offered, dragData.get(), Qt::LeftButton, modifiers);
         QCoreApplication::sendEvent(view.viewport(), &move);
         EXPECT_EQ(move.isAccepted(), view.dropTarget().has_value());
