@@ -39,8 +39,9 @@ void CompletionPopup::offer(const QStringList& words, const QRect& caret) {
     const QSize size = wantedSize();
     const QRect room = parentWidget()->screen()->availableGeometry();
     const bool fitsBelow = caret.bottom() + 1 + size.height() <= room.bottom() + 1;
-    const QPoint corner(std::clamp(caret.left(), room.left(), std::max(room.left(), room.right() - size.width())),
-                        fitsBelow ? caret.bottom() + 1 : caret.top() - size.height());
+    const QPoint corner(
+        std::clamp(caret.left(), room.left(), std::max(room.left(), room.right() - size.width())),
+        fitsBelow ? caret.bottom() + 1 : caret.top() - size.height());
     setGeometry(QRect(corner, size));
     show();
 }

@@ -62,8 +62,8 @@ constexpr struct {
 
 /// Done by the view itself.
 constexpr StandardKey commands[] = {
-    QKeySequence::Cut,       QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll,
-    QKeySequence::Deselect,  QKeySequence::Undo, QKeySequence::Redo,  QKeySequence::DeleteCompleteLine,
+    QKeySequence::Cut,      QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll,
+    QKeySequence::Deselect, QKeySequence::Undo, QKeySequence::Redo,  QKeySequence::DeleteCompleteLine,
 };
 
 } // namespace

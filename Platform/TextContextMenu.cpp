@@ -19,7 +19,8 @@ bool canPaste() {
 } // namespace
 
 TextContextMenu::TextContextMenu(TextView& view) : QMenu(&view) {
-    const auto add = [&](const QString& title, QKeySequence::StandardKey key, auto operation, bool isEnabled) {
+    const auto add = [&](const QString& title, QKeySequence::StandardKey key, auto operation,
+                         bool isEnabled) {
         QAction* action = addAction(title, &view, operation);
         action->setShortcut(key);
         action->setEnabled(isEnabled);

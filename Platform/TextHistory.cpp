@@ -90,10 +90,10 @@ void TextHistory::selectionMoved(TextSelection selection) {
 }
 
 bool TextHistory::canJoinTypingRun(SourceRange range, std::u16string_view units) const {
-    if (m_undoManager == nullptr || m_typing == nullptr || m_sinceTyping.elapsed() >= m_longestPause.count() ||
-        m_typing->isErasing != units.empty() ||
-        m_typing->coalescingMark != m_undoManager->coalescingMark() ||
-        range.lower > m_typing->range.upper || m_typing->range.upper > range.upper) {
+    if (m_undoManager == nullptr || m_typing == nullptr ||
+        m_sinceTyping.elapsed() >= m_longestPause.count() || m_typing->isErasing != units.empty() ||
+        m_typing->coalescingMark != m_undoManager->coalescingMark() || range.lower > m_typing->range.upper ||
+        m_typing->range.upper > range.upper) {
         return false;
     }
     const bool beginsWord = !units.empty() && !isSpace(units.front()) && range.lower > 0 &&

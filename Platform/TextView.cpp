@@ -4,11 +4,12 @@
 #include "EditingKeys.h"
 #include "TextContextMenu.h"
 #include "TextInputMethod.h"
-#include "TextMarks.h"
 #include "TextMimeData.h"
 #include "TextNavigation.h"
 #include "TextViewAccessible.h"
+#include "TextViewKeys.h"
 #include "TextViewMouse.h"
+#include "TextViewPainter.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -18,7 +19,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
+#include <QPaintEvent>
 #include <QScrollBar>
 #include <QStyle>
 #include <QToolTip>
@@ -307,100 +308,10 @@ bool TextView::event(QEvent* event) {
 }
 
 void TextView::keyPressEvent(QKeyEvent* event) {
-    if (m_completions != nullptr && m_completions->handleKey(*event)) {
-        return;
+    const bool isTaken = m_completions != nullptr && m_completions->handleKey(*event);
+    if (!isTaken && !TextViewKeys(*this).press(*event)) {
+        QAbstractScrollArea::keyPressEvent(event);
     }
-    if (!handleMove(*event) && !handleErasure(*event) && !handleStandardKey(*event) && !handleCommand(*event)) {
-        if (EditingKeys::isTyping(*event)) {
-            insertText(unitsOf(event->text()));
-        } else {
-            QAbstractScrollArea::keyPressEvent(event);
-        }
-    }
-}
-
-bool TextView::handleMove(const QKeyEvent& event) {
-    const auto anchor = [](bool selects) { return selects ? Anchor::stays : Anchor::moves; };
-    if (const auto motion = EditingKeys::motion(event)) {
-        const bool isStep = motion->target == TextNavigation::nextCharacter ||
-                            motion->target == TextNavigation::previousCharacter;
-        if (isStep && !motion->selects && !selection().isEmpty()) {
-            // A step out of what is selected ends at its side.
-            const bool goesOn = motion->target == TextNavigation::nextCharacter;
-            moveTo(goesOn ? selection().upper : selection().lower, Anchor::moves);
-        } else {
-            moveTo(motion->target(caret(), text()), anchor(motion->selects));
-        }
-    } else if (const auto lineMotion = EditingKeys::lineMotion(event)) {
-        const int page = std::max(1, viewport()->height() / lineHeight() - 1);
-        moveByLines(lineMotion->lines + lineMotion->pages * page, anchor(lineMotion->selects));
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool TextView::handleErasure(const QKeyEvent& event) {
-    const auto target = EditingKeys::erasure(event);
-    if (target != nullptr) {
-        erase(target(caret(), text()));
-    } else if (event.matches(QKeySequence::DeleteCompleteLine)) {
-        type(DragSelection(caret(), DragSelection::Granularity::line, text()).selection(caret(), text()).range(),
-             {});
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool TextView::handleStandardKey(const QKeyEvent& event) {
-    using Operation = void (TextView::*)();
-    static constexpr std::pair<QKeySequence::StandardKey, Operation> operations[] = {
-        {QKeySequence::Cut, &TextView::cut},
-        {QKeySequence::Paste, &TextView::paste},
-        {QKeySequence::SelectAll, &TextView::selectAll},
-        {QKeySequence::Undo, &TextView::undo},
-        {QKeySequence::Redo, &TextView::redo},
-    };
-    for (const auto& [key, operation] : operations) {
-        if (event.matches(key)) {
-            (this->*operation)();
-            return true;
-        }
-    }
-    if (event.matches(QKeySequence::Copy)) {
-        copy();
-    } else if (event.matches(QKeySequence::Deselect)) {
-        moveTo(caret(), Anchor::moves);
-    } else if (EditingKeys::isCompletion(event)) {
-        complete();
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool TextView::handleCommand(const QKeyEvent& event) {
-    const auto command = EditingKeys::command(event);
-    if (!command) {
-        return false;
-    }
-    if (m_delegate != nullptr && m_delegate->doCommand(*command)) {
-        return true;
-    }
-    switch (*command) {
-    case TextCommand::insertTab:
-        insertText(u"\t");
-        return true;
-    case TextCommand::insertNewline:
-        insertText(TextNavigation::lineEnding(text()));
-        return true;
-    case TextCommand::insertBacktab:
-        return true;
-    case TextCommand::cancelOperation:
-        return false;
-    }
-    return false;
 }
 
 // Input methods
@@ -577,9 +488,7 @@ QRectF TextView::caretRect(Offset at) const {
     return {x, start.y(), static_cast<double>(m_caretWidth), static_cast<double>(lineHeight())};
 }
 
-Offset TextView::offset(QPointF at) const {
-    return m_layout.offset(line(at.y()), at.x() + left());
-}
+Offset TextView::offset(QPointF at) const { return m_layout.offset(line(at.y()), at.x() + left()); }
 
 std::vector<SourceRange> TextView::visibleStretches() {
     std::vector<SourceRange> stretches;
@@ -765,59 +674,9 @@ void TextView::setHighlights(Highlights highlights) {
 }
 
 void TextView::paintEvent(QPaintEvent* event) {
-    QPainter painter(viewport());
-    painter.setFont(font());
-    painter.fillRect(event->rect(), palette().base());
     const double widthBefore = m_layout.width();
-    if (selection().isEmpty()) {
-        painter.fillRect(lineRect(text().line(caret())), palette().alternateBase());
-    }
-    const std::size_t end = line(event->rect().bottom()) + 1;
-    for (std::size_t each = line(event->rect().top()); each < end; ++each) {
-        paintLine(painter, each);
-    }
-    if (const auto place = m_mouse->dropPlace()) {
-        painter.fillRect(caretRect(*place), palette().text());
-    } else if (m_blinker.isOn()) {
-        painter.fillRect(caretRect(), palette().text());
-    }
+    TextViewPainter(*this).paint(event->rect());
     if (m_layout.width() > widthBefore) {
         QMetaObject::invokeMethod(this, &TextView::updateExtents, Qt::QueuedConnection);
-    }
-}
-
-void TextView::paintLine(QPainter& painter, std::size_t line) {
-    const SourceRange shown = m_layout.stretch(line, left(), right());
-    paintHighlights(painter, line, shown);
-    m_layout.draw(painter, line, origin(line), left(), right(), selection(), palette());
-    paintUnderlines(painter, line, shown);
-}
-
-void TextView::paintHighlights(QPainter& painter, std::size_t line, SourceRange shown) {
-    if (!m_highlights) {
-        return;
-    }
-    for (const SourceRange range : m_highlights(shown)) {
-        for (const QRectF& box : m_layout.boxes(TextMarks::part(range, shown), line)) {
-            TextMarks::paintHighlight(painter, box.translated(origin(line)), palette());
-        }
-    }
-}
-
-void TextView::paintUnderlines(QPainter& painter, std::size_t line, SourceRange shown) {
-    if (!m_underlines) {
-        return;
-    }
-    for (const Underline& underline : m_underlines(shown)) {
-        const SourceRange part = TextMarks::part(underline.range, shown);
-        std::vector<QRectF> boxes = m_layout.boxes(part, line);
-        if (boxes.empty()) {
-            // Seen even where the range is empty or at the end of its line.
-            boxes.emplace_back(m_layout.x(part.lower), 0, m_layout.columnWidth(), lineHeight());
-        }
-        for (const QRectF& box : boxes) {
-            TextMarks::paintWave(painter, box.translated(origin(line)) & QRectF(viewport()->rect()),
-                                 underline.color);
-        }
     }
 }

@@ -25,7 +25,9 @@
 class CompletionPopup;
 class QHelpEvent;
 class QMimeData;
+class TextViewKeys;
 class TextViewMouse;
+class TextViewPainter;
 
 /// Shows and edits the text of a storage, in lines that never wrap. Knows nothing of what the text is about:
 /// that is its delegate's business.
@@ -162,7 +164,9 @@ protected:
     virtual Qt::DropAction carry(QMimeData* text);
 
 private:
+    friend TextViewKeys;
     friend TextViewMouse;
+    friend TextViewPainter;
 
     /// What the caret does to the other end of the selection when it moves.
     enum class Anchor : std::uint8_t { moves, stays };
@@ -184,10 +188,6 @@ private:
     void type(SourceRange range, std::u16string_view units);
     void apply(std::span<const TextEdit> edits, TextSelection after, const QString& actionName);
     void erase(Offset to);
-    bool handleMove(const QKeyEvent& event);
-    bool handleErasure(const QKeyEvent& event);
-    bool handleStandardKey(const QKeyEvent& event);
-    bool handleCommand(const QKeyEvent& event);
 
     // The mouse
     bool isOnSelection(QPointF position) const;
@@ -212,11 +212,6 @@ private:
     void updateCaret();
     void visibleTextMoved();
     void layOutMore();
-
-    // Painting
-    void paintLine(QPainter& painter, std::size_t line);
-    void paintHighlights(QPainter& painter, std::size_t line, SourceRange shown);
-    void paintUnderlines(QPainter& painter, std::size_t line, SourceRange shown);
 
     static constexpr QPoint inset{4, 6}; ///< Around the text.
 

@@ -67,7 +67,8 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 
 } // namespace
 
-TextViewAccessible::TextViewAccessible(TextView& view) : QAccessibleWidget(&view, QAccessible::EditableText) {}
+TextViewAccessible::TextViewAccessible(TextView& view)
+    : QAccessibleWidget(&view, QAccessible::EditableText) {}
 
 void TextViewAccessible::install() {
     static const bool isInstalled = (QAccessible::installFactory(make), true);

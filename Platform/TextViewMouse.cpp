@@ -177,7 +177,8 @@ void TextViewMouse::drop(QDropEvent& event) {
 void TextViewMouse::moveCarriedText(std::u16string_view units, Offset to) {
     const SourceRange from = *std::exchange(m_carried, std::nullopt);
     const TextMove move(from, units, to);
-    if (!move.edits.empty() && m_view.mayChange(from, {}) && m_view.mayChange(SourceRange::empty(to), units)) {
+    if (!move.edits.empty() && m_view.mayChange(from, {}) &&
+        m_view.mayChange(SourceRange::empty(to), units)) {
         m_view.apply(move.edits, TextSelection::of(move.moved), QStringLiteral("Mover texto"));
     }
 }
