@@ -311,7 +311,8 @@ bool keepsOthers(const std::vector<Bookmark>& before, std::vector<Bookmark> afte
 
 std::vector<Bookmark> read(const QByteArray& list) {
     std::vector<Bookmark> bookmarks;
-    QXmlStreamReader reader(list);
+    // Bytes that are no UTF-8 break the list no earlier than where they stand.
+    QXmlStreamReader reader(QString::fromUtf8(list));
     int depth = 0;
     while (!reader.atEnd()) {
         const auto token = reader.readNext();

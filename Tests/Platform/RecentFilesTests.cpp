@@ -45,7 +45,7 @@ protected:
     }
 
     static QByteArray bookmark(const QString& path, const char* modified, const char* type = nullptr) {
-        const QByteArray url = QUrl::fromLocalFile(path).toEncoded();
+        const QByteArray url = QUrl::fromLocalFile(path).toEncoded().replace('&', "&amp;");
         const QByteArray mime =
             type ? "<info><metadata><mime:mime-type type='" + QByteArray(type) + "'/></metadata></info>"
                  : QByteArray();
