@@ -8,7 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <optional>
 
 /// Follows the text of one open document and has it kept while it is not saved. An untouched document costs
 /// nothing; a change costs a note of it.
@@ -44,6 +44,7 @@ private:
 
     TextStorage& m_storage;
     RecoveryMoment m_moment;
-    std::vector<RecoveryEdit> m_edits; ///< Of the batch that is under way.
+    /// Of the batch that is under way; nothing when they are too many.
+    std::optional<RecoveryEdits> m_edits = RecoveryEdits();
     std::unique_ptr<RecoveryWriter> m_writer;
 };

@@ -33,6 +33,9 @@ struct RecoveryEdit {
     Rope units;
 };
 
+/// Changes one after the other, each in the offsets that the one before left.
+using RecoveryEdits = std::vector<RecoveryEdit>;
+
 /// An unsaved text as it was kept.
 struct RecoveredText {
     RecoveryFacts facts;

@@ -52,8 +52,8 @@ bool join(RecoveryEdit& last, const RecoveryEdit& next) {
     return true;
 }
 
-std::vector<RecoveryEdit> joined(std::vector<RecoveryEdit> edits) {
-    std::vector<RecoveryEdit> result;
+RecoveryEdits joined(RecoveryEdits edits) {
+    RecoveryEdits result;
     for (RecoveryEdit& edit : edits) {
         if (result.empty() || !join(result.back(), edit)) {
             result.push_back(std::move(edit));
@@ -75,7 +75,7 @@ public:
           m_facts(std::move(facts)), m_isKept(!taken.isEmpty()), m_path(taken),
           m_retryDelay(pace.retryDelay) {}
 
-    void add(std::vector<RecoveryEdit> edits, const Rope& text, const RecoveryMoment& moment);
+    void add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment);
     void setSelection(SourceRange selection);
     /// Both answer whether there is something to do now.
     bool setFacts(const RecoveryFacts& facts, const Rope& text, const RecoveryMoment& moment);
@@ -90,7 +90,7 @@ public:
 private:
     /// What is not kept yet.
     struct Notes {
-        std::vector<RecoveryEdit> edits;
+        RecoveryEdits edits;
         bool isWhole = false; ///< The edits do not tell everything: only the text does.
         Rope text;
         RecoveryMoment moment;
@@ -109,7 +109,7 @@ private:
 
     /// A whole text on its way into a new log.
     struct Rewrite {
-        std::vector<RecoveryEdit> tail; ///< What changed since; made `text` at `moment`.
+        RecoveryEdits tail; ///< What changed since; made `text` at `moment`.
         Rope text;
         RecoveryMoment moment;
         OldLog old = OldLog::outdated;
@@ -163,14 +163,14 @@ private:
     std::chrono::milliseconds m_retryDelay;
 };
 
-void RecoveryWriter::Work::add(std::vector<RecoveryEdit> edits, const Rope& text,
+void RecoveryWriter::Work::add(std::optional<RecoveryEdits> edits, const Rope& text,
                                const RecoveryMoment& moment) {
     const std::lock_guard guard(m_mutex);
-    if (m_notes.edits.size() + edits.size() > mostEdits) {
+    if (!edits || m_notes.edits.size() + edits->size() > mostEdits) {
         m_notes.isWhole = true;
     }
     if (!m_notes.isWhole) {
-        std::ranges::move(edits, std::back_inserter(m_notes.edits));
+        std::ranges::move(*edits, std::back_inserter(m_notes.edits));
     }
     m_notes.text = text;
     m_notes.moment = moment;
@@ -538,7 +538,7 @@ RecoveryWriter::RecoveryWriter(std::shared_ptr<RecoverySession> session, const R
 
 RecoveryWriter::~RecoveryWriter() { m_work->end(); }
 
-void RecoveryWriter::add(std::vector<RecoveryEdit> edits, const Rope& text, const RecoveryMoment& moment) {
+void RecoveryWriter::add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment) {
     m_work->add(std::move(edits), text, moment);
     m_work->start(m_work);
 }

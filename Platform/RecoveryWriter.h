@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
+#include <optional>
 
 /// How soon and how sparingly unsaved texts are kept.
 struct RecoveryPace {
@@ -49,8 +49,8 @@ public:
     /// Ends the thread soon, after it wrote what there is to write.
     ~RecoveryWriter();
 
-    /// `edits`, each in the offsets that the one before it left, made `text` at `moment`.
-    void add(std::vector<RecoveryEdit> edits, const Rope& text, const RecoveryMoment& moment);
+    /// `edits` made `text` at `moment`. Without them the whole text is written.
+    void add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment);
 
     /// Goes with the next change.
     void setSelection(SourceRange selection);
