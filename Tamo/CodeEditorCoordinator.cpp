@@ -1,0 +1,415 @@
+#include "CodeEditorCoordinator.h"
+
+#include "DiagnosticFinder.h"
+#include "DiagnosticsModel.h"
+#include "PairedTagRename.h"
+#include "PatientWait.h"
+#include "SyntaxHighlighter.h"
+#include "TagMatcher.h"
+#include "UnitScan.h"
+
+#include <QGuiApplication>
+#include <QMenu>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace {
+
+using TypingAssistant::Input;
+
+using namespace std::chrono_literals;
+
+constexpr auto patience = 200ms;
+constexpr Offset quickLength = 1'000'000;  ///< No aid takes long over so much text.
+constexpr Offset slowLength = 300'000'000; ///< Just to put so much text into one array takes long.
+constexpr Offset completionLookBack = 65'536;
+constexpr std::size_t mostMessages = 10; ///< In one tool tip.
+constexpr std::size_t mostFixes = 20;    ///< In one menu.
+
+QString string(std::u16string_view units) {
+    return QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
+}
+
+/// `title` for a menu, where a single ampersand would mark a letter.
+QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
+
+/// Whether the assistant may act on a typed character, as far as the units next
+/// to the caret tell: most quotes and slashes are just text, and cost nothing
+/// in a text of any size.
+bool mayAct(char16_t typed, Offset caret, const Rope& text) {
+    const char16_t before = caret > 0 ? text.unit(caret - 1) : u'\0';
+    switch (typed) {
+    case u'>':
+        return before != u'/';
+    case u'/':
+        return before == u'<';
+    case u'=':
+        return UnitScan::isName(before);
+    case u'"':
+    case u'\'':
+        return caret < text.size() && text.unit(caret) == typed;
+    default:
+        return false;
+    }
+}
+
+/// The wait cursor, once it is shown, as long as this lives.
+class WaitCursor {
+public:
+    WaitCursor() = default;
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor() {
+        if (m_isShown) {
+            QGuiApplication::restoreOverrideCursor();
+        }
+    }
+
+    void show() {
+        if (!std::exchange(m_isShown, true)) {
+            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+        }
+    }
+
+private:
+    bool m_isShown = false;
+};
+
+/// What `aid` answers for the text of `buffer`. A key waits for it; whoever
+/// waits long sees that.
+template <class Aid>
+auto answer(const TextBuffer& buffer, Aid aid) {
+    WaitCursor cursor;
+    if (buffer.text().size() > slowLength) {
+        cursor.show();
+    }
+    const SourceText text = buffer.sourceText();
+    if (text.count() <= quickLength) {
+        return aid(text);
+    }
+    decltype(aid(text)) answer;
+    runPatiently([&] { answer = aid(text); }, patience, [&] { cursor.show(); });
+    return answer;
+}
+
+QString messages(const std::vector<DiagnosticFinder::Found>& found, const DiagnosticList& diagnostics) {
+    QStringList lines;
+    for (const auto& diagnostic : found) {
+        if (static_cast<std::size_t>(lines.size()) == mostMessages) {
+            lines += QStringLiteral("…");
+            break;
+        }
+        lines += string(diagnostics[diagnostic.index].message);
+    }
+    return lines.join(u'\n');
+}
+
+} // namespace
+
+CodeEditorCoordinator::CodeEditorCoordinator(EditorSession& session, QObject* parent)
+    : QObject(parent), m_session(session) {}
+
+CodeEditorCoordinator::~CodeEditorCoordinator() { disconnectViews(); }
+
+void CodeEditorCoordinator::disconnectViews() {
+    if (m_textView != nullptr) {
+        m_textView->disconnect(this);
+        m_textView->setDelegate(nullptr);
+        m_textView->setUnderlines({});
+        m_textView->setHistory(nullptr);
+    }
+    if (m_ruler != nullptr) {
+        m_ruler->setToolTips({});
+    }
+    m_textView = nullptr;
+    m_ruler = nullptr;
+}
+
+void CodeEditorCoordinator::connectViews(TextView& textView, LineNumberRuler& ruler) {
+    m_textView = &textView;
+    m_ruler = &ruler;
+    textView.setDelegate(this);
+    textView.setHistory(&m_session.buffer().history());
+    textView.setUnderlines([this](SourceRange visible) { return underlines(visible); });
+    ruler.setToolTips([this](std::size_t line) { return lineToolTip(line); });
+    connect(&m_session.buffer().storage(), &TextStorage::editProcessed, this,
+            &CodeEditorCoordinator::adjustPlaceholders);
+    connect(&textView, &TextView::visibleTextChanged, this, &CodeEditorCoordinator::visibleTextChanged);
+    connect(&m_session, &EditorSession::treeGenerationChanged, this, &CodeEditorCoordinator::update);
+    connect(&m_session, &EditorSession::revealRequestChanged, this, &CodeEditorCoordinator::update);
+    update();
+}
+
+// Showing what the session has
+
+void CodeEditorCoordinator::update() {
+    if (m_textView == nullptr || m_ruler == nullptr) {
+        return;
+    }
+    if (m_session.treeGeneration() != m_lastHighlightedGeneration) {
+        showParse();
+    }
+    const auto& request = m_session.revealRequest();
+    if (request && request->serial != m_lastRevealSerial) {
+        reveal(*request);
+    }
+}
+
+void CodeEditorCoordinator::showParse() {
+    // The ruler shares what it shows: a session delivers the next parse whenever
+    // it likes.
+    const std::shared_ptr<const ParsedDocument> parsed = m_session.parsed();
+    const std::shared_ptr<const LineIndex> lines(parsed, &parsed->lines);
+    m_ruler->setLines(lines);
+    m_ruler->setErrorLines({{parsed, &parsed->tree.diagnostics}, lines});
+    m_ruler->updateThickness();
+    highlightVisibleLines();
+    m_textView->viewport()->update();
+    m_lastHighlightedGeneration = m_session.treeGeneration();
+}
+
+void CodeEditorCoordinator::reveal(const EditorSession::RevealRequest& request) {
+    m_lastRevealSerial = request.serial;
+    showSelection(request.range);
+    if (m_textView->isVisible()) {
+        m_textView->setFocus();
+    }
+}
+
+void CodeEditorCoordinator::showSelection(SourceRange selection) {
+    const Offset end = m_textView->text().size();
+    const auto clamped =
+        SourceRange::unchecked(std::min(selection.lower, end), std::min(selection.upper, end));
+    m_textView->select(clamped);
+    m_textView->scrollToVisible(clamped);
+}
+
+void CodeEditorCoordinator::highlightVisibleLines() {
+    if (m_textView != nullptr) {
+        const DocumentTree* tree = m_session.isTreeCurrent() ? &m_session.tree() : nullptr;
+        SyntaxHighlighter::highlight(*m_textView, m_session.buffer(), tree);
+    }
+}
+
+void CodeEditorCoordinator::textDidChange() {
+    if (m_textView == nullptr || m_ruler == nullptr) {
+        return;
+    }
+    highlightVisibleLines();
+    m_highlightedStretches = m_textView->visibleStretches();
+    m_ruler->update();
+}
+
+void CodeEditorCoordinator::visibleTextChanged() {
+    // After an edit this comes too, mostly for the text that is coloured already.
+    const auto highlighted = std::exchange(m_highlightedStretches, {});
+    if (highlighted.empty() || highlighted != m_textView->visibleStretches()) {
+        highlightVisibleLines();
+    }
+}
+
+void CodeEditorCoordinator::selectionDidChange() {
+    if (m_textView != nullptr) {
+        m_session.setTextSelection(m_textView->selection());
+        m_session.followCaret();
+    }
+}
+
+// Keys
+
+bool CodeEditorCoordinator::doCommand(TextCommand command) {
+    if (m_textView == nullptr) {
+        return false;
+    }
+    switch (command) {
+    case TextCommand::insertTab:
+        return handle(TypingAssistant::Tab());
+    case TextCommand::insertBacktab:
+        return handle(TypingAssistant::Backtab());
+    case TextCommand::insertNewline:
+        return handle(TypingAssistant::Newline());
+    case TextCommand::cancelOperation: {
+        const bool wasActive = m_placeholders.isActive();
+        m_placeholders.cancel();
+        return wasActive;
+    }
+    }
+    return false;
+}
+
+bool CodeEditorCoordinator::shouldChangeText(SourceRange range, std::u16string_view replacement) {
+    if (m_textView == nullptr || m_textView->hasMarkedText()) {
+        return true;
+    }
+    // A character that is dropped elsewhere is none that is typed.
+    const bool isTyped = range.isEmpty() && replacement.size() == 1 && range == m_textView->selection();
+    if (isTyped && mayAct(replacement.front(), range.lower, m_textView->text()) &&
+        handle(TypingAssistant::Character{std::u16string(replacement)})) {
+        return false;
+    }
+    return !rename(range, replacement);
+}
+
+bool CodeEditorCoordinator::handle(const Input& input) {
+    while (true) {
+        const auto action = answer(m_session.buffer(), [&](const SourceText& text) {
+            return TypingAssistant::handle(input, text, m_textView->selection(), m_session.indent(),
+                                           m_placeholders.isActive());
+        });
+        if (!action) {
+            return false;
+        }
+        if (const auto* edit = std::get_if<TypingAssistant::Edit>(&*action)) {
+            perform(*edit);
+            return true;
+        }
+        const bool isNext = std::holds_alternative<TypingAssistant::NextPlaceholder>(*action);
+        const auto stop = isNext ? m_placeholders.next() : m_placeholders.previous();
+        if (stop) {
+            showSelection(*stop);
+        }
+        if (stop || !isNext) {
+            return true;
+        }
+        // Behind the last stop nothing is tracked any more, and the key means what
+        // it always does.
+    }
+}
+
+void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
+    m_session.buffer().apply(edit.edits, QStringLiteral("Escribir"));
+    if (!edit.placeholders.empty()) {
+        m_placeholders.start(edit.placeholders);
+    }
+    showSelection(edit.selection);
+}
+
+bool CodeEditorCoordinator::rename(SourceRange range, std::u16string_view replacement) {
+    TextBuffer& buffer = m_session.buffer();
+    if (!PairedTagRename::mayApply(buffer.text(), range, replacement)) {
+        return false;
+    }
+    const auto rename = answer(
+        buffer, [&](const SourceText& text) { return PairedTagRename::rename(text, range, replacement); });
+    if (!rename) {
+        return false;
+    }
+    buffer.apply(rename->edits, QStringLiteral("Renombrar etiqueta"));
+    showSelection(SourceRange::empty(rename->caret));
+    return true;
+}
+
+void CodeEditorCoordinator::adjustPlaceholders(SourceRange edited, std::int64_t changeInLength) {
+    if (m_placeholders.isActive()) {
+        const std::int64_t replaced = edited.length() - changeInLength;
+        m_placeholders.adjust(
+            {SourceRange::at(edited.lower, replaced), m_session.buffer().text().units(edited)});
+    }
+}
+
+QStringList CodeEditorCoordinator::completions(SourceRange partialWord) {
+    if (m_textView == nullptr) {
+        return {};
+    }
+    using TagMatcher::Context;
+    const Rope& text = m_session.buffer().text();
+    const Offset start = std::min(partialWord.lower, text.size());
+    const SourceText before(text.units({start - std::min(start, completionLookBack), start}));
+    const Context context = TagMatcher::context(before.count(), before);
+    if (context != Context::content && context != Context::tag) {
+        return {};
+    }
+    const char16_t last = start > 0 ? text.unit(start - 1) : u'\0';
+    const bool isInTag = context == Context::tag && last != u'<' && last != u'/';
+    return m_session.nameCompletions(string(text.units(partialWord)), isInTag);
+}
+
+// Problems
+
+std::vector<TextView::Underline> CodeEditorCoordinator::underlines(SourceRange visible) const {
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    std::vector<TextView::Underline> underlines;
+    for (const auto& found : DiagnosticFinder(diagnostics, m_session.editsSinceParse()).touching(visible)) {
+        underlines.push_back({found.range, DiagnosticsModel::color(diagnostics.severity(found.index))});
+    }
+    return underlines;
+}
+
+QString CodeEditorCoordinator::toolTip(Offset at) {
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    return messages(DiagnosticFinder(diagnostics, m_session.editsSinceParse()).touching({at, at}),
+                    diagnostics);
+}
+
+QString CodeEditorCoordinator::lineToolTip(std::size_t line) const {
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    const SourceRange range = m_session.buffer().text().lineRange(line);
+    return messages(DiagnosticFinder(diagnostics, m_session.editsSinceParse()).startingIn(range),
+                    diagnostics);
+}
+
+/// One for each fix, owned by `parent`.
+std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* parent) {
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    const DiagnosticFinder finder(diagnostics, m_session.editsSinceParse());
+    const Rope& text = m_session.buffer().text();
+    auto found = finder.touching({at, at});
+    if (found.empty()) {
+        found = finder.startingIn(text.lineRange(text.line(at)));
+    }
+    std::vector<QAction*> actions;
+    for (const auto& problem : found) {
+        const Diagnostic diagnostic = diagnostics[problem.index];
+        if (diagnostic.fix && actions.size() < mostFixes) {
+            auto* action = new QAction(menuText(string(diagnostic.fix->title)), parent);
+            connect(action, &QAction::triggered, this, [this, diagnostic] { apply(diagnostic); });
+            actions.push_back(action);
+        }
+    }
+    return actions;
+}
+
+void CodeEditorCoordinator::apply(const Diagnostic& diagnostic) {
+    // The menu was open for a while: what it offered is looked up in the tree of
+    // now.
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    const Offset start = diagnostic.range.lower;
+    for (std::size_t index = diagnostics.firstIndex(start);
+         index < diagnostics.size() && diagnostics.range(index).lower == start; ++index) {
+        if (diagnostics[index] == diagnostic) {
+            m_session.applyFix(index);
+            return;
+        }
+    }
+}
+
+void CodeEditorCoordinator::offerFixes() {
+    if (m_textView == nullptr) {
+        return;
+    }
+    auto* menu = new QMenu(m_textView);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const std::vector<QAction*> actions = fixActions(m_textView->caret(), menu);
+    if (actions.empty()) {
+        delete menu;
+        return;
+    }
+    menu->addActions(QList<QAction*>(actions.begin(), actions.end()));
+    menu->setActiveAction(actions.front());
+    const QPoint below = m_textView->caretRect().bottomLeft().toPoint();
+    menu->popup(m_textView->viewport()->mapToGlobal(below));
+}
+
+void CodeEditorCoordinator::contextMenuWillOpen(QMenu& menu, Offset at) {
+    if (m_textView == nullptr) {
+        return;
+    }
+    QAction* const first = menu.actions().value(0);
+    const std::vector<QAction*> actions = fixActions(at, &menu);
+    menu.insertActions(first, QList<QAction*>(actions.begin(), actions.end()));
+    if (!actions.empty() && first != nullptr) {
+        menu.insertSeparator(first);
+    }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "CodeEditorCoordinator.h"
+
+#include <QWidget>
+
+/// The source pane of a window: the text of a session in a monospaced text view that never wraps, with the
+/// numbers of its lines, typing aids, colours and the problems of the last parse.
+class CodeEditorView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `session` outlives the view.
+    explicit CodeEditorView(EditorSession& session, QWidget* parent = nullptr);
+    ~CodeEditorView() override;
+
+    EditorSession& session() { return m_coordinator.session(); }
+    CodeEditorCoordinator& coordinator() { return m_coordinator; }
+    TextView& textView() { return *m_textView; }
+    LineNumberRuler& ruler() { return *m_ruler; }
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyAppearance();
+
+    CodeEditorCoordinator m_coordinator;
+    // Children of this widget.
+    TextView* m_textView;
+    LineNumberRuler* m_ruler;
+};
