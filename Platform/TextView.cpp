@@ -31,7 +31,6 @@
 
 namespace {
 
-constexpr Offset longLine = 32'768; ///< Units from which on only the stretch of a line that shows counts.
 
 std::u16string_view unitsOf(const QString& string) {
     return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
@@ -490,12 +489,12 @@ QRectF TextView::caretRect(Offset at) const {
 
 Offset TextView::offset(QPointF at) const { return m_layout.offset(line(at.y()), at.x() + left()); }
 
-std::vector<SourceRange> TextView::visibleStretches() {
+std::vector<SourceRange> TextView::visibleStretches(Offset longestWhole) {
     std::vector<SourceRange> stretches;
     bool mayJoin = false;
     for (std::size_t line = firstVisibleLine(); line <= lastVisibleLine(); ++line) {
         const SourceRange whole = text().lineRange(line);
-        const bool isLong = whole.length() > longLine;
+        const bool isLong = whole.length() > longestWhole;
         const SourceRange shown =
             isLong ? m_layout.stretch(line, left(), right())
                    : SourceRange::unchecked(whole.lower, std::min(whole.upper + 1, text().size()));
@@ -660,6 +659,14 @@ void TextView::setTemporaryAttributes(SourceRange range, const TemporaryAttribut
 
 void TextView::removeTemporaryAttributes(SourceRange range) {
     m_layout.removeTemporaryAttributes(range);
+    updateLines(text().line(range.lower), text().line(range.upper) + 1);
+}
+
+void TextView::setTemporaryAttributes(SourceRange range, std::span<const AttributeRuns::Run> runs) {
+    m_layout.removeTemporaryAttributes(range);
+    for (const AttributeRuns::Run& run : runs) {
+        m_layout.setTemporaryAttributes(run.range, run.attributes);
+    }
     updateLines(text().line(range.lower), text().line(range.upper) + 1);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AttributeRuns.h"
 #include "CaretBlinker.h"
 #include "Rope.h"
 #include "ScrollPosition.h"
@@ -94,6 +95,10 @@ public:
     void setTemporaryAttributes(SourceRange range, const TemporaryAttributes& attributes);
     void removeTemporaryAttributes(SourceRange range);
 
+    /// Gives the units of `range` the attributes of `runs`, which ascend inside it, and no others; quicker
+    /// than one by one.
+    void setTemporaryAttributes(SourceRange range, std::span<const AttributeRuns::Run> runs);
+
     /// A wavy line under a part of the text.
     struct Underline {
         SourceRange range;
@@ -105,9 +110,9 @@ public:
     void setUnderlines(Underlines underlines);
     void setHighlights(Highlights highlights); ///< Such as the matches of a search.
 
-    /// The text that shows, in order: whole lines, neighbours in one range; of a line longer than 32768 units
-    /// only the segments that show and one more on each side, in a range of its own.
-    std::vector<SourceRange> visibleStretches();
+    /// The text that shows, in order: whole lines, neighbours in one range; of a line longer than
+    /// `longestWhole` units only the segments that show and one more on each side, in a range of its own.
+    std::vector<SourceRange> visibleStretches(Offset longestWhole = 32'768);
 
     // Geometry
 
