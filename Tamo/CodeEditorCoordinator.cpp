@@ -198,14 +198,15 @@ void CodeEditorCoordinator::textDidChange() {
         return;
     }
     highlightVisibleLines();
-    m_highlightedStretches = m_textView->visibleStretches();
+    m_highlightedStretches = m_textView->visibleStretches(SyntaxHighlighter::longestWholeLine);
     m_ruler->update();
 }
 
 void CodeEditorCoordinator::visibleTextChanged() {
     // After an edit this comes too, mostly for the text that is coloured already.
     const auto highlighted = std::exchange(m_highlightedStretches, {});
-    if (highlighted.empty() || highlighted != m_textView->visibleStretches()) {
+    if (highlighted.empty() ||
+        highlighted != m_textView->visibleStretches(SyntaxHighlighter::longestWholeLine)) {
         highlightVisibleLines();
     }
 }

@@ -38,10 +38,12 @@ constexpr std::array<std::optional<Style>, kinds> styles = {
     Style{systemRed, TemporaryAttributes::Underline::thick}, // invalid
 };
 
-Offset lexStart(SourceRange visible, const DocumentTree* tree) {
-    const Offset anchor = tree != nullptr ? tree->lexStart(visible.lower) : visible.lower;
+Offset lexStart(const Rope& text, SourceRange visible, const DocumentTree* tree) {
+    const SourceRange line = text.lineRange(text.line(visible.lower));
+    const Offset start = line.length() > SyntaxHighlighter::longestLine ? visible.lower : line.lower;
+    const Offset anchor = tree != nullptr ? tree->lexStart(visible.lower) : start;
     const bool isFar = visible.lower - anchor > SyntaxHighlighter::longestLookBack;
-    return isFar ? visible.lower : anchor;
+    return isFar ? start : anchor;
 }
 
 } // namespace
@@ -58,7 +60,7 @@ TemporaryAttributes SyntaxHighlighter::attributes(Token::Kind of, const QPalette
 
 std::vector<SyntaxHighlighter::Run> SyntaxHighlighter::runs(const Rope& text, SourceRange visible,
                                                             const DocumentTree* tree) {
-    const Offset start = lexStart(visible, tree);
+    const Offset start = lexStart(text, visible, tree);
     const std::u16string units = text.units({start, visible.upper});
     UnitIndex index;
     Lexer lexer(units, index);
@@ -73,7 +75,7 @@ std::vector<SyntaxHighlighter::Run> SyntaxHighlighter::runs(const Rope& text, So
 }
 
 void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree) {
-    const std::vector<SourceRange> stretches = view.visibleStretches();
+    const std::vector<SourceRange> stretches = view.visibleStretches(longestWholeLine);
     Offset count = 0;
     for (const SourceRange stretch : stretches) {
         count += stretch.length();
@@ -86,10 +88,12 @@ void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, cons
     for (std::size_t kind = 0; kind < kinds; ++kind) {
         looks[kind] = attributes(static_cast<Token::Kind>(kind), view.palette());
     }
+    std::vector<AttributeRuns::Run> coloured;
     for (const SourceRange stretch : stretches) {
-        view.removeTemporaryAttributes(stretch);
+        coloured.clear();
         for (const auto& [range, kind] : runs(buffer.text(), stretch, tree)) {
-            view.setTemporaryAttributes(range, looks[static_cast<std::size_t>(kind)]);
+            coloured.push_back({range, looks[static_cast<std::size_t>(kind)]});
         }
+        view.setTemporaryAttributes(stretch, coloured);
     }
 }

@@ -39,13 +39,19 @@ struct Run {
     bool operator==(const Run&) const = default;
 };
 
-/// How far before the first visible line lexing may start.
+/// How far before what shows lexing may start.
 inline constexpr Offset longestLookBack = 0x40000;
 
-/// The runs of `visible`, whole lines of `text` or a stretch of a very long one, in ascending order. They are
-/// read on from where `tree` says that content begins or goes on, unless that is too far back; without a tree
-/// as if `visible` began in content. The tree is that of this very text.
+/// A longer line is never read from its start without a tree: what shows of it counts as the line.
+inline constexpr Offset longestLine = 32'768;
+
+/// The runs of `visible`, whole lines of `text` or a stretch of one, in ascending order. They are read on
+/// from where `tree` says that content begins or goes on, unless that is too far back; then, and without a
+/// tree, as if the first of the lines began in content. The tree is that of this very text.
 std::vector<Run> runs(const Rope& text, SourceRange visible, const DocumentTree* tree);
+
+/// Lines of more units than this are coloured around what shows of them only.
+inline constexpr Offset longestWholeLine = 2048;
 
 /// Colours the text that `view` shows, which is that of `buffer`. The tree may be null, or that of the text.
 void highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree);

@@ -300,6 +300,20 @@ TEST(SyntaxHighlighter, ColoursOnlyWhatShowsOfALongText) {
     EXPECT_LT(std::stoi(messages.front()), 30 * 8);
 }
 
+// A line that is not very long is read from its start, even where only a part of it is coloured.
+TEST(SyntaxHighlighter, ReadsALineFromItsStart) {
+    std::u16string text = u"text\n<a b='";
+    text.append(10'000, u'v').append(u"<c>'/>\n");
+    const SourceRange stretch(5'000, 10'018);
+    const Runs found = runs(text, stretch);
+    ASSERT_FALSE(found.empty());
+    EXPECT_EQ(found.front(), (Part{{5'000, 10'011}, Kind::attributeValue}));
+
+    std::u16string longer = u"text\n<a b='";
+    longer.append(SyntaxHighlighter::longestLine, u'v').append(u"'/>");
+    EXPECT_EQ(runs(longer, {5'000, 6'000}), Runs());
+}
+
 // A stretch of a very long line is read as a line is: back to where the tree says, if that is near.
 TEST(SyntaxHighlighter, ColoursInsideAVeryLongLine) {
     std::u16string text = u"<a>";
