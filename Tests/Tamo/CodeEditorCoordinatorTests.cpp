@@ -297,6 +297,22 @@ TEST(CodeEditorCoordinator, TreatsWhatAnInputMethodInsertsAtOnceAsTyped) {
     EXPECT_EQ(desk.state(), u"<a>|</a>");
 }
 
+// A text so long that the aids run on a worker: they do the same.
+TEST(CodeEditorCoordinator, HelpsInALongText) {
+    std::u16string text = u"<list>\n";
+    while (text.size() < 1'100'000) {
+        text += u"  <item>some text</item>\n";
+    }
+    EditorDesk desk(text + u"  <last|</list>\n");
+    desk.type(">x");
+    EXPECT_TRUE(desk.state().ends_with(u"</item>\n  <last>x|</last></list>\n"));
+    QTest::keyClick(&desk.view(), Qt::Key_Left);
+    QTest::keyClick(&desk.view(), Qt::Key_Left);
+    desk.type("s");
+    EXPECT_TRUE(desk.state().ends_with(u"  <lasts|>x</lasts></list>\n"));
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
 // Completions
 
 TEST(CodeEditorCoordinator, CompletesNamesByContext) {

@@ -1,5 +1,6 @@
 #include "CodeEditorView.h"
 
+#include "CompletionPopup.h"
 #include "DiagnosticsModel.h"
 #include "EditorDesk.h"
 #include "SystemColor.h"
@@ -177,6 +178,20 @@ TEST(CodeEditorView, TellsAProblemOverItsLineNumberAndOverTheText) {
     QCoreApplication::sendEvent(desk.view().viewport(), &overText);
     EXPECT_TRUE(QToolTip::text().contains(message.toHtmlEscaped())) << qPrintable(QToolTip::text());
     QToolTip::hideText();
+}
+
+TEST(CodeEditorView, OffersNamesWithControlSpaceOnly) {
+    EditorDesk desk(u"<items><item/><|</items>");
+    desk.type("i");
+    EXPECT_EQ(desk.view().findChild<CompletionPopup*>(), nullptr);
+    QTest::keyClick(&desk.view(), Qt::Key_Space, Qt::ControlModifier);
+    const auto* const popup = desk.view().findChild<CompletionPopup*>();
+    ASSERT_NE(popup, nullptr);
+    EXPECT_TRUE(popup->isVisible());
+    QTest::keyClick(&desk.view(), Qt::Key_Down);
+    QTest::keyClick(&desk.view(), Qt::Key_Return);
+    EXPECT_FALSE(popup->isVisible());
+    EXPECT_EQ(desk.state(), u"<items><item/><item|</items>");
 }
 
 TEST(CodeEditorView, PartsFromTheSessionWhenItGoes) {
