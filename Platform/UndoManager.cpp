@@ -95,3 +95,8 @@ void UndoManager::setClean() {
     breakUndoCoalescing();
     m_stack.setClean();
 }
+
+void UndoManager::resetClean() {
+    breakUndoCoalescing();
+    m_stack.resetClean();
+}

@@ -53,6 +53,8 @@ public:
     /// Whether the document is as it was when `setClean` was called last, at first when this was made.
     bool isClean() const { return m_stack.isClean(); }
     void setClean();
+    /// No step leads to what `setClean` was called for: it turned out not to be saved.
+    void resetClean();
 
 Q_SIGNALS:
     /// `canUndo`, `canRedo` or an action name may have changed.

@@ -121,7 +121,8 @@ TextBuffer& XMLFileDocument::buffer() {
 }
 
 template <class Sink>
-std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snapshot, Sink sink) const {
+std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snapshot, Sink sink,
+                                                               const std::stop_token& stop) const {
     if (!m_original.bytes().empty() && snapshot == Rope(m_initialText)) {
         sink(m_original.bytes());
         return {};
@@ -129,6 +130,9 @@ std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snaps
     sink(m_bom);
     TextEncoder encoder(m_encoding, sink);
     for (const std::u16string_view chunk : snapshot.chunks()) {
+        if (stop.stop_requested()) {
+            return failure(Action::write, FileFailure::other);
+        }
         if (const auto result = encoder.append(chunk); !result) {
             return failure(Action::write, unencodable(result.error(), snapshot, m_encoding));
         }
@@ -139,18 +143,33 @@ std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snaps
     return {};
 }
 
-std::expected<void, DocumentError> XMLFileDocument::write(const Rope& snapshot, const QString& path) const {
+std::expected<void, DocumentError> XMLFileDocument::write(const Rope& snapshot, const QString& path,
+                                                          const std::stop_token& stop) const {
     auto file = AtomicFile::open(path);
     if (!file) {
         return failure(Action::write, file.error());
     }
-    if (auto result = encodeInto(snapshot, [&file](Bytes bytes) { file->write(bytes); }); !result) {
+    if (auto result = encodeInto(snapshot, [&file](Bytes bytes) { file->write(bytes); }, stop);
+        !result) {
         return result;
     }
     if (const auto result = file->commit(); !result) {
         return failure(Action::write, result.error());
     }
     return {};
+}
+
+void XMLFileDocument::adoptEncoding(XMLFileDocument&& other) {
+    m_encoding = other.m_encoding;
+    m_bom = std::move(other.m_bom);
+    m_initialText = std::move(other.m_initialText);
+    m_original = std::move(other.m_original);
+}
+
+void XMLFileDocument::setEncoding(const StringEncoding& encoding, Bytes bom) {
+    m_encoding = encoding;
+    m_bom.assign(bom.begin(), bom.end());
+    m_original = {};
 }
 
 std::expected<std::string, DocumentError> XMLFileDocument::encode(const Rope& snapshot) const {

@@ -13,6 +13,7 @@
 #include <expected>
 #include <memory>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -64,7 +65,15 @@ public:
 
     /// Puts the bytes of `snapshot` in the place of the file `path`, whole or not at all. A text that is
     /// still the initial one gives the bytes that were read wherever they are legal in the encoding.
-    std::expected<void, DocumentError> write(const Rope& snapshot, const QString& path) const;
+    /// After a request to stop it fails, unless the file stands already.
+    std::expected<void, DocumentError> write(const Rope& snapshot, const QString& path,
+                                             const std::stop_token& stop = {}) const;
+
+    /// From now on writes as `other` does, whose text the buffer was given.
+    void adoptEncoding(XMLFileDocument&& other);
+
+    /// Writes in another encoding from now on.
+    void setEncoding(const StringEncoding& encoding, Bytes bom);
 
     /// The same bytes in memory.
     std::expected<std::string, DocumentError> encode(const Rope& snapshot) const;
@@ -75,7 +84,8 @@ private:
     static std::unique_ptr<XMLFileDocument> readUTF8(const QString& path);
 
     template <class Sink>
-    std::expected<void, DocumentError> encodeInto(const Rope& snapshot, Sink sink) const;
+    std::expected<void, DocumentError> encodeInto(const Rope& snapshot, Sink sink,
+                                                  const std::stop_token& stop = {}) const;
     bool givesBack(Bytes bytes) const;
 
     StringEncoding m_encoding;

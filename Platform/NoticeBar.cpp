@@ -1,0 +1,65 @@
+#include "NoticeBar.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+
+#include <utility>
+
+namespace {
+
+constexpr int progressWidth = 160;
+
+} // namespace
+
+NoticeBar::NoticeBar(QWidget* parent)
+    : QWidget(parent), m_layout(new QHBoxLayout(this)), m_text(new QLabel), m_progress(new QProgressBar),
+      m_buttons(new QHBoxLayout) {
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::ToolTipBase);
+    setForegroundRole(QPalette::ToolTipText);
+    m_text->setTextFormat(Qt::PlainText);
+    m_text->setWordWrap(true);
+    m_text->setForegroundRole(QPalette::ToolTipText);
+    m_progress->setRange(0, 0);
+    m_progress->setTextVisible(false);
+    m_progress->setFixedWidth(progressWidth);
+    m_layout->setContentsMargins(16, 8, 16, 8);
+    m_layout->setSpacing(8);
+    m_layout->addWidget(m_text, 1);
+    m_layout->addWidget(m_progress);
+    m_layout->addLayout(m_buttons);
+    hide();
+}
+
+void NoticeBar::tell(const QString& text, bool isBusy) {
+    dismiss();
+    m_text->setText(text);
+    m_progress->setVisible(isBusy);
+    setAccessibleName(text);
+    show();
+}
+
+void NoticeBar::offer(const QString& title, std::function<void()> action) {
+    auto* button = new QPushButton(title);
+    connect(button, &QPushButton::clicked, this, [this, action = std::move(action)] {
+        const auto chosen = action; // This function goes with its button.
+        dismiss();
+        chosen();
+    });
+    m_buttons->addWidget(button);
+}
+
+void NoticeBar::dismiss() {
+    hide();
+    while (QLayoutItem* const item = m_buttons->takeAt(0)) {
+        item->widget()->hide();
+        item->widget()->deleteLater();
+        delete item;
+    }
+}
+
+bool NoticeBar::isBusy() const { return isVisible() && m_progress->isVisible(); }
+
+QString NoticeBar::text() const { return isVisible() ? m_text->text() : QString(); }
