@@ -1,0 +1,238 @@
+#include "AttributeTableView.h"
+
+#include "CommitField.h"
+#include "EditorSession.h"
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "SystemFont.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int rowHeight = 28;
+constexpr int removalWidth = 28;
+constexpr int symbolSize = 14;
+constexpr int mostRowsAtOnce = 12; ///< A longer table scrolls.
+
+} // namespace
+
+/// Paints the cells, and makes a field of the one that is edited.
+class AttributeTableView::CellDelegate : public QStyledItemDelegate {
+public:
+    explicit CellDelegate(AttributeTableView& view) : QStyledItemDelegate(&view), m_view(view) {}
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& cell) const override {
+        CommitField* const field = m_view.makeField(cell, parent);
+        const auto close = [this, field, edited = QPersistentModelIndex(cell)] {
+            // Return closes it, and then it loses the focus.
+            if (m_view.m_table->indexWidget(edited) == field) {
+                emit const_cast<CellDelegate*>(this)->closeEditor(field, QAbstractItemDelegate::NoHint);
+            }
+        };
+        connect(field, &CommitField::submitted, field, close);
+        connect(field, &CommitField::cancelled, field, close);
+        connect(field, &CommitField::focusLost, field, close, Qt::QueuedConnection);
+        return field;
+    }
+
+    // A field knows its value and commits by itself.
+    void setEditorData(QWidget* editor, const QModelIndex& cell) const override {
+        auto* const field = static_cast<CommitField*>(editor);
+        if (cell.column() == AttributeTableModel::name) {
+            field->setValue(QString::fromStdU16String(m_view.m_model.attributeName(cell.row())));
+        } else {
+            field->setValue(m_view.m_model.attributeValue(cell.row()));
+        }
+    }
+    void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override {}
+    bool eventFilter(QObject*, QEvent*) override { return false; }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& cell) const override {
+        if (cell.column() != AttributeTableModel::removal) {
+            QStyledItemDelegate::paint(painter, option, cell);
+            return;
+        }
+        QStyleOptionViewItem background = option;
+        QStyledItemDelegate::paint(painter, background, cell);
+        const bool isHot = option.state.testFlag(QStyle::State_MouseOver) ||
+                           option.state.testFlag(QStyle::State_HasFocus);
+        const SystemColor ink = isHot ? SystemColor::systemRed : SystemColor::tertiaryLabel;
+        QRectF box(0, 0, symbolSize, symbolSize);
+        box.moveCenter(QRectF(option.rect).center());
+        Symbol::draw(*painter, box, u"minus.circle.fill", color(ink, option.palette));
+    }
+
+private:
+    AttributeTableView& m_view;
+};
+
+AttributeTableView::AttributeTableView(EditorSession& session, QWidget* parent)
+    : QWidget(parent), m_session(session), m_table(new QTableView), m_add(new QToolButton) {
+    m_table->setModel(&m_model);
+    m_table->setItemDelegate(new CellDelegate(*this));
+    m_table->setAccessibleName(QStringLiteral("Atributos"));
+    m_table->setFont(SystemFont::monospaced());
+    m_table->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    m_table->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_table->setTabKeyNavigation(false);
+    m_table->setShowGrid(false);
+    m_table->setAlternatingRowColors(true);
+    m_table->setMouseTracking(true);
+    m_table->setWordWrap(false);
+    m_table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_table->verticalHeader()->hide();
+    m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_table->verticalHeader()->setDefaultSectionSize(rowHeight);
+    QHeaderView* const header = m_table->horizontalHeader();
+    header->setFont(SystemFont::caption());
+    header->setHighlightSections(false);
+    header->setSectionsClickable(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setMinimumSectionSize(removalWidth);
+    m_table->verticalHeader()->setMinimumSectionSize(rowHeight);
+    header->setSectionResizeMode(AttributeTableModel::name, QHeaderView::Fixed);
+    header->setSectionResizeMode(AttributeTableModel::value, QHeaderView::Stretch);
+    header->setSectionResizeMode(AttributeTableModel::removal, QHeaderView::Fixed);
+    header->resizeSection(AttributeTableModel::removal, removalWidth);
+    m_table->installEventFilter(this);
+    connect(m_table, &QTableView::clicked, this, [this](const QModelIndex& cell) {
+        if (cell.column() == AttributeTableModel::removal) {
+            remove(cell.row());
+        }
+    });
+
+    m_add->setText(QStringLiteral("Añadir atributo"));
+    m_add->setIcon(Symbol::icon(u"plus.circle.fill"));
+    m_add->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_add->setAutoRaise(true);
+    m_add->setFocusPolicy(Qt::StrongFocus);
+    connect(m_add, &QToolButton::clicked, this, &AttributeTableView::add);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(m_table);
+    layout->addWidget(m_add, 0, Qt::AlignLeft);
+    fitHeight();
+}
+
+void AttributeTableView::setElement(const NodePath& path, NodeID node) {
+    if (path != m_path) {
+        m_table->setCurrentIndex({});
+        m_model.setNode(nullptr, {});
+        m_added.clear();
+    }
+    m_path = path;
+    m_model.setNode(&m_session.tree(), node);
+    fitHeight();
+    editAdded();
+}
+
+CommitField* AttributeTableView::makeField(const QModelIndex& cell, QWidget* parent) {
+    const QString title =
+        m_model.headerData(cell.column(), Qt::Horizontal, Qt::DisplayRole).toString();
+    auto* field = new CommitField(title, CommitField::Axis::horizontal, parent);
+    field->setFont(m_table->font());
+    field->editor()->installEventFilter(this);
+    const QPersistentModelIndex edited(cell);
+    field->setCommit([this, edited](const QString& draft) { return edited.isValid() && commit(edited, draft); });
+    return field;
+}
+
+bool AttributeTableView::commit(const QModelIndex& cell, const QString& draft) {
+    const QString name = QString::fromStdU16String(m_model.attributeName(cell.row()));
+    if (cell.column() == AttributeTableModel::name) {
+        m_session.renameAttribute(m_path, name, draft);
+    } else {
+        m_session.setAttribute(m_path, name, draft);
+    }
+    return !m_session.errorMessage();
+}
+
+bool AttributeTableView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) {
+        return QWidget::eventFilter(watched, event);
+    }
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (watched != m_table) {
+        auto* const field = qobject_cast<CommitField*>(static_cast<QWidget*>(watched)->parentWidget());
+        return field != nullptr && (key == Qt::Key_Tab || key == Qt::Key_Backtab) &&
+               moveOn(*field, key == Qt::Key_Tab);
+    }
+    const QModelIndex current = m_table->currentIndex();
+    const bool isOnButton = current.column() == AttributeTableModel::removal;
+    const bool presses = isOnButton && (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter);
+    if (current.isValid() && (key == Qt::Key_Delete || presses)) {
+        remove(current.row());
+        return true;
+    }
+    return false;
+}
+
+/// Goes from one field to the next, and out of the table at either end.
+bool AttributeTableView::moveOn(CommitField& field, bool isForward) {
+    const QModelIndex current = m_table->currentIndex();
+    field.commitIfChanged();
+    const int step = current.row() * 2 + current.column() + (isForward ? 1 : -1);
+    const QModelIndex next = step < 0 ? QModelIndex() : m_model.index(step / 2, step % 2);
+    if (next.isValid()) {
+        edit(next);
+        return true;
+    }
+    if (isForward) {
+        m_add->setFocus(Qt::TabFocusReason);
+        return true;
+    }
+    m_table->setFocus(Qt::BacktabFocusReason);
+    return m_table->previousInFocusChain() != nullptr && focusNextPrevChild(false);
+}
+
+void AttributeTableView::edit(const QModelIndex& cell) {
+    m_table->scrollTo(cell);
+    m_table->setCurrentIndex(cell);
+    if (m_table->indexWidget(cell) == nullptr) {
+        m_table->edit(cell);
+    }
+    if (auto* field = qobject_cast<CommitField*>(m_table->indexWidget(cell))) {
+        field->editor()->setFocus(Qt::TabFocusReason);
+        field->selectAll();
+    }
+}
+
+void AttributeTableView::remove(int row) {
+    m_session.removeAttribute(m_path, QString::fromStdU16String(m_model.attributeName(row)));
+}
+
+void AttributeTableView::add() {
+    m_added = m_session.addAttribute(m_path);
+    editAdded();
+}
+
+void AttributeTableView::editAdded() {
+    const int last = m_model.rowCount() - 1;
+    if (!m_added.isEmpty() && last >= 0 && m_added == QString::fromStdU16String(m_model.attributeName(last))) {
+        m_added.clear();
+        edit(m_model.index(last, AttributeTableModel::name));
+    }
+}
+
+void AttributeTableView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    m_table->horizontalHeader()->resizeSection(AttributeTableModel::name, (width() - removalWidth) * 2 / 5);
+}
+
+void AttributeTableView::fitHeight() {
+    const int rows = std::clamp(m_model.rowCount(), 0, mostRowsAtOnce);
+    const int header = m_table->horizontalHeader()->sizeHint().height();
+    const int row = m_table->verticalHeader()->defaultSectionSize();
+    m_table->setFixedHeight(header + rows * row + 2 * m_table->frameWidth());
+    m_table->setVisible(rows != 0);
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "AttributeTableModel.h"
+#include "NodePath.h"
+
+#include <QTableView>
+
+#include <optional>
+
+class CommitField;
+class EditorSession;
+class QToolButton;
+
+/// The attributes of one element in a table, each name and value a field, with a button in each row that
+/// removes it and one below that adds another. Every change is one that the session makes.
+class AttributeTableView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `session` outlives the view.
+    explicit AttributeTableView(EditorSession& session, QWidget* parent = nullptr);
+
+    /// Shows the element `node` of the session's tree, which stands at `path`. To be called for every tree.
+    void setElement(const NodePath& path, NodeID node);
+
+    QTableView* table() const { return m_table; }
+    QToolButton* addButton() const { return m_add; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    class CellDelegate;
+
+    CommitField* makeField(const QModelIndex& cell, QWidget* parent);
+    bool commit(const QModelIndex& cell, const QString& draft);
+    bool moveOn(CommitField& field, bool isForward);
+    void edit(const QModelIndex& cell);
+    void remove(int row);
+    void add();
+    void editAdded();
+    void fitHeight();
+
+    EditorSession& m_session;
+    NodePath m_path;
+    AttributeTableModel m_model;
+    QTableView* m_table = nullptr;
+    QToolButton* m_add = nullptr;
+    QString m_added; ///< The name of an attribute that the next tree will have, to be edited at once.
+};

@@ -1,0 +1,178 @@
+#include "CommitField.h"
+
+#include <QApplication>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int longestEditable = 65'536;
+constexpr qsizetype longestShown = 1'000; ///< Of what cannot be edited.
+constexpr int fewestLines = 3;
+constexpr int mostLines = 12;
+
+bool isReturn(const QKeyEvent& key) { return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter; }
+
+} // namespace
+
+CommitField::CommitField(const QString& title, Axis axis, QWidget* parent) : QWidget(parent) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    if (axis == Axis::horizontal) {
+        m_line = new QLineEdit;
+        m_line->setPlaceholderText(title);
+        m_line->setMaxLength(longestEditable);
+    } else {
+        m_text = new QPlainTextEdit;
+        m_text->setPlaceholderText(title);
+        m_text->setTabChangesFocus(true);
+        m_text->setUndoRedoEnabled(true);
+        m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+        connect(m_text, &QPlainTextEdit::textChanged, this, &CommitField::fitHeight);
+    }
+    layout->addWidget(editor());
+    editor()->setAccessibleName(title);
+    editor()->installEventFilter(this);
+    setFocusProxy(editor());
+    showValue();
+}
+
+QWidget* CommitField::editor() const {
+    return m_line != nullptr ? static_cast<QWidget*>(m_line) : static_cast<QWidget*>(m_text);
+}
+
+bool CommitField::isFocused() const { return editor()->hasFocus(); }
+
+QString CommitField::draft() const { return m_line != nullptr ? m_line->text() : m_text->toPlainText(); }
+
+void CommitField::setDraft(const QString& draft) {
+    if (m_line != nullptr) {
+        m_line->setText(draft);
+    } else {
+        m_text->setPlainText(draft);
+    }
+}
+
+void CommitField::setValue(const QString& value) {
+    if (value == m_value) {
+        return;
+    }
+    m_value = value;
+    m_committed.reset();
+    if (!isFocused() || draft() == m_shown || draft() == value) {
+        showValue();
+    }
+}
+
+void CommitField::setFont(const QFont& font) {
+    editor()->setFont(font);
+    if (m_text != nullptr) {
+        fitHeight();
+    }
+}
+
+void CommitField::selectAll() {
+    if (m_line != nullptr) {
+        m_line->selectAll();
+    } else {
+        m_text->selectAll();
+    }
+}
+
+void CommitField::showValue() {
+    m_isTooLong = m_value.size() > longestEditable;
+    setDraft(m_isTooLong ? m_value.left(longestShown) + u'…' : m_value);
+    m_shown = draft();
+    const QString note =
+        m_isTooLong ? QStringLiteral("Es demasiado largo para editarlo aquí; se edita en el texto.") : QString();
+    editor()->setToolTip(note);
+    if (m_line != nullptr) {
+        m_line->setReadOnly(m_isTooLong);
+        m_line->setCursorPosition(isFocused() ? m_line->cursorPosition() : 0);
+    } else {
+        m_text->setReadOnly(m_isTooLong);
+        fitHeight();
+    }
+}
+
+void CommitField::commitIfChanged() {
+    if (draft() != m_shown && draft() != m_committed) {
+        commit();
+    }
+}
+
+void CommitField::discardDraft() {
+    m_committed.reset();
+    showValue();
+}
+
+void CommitField::commitFocused() {
+    const QWidget* const focused = QApplication::focusWidget();
+    if (auto* field = focused != nullptr ? qobject_cast<CommitField*>(focused->parentWidget()) : nullptr) {
+        field->commitIfChanged();
+    }
+}
+
+void CommitField::commit() {
+    if (m_isTooLong || !m_commit) {
+        return;
+    }
+    const QString now = draft();
+    if (m_commit(now == m_shown ? m_value : now)) {
+        m_committed = now;
+    } else {
+        discardDraft();
+    }
+}
+
+bool CommitField::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        return handleKey(*static_cast<QKeyEvent*>(event));
+    }
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (key.key() == Qt::Key_Escape || (isReturn(key) && m_text != nullptr)) {
+            event->accept();
+            return true;
+        }
+    }
+    if (event->type() == QEvent::FocusOut &&
+        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+        commitIfChanged();
+        if (!m_committed) {
+            showValue();
+        }
+        emit focusLost();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool CommitField::handleKey(const QKeyEvent& key) {
+    const bool isPlain = (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isReturn(key) && (m_line != nullptr ? isPlain : bool(key.modifiers() & Qt::ControlModifier))) {
+        commit();
+        emit submitted();
+        return true;
+    }
+    if (key.key() == Qt::Key_Escape) {
+        discardDraft();
+        emit cancelled();
+        return true;
+    }
+    return false;
+}
+
+void CommitField::fitHeight() {
+    if (m_text == nullptr) {
+        return;
+    }
+    const int lines = std::clamp(m_text->blockCount(), fewestLines, mostLines);
+    const double inner = lines * m_text->fontMetrics().lineSpacing() + 2 * m_text->document()->documentMargin();
+    m_text->setFixedHeight(static_cast<int>(std::ceil(inner)) + 2 * m_text->frameWidth());
+}

@@ -1,0 +1,187 @@
+#include "CommitField.h"
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A field on the screen beside another widget that can take the focus.
+struct Desk {
+    QWidget window;
+    CommitField* field;
+    QLineEdit* other;
+    QStringList commits;
+    bool isAccepted = true;
+
+    explicit Desk(CommitField::Axis axis = CommitField::Axis::horizontal, const QString& value = u"uno"_qs)
+        : field(new CommitField(QStringLiteral("Nombre"), axis)), other(new QLineEdit) {
+        auto* layout = new QVBoxLayout(&window);
+        layout->addWidget(field);
+        layout->addWidget(other);
+        field->setValue(value);
+        field->setCommit([this](const QString& draft) {
+            commits += draft;
+            return isAccepted;
+        });
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        field->setFocus();
+        EXPECT_TRUE(field->isFocused());
+        press(Qt::Key_End);
+    }
+
+    void type(const QString& text) const { QTest::keyClicks(field->editor(), text); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const {
+        QTest::keyClick(field->editor(), key, modifiers);
+    }
+};
+
+} // namespace
+
+TEST(CommitField, CommitsWithReturn) {
+    Desk desk;
+    desk.type(QStringLiteral("!"));
+    EXPECT_EQ(desk.commits, QStringList());
+    desk.press(Qt::Key_Return);
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("uno!")});
+    EXPECT_EQ(desk.field->value(), QStringLiteral("uno")) << "the value follows the document";
+}
+
+TEST(CommitField, CommitsAnUnchangedDraftWithReturnOnly) {
+    Desk desk;
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits, QStringList());
+    desk.field->setFocus();
+    desk.press(Qt::Key_Return);
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("uno")});
+}
+
+TEST(CommitField, CommitsAChangedDraftOnceWhenItLosesTheFocus) {
+    Desk desk;
+    desk.type(QStringLiteral("2"));
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("uno2")});
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("uno2")) << "until the document says otherwise";
+    desk.field->setFocus();
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits.size(), 1);
+}
+
+TEST(CommitField, CommitsADraftThatWasSubmittedNotAgain) {
+    Desk desk;
+    desk.type(QStringLiteral("2"));
+    desk.press(Qt::Key_Return);
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits.size(), 1);
+}
+
+TEST(CommitField, CommitsAnEmptyDraftOnce) {
+    Desk desk;
+    desk.field->selectAll();
+    desk.press(Qt::Key_Delete);
+    desk.press(Qt::Key_Return);
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits, QStringList{QString()});
+}
+
+TEST(CommitField, ShowsItsValueAgainWhenRefused) {
+    Desk desk;
+    desk.isAccepted = false;
+    desk.type(QStringLiteral(" x"));
+    desk.press(Qt::Key_Return);
+    EXPECT_EQ(desk.commits.size(), 1);
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("uno"));
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits.size(), 1);
+}
+
+TEST(CommitField, GivesTheDraftUpWithEscape) {
+    Desk desk;
+    desk.type(QStringLiteral("xyz"));
+    desk.press(Qt::Key_Escape);
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("uno"));
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits, QStringList());
+}
+
+TEST(CommitField, FollowsTheValueWhileNobodyWrites) {
+    Desk desk;
+    desk.field->setValue(QStringLiteral("dos"));
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("dos")) << "focused, but nothing was written";
+    desk.type(QStringLiteral("!"));
+    desk.field->setValue(QStringLiteral("tres"));
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("dos!"));
+    desk.other->setFocus();
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("dos!")});
+    desk.field->setValue(QStringLiteral("cuatro"));
+    EXPECT_EQ(desk.field->draft(), QStringLiteral("cuatro"));
+}
+
+TEST(CommitField, CommitsWhatIsWrittenBeforeACommandElsewhere) {
+    Desk desk;
+    desk.type(QStringLiteral("9"));
+    CommitField::commitFocused();
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("uno9")});
+    desk.other->setFocus();
+    CommitField::commitFocused();
+    EXPECT_EQ(desk.commits.size(), 1);
+}
+
+TEST(CommitField, TakesSeveralLinesWhenVertical) {
+    Desk desk(CommitField::Axis::vertical, QStringLiteral("a\nb"));
+    auto* const editor = qobject_cast<QPlainTextEdit*>(desk.field->editor());
+    ASSERT_NE(editor, nullptr);
+    const int height = editor->height();
+    editor->moveCursor(QTextCursor::End);
+    desk.press(Qt::Key_Return);
+    desk.type(QStringLiteral("c"));
+    for (int line = 0; line < 4; ++line) {
+        desk.press(Qt::Key_Return);
+    }
+    EXPECT_EQ(desk.commits, QStringList());
+    EXPECT_GT(editor->height(), height);
+    desk.press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(desk.commits, QStringList{QStringLiteral("a\nb\nc\n\n\n\n")});
+    QTest::keyClick(editor, Qt::Key_Tab);
+    EXPECT_TRUE(desk.other->hasFocus());
+}
+
+TEST(CommitField, KeepsLineBreaksItCannotShow) {
+    // A CR becomes a line break in the editor; that alone is no change.
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis, QStringLiteral("a\r\nb\rc"));
+        desk.other->setFocus();
+        EXPECT_EQ(desk.commits, QStringList());
+        desk.field->setFocus();
+        desk.press(Qt::Key_Return, axis == CommitField::Axis::vertical ? Qt::ControlModifier : Qt::NoModifier);
+        EXPECT_EQ(desk.commits, QStringList{QStringLiteral("a\r\nb\rc")});
+    }
+}
+
+TEST(CommitField, ShowsTheStartOfWhatIsTooLongToEdit) {
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis, QString(65'537, u'x'));
+        EXPECT_EQ(desk.field->draft(), QString(1000, u'x') + u'…');
+        EXPECT_FALSE(desk.field->editor()->toolTip().isEmpty());
+        desk.type(QStringLiteral("y"));
+        desk.press(Qt::Key_Return, Qt::ControlModifier);
+        desk.press(Qt::Key_Return);
+        desk.other->setFocus();
+        EXPECT_EQ(desk.commits, QStringList());
+        desk.field->setValue(QStringLiteral("corto"));
+        EXPECT_TRUE(desk.field->editor()->toolTip().isEmpty());
+        desk.field->setFocus();
+        desk.type(QStringLiteral("y"));
+        EXPECT_NE(desk.field->draft(), QStringLiteral("corto"));
+    }
+}
+
+TEST(CommitField, EditsTheLongestValueThatItShowsWhole) {
+    const QString longest(65'536, u'x');
+    Desk desk(CommitField::Axis::horizontal, longest);
+    EXPECT_EQ(desk.field->draft(), longest);
+}
