@@ -91,6 +91,7 @@ public:
     TextBuffer& buffer() { return m_buffer; }
     const TextBuffer& buffer() const { return m_buffer; }
     const QString& encodingName() const { return m_encodingName; }
+    void setEncodingName(const QString& encodingName) { m_encodingName = encodingName; }
     bool isEmptyDocument() const { return m_isEmptyDocument; }
 
     const DocumentTree& tree() const { return m_parsed->tree; }
@@ -238,7 +239,7 @@ private:
     void updateGallery();
 
     TextBuffer& m_buffer;
-    const QString m_encodingName;
+    QString m_encodingName;
     bool m_isStarted = false;
 
     Mode m_mode = Mode::visual;

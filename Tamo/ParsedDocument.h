@@ -15,6 +15,7 @@ struct ParsedDocument {
     LineIndex lines;
     IndentStyle indent;
     NodeErrors errorNodes;
+    std::uint64_t byteCount = 0;  ///< Of the text in UTF-8.
     std::int64_t generation = -1; ///< Of the text in its buffer; -1 for the text before any parse.
 
     /// A document to fill in, for the owner of the only reference.

@@ -3,6 +3,7 @@
 #include "ApplicationIdentifier.h"
 #include "Signposter.h"
 #include "TreeParser.h"
+#include "UTF16.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -57,6 +58,7 @@ struct ReparseScheduler::Job {
             document.lines = LineIndex(text);
             document.indent = IndentStyle::detect(text, linesThatTellTheIndent);
             document.errorNodes = NodeErrors(document.tree);
+            document.byteCount = UTF16::utf8Length(text.units());
         }
         if (!stop.stop_requested()) {
             result.outline =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,16 @@ constexpr char32_t scalarAt(const char16_t* at, const char16_t* end) {
 constexpr char32_t scalarBefore(const char16_t* begin, const char16_t* at) {
     const bool isPair = isLowSurrogate(at[-1]) && at - begin > 1 && isHighSurrogate(at[-2]);
     return isPair ? decode(at[-2], at[-1]) : at[-1];
+}
+
+/// How many bytes `units` are in UTF-8, a lone surrogate taking two.
+constexpr std::uint64_t utf8Length(std::u16string_view units) {
+    std::uint64_t length = units.size();
+    for (const char16_t unit : units) {
+        // Either half of a pair stands for two of its four bytes.
+        length += static_cast<std::uint64_t>(unit >= 0x80) + (unit >= 0x800 && !isSurrogate(unit));
+    }
+    return length;
 }
 
 /// Writes the units of `scalar` to `to` and answers where they end.

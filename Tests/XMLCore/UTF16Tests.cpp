@@ -52,3 +52,10 @@ TEST(UTF16, AppendsWhatItReads) {
         EXPECT_EQ(UTF16::scalarAt(text.data(), text.data() + text.size()), scalar);
     }
 }
+
+TEST(UTF16, TellsHowLongATextIsInUTF8) {
+    EXPECT_EQ(UTF16::utf8Length(u""), 0U);
+    EXPECT_EQ(UTF16::utf8Length(u"a\u007F\u0080\u07FF\u0800\uFFFF"), 1U + 1 + 2 + 2 + 3 + 3);
+    EXPECT_EQ(UTF16::utf8Length(u"\U0001F600"), 4U);
+    EXPECT_EQ(UTF16::utf8Length(u"\xD800" u"a"), 3U);
+}

@@ -1,0 +1,152 @@
+#include "BreadcrumbBar.h"
+
+#include "EditorSession.h"
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "SystemFont.h"
+#include "TagPalette.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QToolButton>
+#include <QWheelEvent>
+
+namespace {
+
+constexpr int barHeight = 32;
+constexpr int separatorSize = 10;
+constexpr int longestTitle = 40; ///< Characters.
+
+/// A symbol in the tertiary style between two crumbs.
+class Separator : public QWidget {
+public:
+    Separator() { setFixedWidth(separatorSize); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        QRectF box(0, 0, separatorSize, separatorSize);
+        box.moveCenter(QRectF(rect()).center());
+        Symbol::draw(painter, box, u"chevron.compact.right", color(SystemColor::tertiaryLabel, palette()));
+    }
+};
+
+QLabel* makeLabel(const QString& text, const QPalette& palette) {
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(SystemFont::callout());
+    QPalette inked = palette;
+    inked.setColor(QPalette::WindowText, color(SystemColor::tertiaryLabel, palette));
+    label->setPalette(inked);
+    return label;
+}
+
+QString shortened(const QString& title) {
+    return title.size() <= longestTitle ? title : title.left(longestTitle - 1) + u'…';
+}
+
+} // namespace
+
+BreadcrumbBar::BreadcrumbBar(EditorSession& session, QWidget* parent)
+    : QWidget(parent), m_session(session), m_scroll(new QScrollArea) {
+    setFixedHeight(barHeight);
+    setAccessibleName(QStringLiteral("Ruta del nodo"));
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    m_scroll->viewport()->setAutoFillBackground(false);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_scroll);
+    connect(&session, &EditorSession::selectionChanged, this, &BreadcrumbBar::showSelection);
+    connect(&session, &EditorSession::treeChanged, this, &BreadcrumbBar::showSelection);
+    showSelection();
+}
+
+std::vector<Crumb> BreadcrumbBar::crumbsOfSelection() const {
+    std::vector<Crumb> crumbs;
+    for (Breadcrumb& step : m_session.breadcrumbs()) {
+        const QColor ink = step.kind == TreeNode::Kind::element ? TagPalette::tagColor(step.title, palette())
+                                                                : color(SystemColor::secondaryLabel, palette());
+        crumbs.push_back({std::move(step.path), std::move(step.title), ink, step.isAfterGap});
+    }
+    return crumbs;
+}
+
+void BreadcrumbBar::showSelection() {
+    if (std::vector<Crumb> crumbs = crumbsOfSelection(); !m_isBuilt || crumbs != m_crumbs) {
+        m_crumbs = std::move(crumbs);
+        m_isBuilt = true;
+        rebuild();
+    }
+}
+
+void BreadcrumbBar::rebuild() {
+    m_row = new QWidget;
+    m_row->setAutoFillBackground(false);
+    m_layout = new QHBoxLayout(m_row);
+    m_layout->setContentsMargins(12, 0, 12, 0);
+    m_layout->setSpacing(2);
+    if (m_crumbs.empty()) {
+        m_layout->addWidget(makeLabel(QStringLiteral("Sin selección"), palette()));
+    }
+    for (const Crumb& crumb : m_crumbs) {
+        if (&crumb != &m_crumbs.front()) {
+            m_layout->addWidget(new Separator);
+        }
+        if (crumb.isAfterGap) {
+            m_layout->addWidget(makeLabel(QStringLiteral("…"), palette()));
+            m_layout->addWidget(new Separator);
+        }
+        auto* button = new QToolButton;
+        button->setAutoRaise(true);
+        button->setFont(SystemFont::callout());
+        button->setText(shortened(crumb.title).replace(u'&', QStringLiteral("&&")));
+        button->setAccessibleName(crumb.title);
+        button->setFocusPolicy(Qt::TabFocus);
+        QPalette inked = palette();
+        inked.setColor(QPalette::ButtonText, crumb.color);
+        button->setPalette(inked);
+        // The bar is rebuilt by what this does.
+        connect(button, &QToolButton::clicked, this, [this, path = crumb.path] { m_session.select(path); },
+                Qt::QueuedConnection);
+        m_layout->addWidget(button);
+    }
+    m_layout->addStretch();
+    m_row->installEventFilter(this);
+    m_scroll->setWidget(m_row);
+    showEnd();
+}
+
+void BreadcrumbBar::showEnd() {
+    QScrollBar& bar = *m_scroll->horizontalScrollBar();
+    bar.setValue(bar.maximum());
+}
+
+bool BreadcrumbBar::eventFilter(QObject* watched, QEvent* event) {
+    // The row gets its width after it was filled.
+    if (watched == m_row && event->type() == QEvent::Resize) {
+        QMetaObject::invokeMethod(this, &BreadcrumbBar::showEnd, Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void BreadcrumbBar::wheelEvent(QWheelEvent* event) {
+    const QPoint delta = event->angleDelta();
+    QScrollBar& bar = *m_scroll->horizontalScrollBar();
+    bar.setValue(bar.value() - (delta.x() != 0 ? delta.x() : delta.y()));
+    event->accept();
+}
+
+void BreadcrumbBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        showSelection();
+    }
+}

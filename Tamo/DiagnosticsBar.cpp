@@ -1,0 +1,218 @@
+#include "DiagnosticsBar.h"
+
+#include "EditorSession.h"
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "SystemFont.h"
+#include "TextNavigation.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QMenu>
+#include <QPainter>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int barHeight = 32;
+constexpr int symbolSize = 14;
+constexpr std::size_t mostProblems = 100; ///< In the menu.
+constexpr qsizetype longestEntry = 120;   ///< Units of a message in it.
+
+QString digits(std::size_t number) { return QString::number(number); }
+
+/// Text from a document as an entry of a menu: on one line, of a bounded length, without what a menu reads
+/// into it.
+QString entry(const std::u16string& text) {
+    QString shown = QString::fromStdU16String(text.substr(0, static_cast<std::size_t>(longestEntry)));
+    for (QChar& unit : shown) {
+        if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
+            unit == QChar::ParagraphSeparator) {
+            unit = u' ';
+        }
+    }
+    if (text.size() > static_cast<std::size_t>(longestEntry)) {
+        shown += u'…';
+    }
+    return shown.replace(u'&', QStringLiteral("&&"));
+}
+
+/// A symbol in a system colour, asked for whenever it is painted.
+class SymbolView : public QWidget {
+public:
+    SymbolView(const QString& name, SystemColor ink) : m_name(name), m_ink(ink) {
+        setFixedSize(symbolSize, symbolSize);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        Symbol::draw(painter, QRectF(rect()), m_name, color(m_ink, palette()));
+    }
+
+private:
+    const QString m_name;
+    const SystemColor m_ink;
+};
+
+QLabel* makeLabel(const QString& name = {}) {
+    auto* label = new QLabel;
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(SystemFont::withMonospacedDigits(SystemFont::callout()));
+    label->setObjectName(name);
+    return label;
+}
+
+QLabel* makeFact(const QString& name) {
+    QLabel* const label = makeLabel(name);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+} // namespace
+
+/// The button with the numbers of errors and warnings.
+class DiagnosticsBar::Counts : public QToolButton {
+public:
+    Counts() : m_errors(makeLabel(QStringLiteral("errors"))), m_warnings(makeLabel(QStringLiteral("warnings"))) {
+        setAutoRaise(true);
+        setPopupMode(QToolButton::InstantPopup);
+        setFocusPolicy(Qt::TabFocus);
+        auto* layout = new QHBoxLayout(this);
+        layout->setContentsMargins(8, 0, 8, 0);
+        layout->setSpacing(4);
+        layout->addWidget(
+            new SymbolView(QStringLiteral("exclamationmark.circle.fill"), SystemColor::systemRed));
+        layout->addWidget(m_errors);
+        layout->addSpacing(6);
+        layout->addWidget(
+            new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), SystemColor::systemOrange));
+        layout->addWidget(m_warnings);
+        for (QLabel* label : {m_errors, m_warnings}) {
+            label->setAttribute(Qt::WA_TransparentForMouseEvents);
+        }
+    }
+
+    void show(std::size_t errors, std::size_t warnings) {
+        m_errors->setText(digits(errors));
+        m_warnings->setText(digits(warnings));
+        setAccessibleName(QStringLiteral("%1 errores, %2 advertencias").arg(errors).arg(warnings));
+        setToolTip(accessibleName());
+        updateGeometry();
+    }
+
+    QSize sizeHint() const override { return {layout()->sizeHint().width(), barHeight - 8}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        // The button alone: its numbers are children, and that it has a menu goes without saying.
+        QStyleOptionToolButton option;
+        initStyleOption(&option);
+        option.features = QStyleOptionToolButton::None;
+        QStylePainter(this).drawComplexControl(QStyle::CC_ToolButton, option);
+    }
+
+private:
+    QLabel* m_errors;
+    QLabel* m_warnings;
+};
+
+DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
+    : QWidget(parent), m_session(session), m_noErrors(new QWidget), m_counts(new Counts),
+      m_menu(new QMenu(this)), m_next(new QToolButton), m_lineEnding(makeFact(QStringLiteral("lineEnding"))),
+      m_encoding(makeFact(QStringLiteral("encoding"))), m_size(makeFact(QStringLiteral("size"))) {
+    setFixedHeight(barHeight);
+    auto* status = new QHBoxLayout(m_noErrors);
+    status->setContentsMargins(8, 0, 8, 0);
+    status->setSpacing(6);
+    status->addWidget(new SymbolView(QStringLiteral("checkmark.circle.fill"), SystemColor::systemGreen));
+    QLabel* const noErrors = makeLabel(QStringLiteral("noErrors"));
+    noErrors->setText(QStringLiteral("Sin errores"));
+    status->addWidget(noErrors);
+
+    m_menu->setAccessibleName(QStringLiteral("Problemas"));
+    m_counts->setMenu(m_menu);
+    connect(m_menu, &QMenu::aboutToShow, this, &DiagnosticsBar::fillMenu);
+    m_next->setText(QStringLiteral("Ir al problema"));
+    m_next->setFont(SystemFont::callout());
+    m_next->setAutoRaise(true);
+    m_next->setFocusPolicy(Qt::TabFocus);
+    connect(m_next, &QToolButton::clicked, &session, &EditorSession::nextProblem);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 0, 16, 0);
+    layout->setSpacing(8);
+    layout->addWidget(m_noErrors);
+    layout->addWidget(m_counts);
+    layout->addWidget(m_next);
+    layout->addStretch();
+    layout->setSpacing(16);
+    for (QLabel* fact : {m_lineEnding, m_encoding, m_size}) {
+        layout->addWidget(fact);
+    }
+    connect(&session, &EditorSession::treeChanged, this, &DiagnosticsBar::showTree);
+    showTree();
+}
+
+void DiagnosticsBar::showTree() {
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    const std::size_t errors = diagnostics.errorCount();
+    m_noErrors->setVisible(diagnostics.empty());
+    m_counts->setVisible(!diagnostics.empty());
+    m_next->setVisible(!diagnostics.empty());
+    m_counts->show(errors, diagnostics.size() - errors);
+    showFacts();
+}
+
+void DiagnosticsBar::showFacts() {
+    const bool usesCRLF = TextNavigation::lineEnding(m_session.buffer().text()) == u"\r\n";
+    m_lineEnding->setText(usesCRLF ? QStringLiteral("CRLF") : QStringLiteral("LF"));
+    m_encoding->setText(m_session.encodingName());
+    const auto bytes = static_cast<qint64>(m_session.parsed()->byteCount);
+    m_size->setText(QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat));
+}
+
+void DiagnosticsBar::fillMenu() {
+    m_menu->clear();
+    const DiagnosticList& diagnostics = m_session.tree().diagnostics;
+    const std::size_t shown = std::min(diagnostics.size(), mostProblems);
+    for (std::size_t index = 0; index < shown; ++index) {
+        addProblem(index);
+    }
+    if (shown < diagnostics.size()) {
+        m_menu->addAction(QStringLiteral("y %1 más…").arg(diagnostics.size() - shown))->setEnabled(false);
+    }
+    m_menu->addSeparator();
+    m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
+}
+
+void DiagnosticsBar::addProblem(std::size_t index) {
+    const Diagnostic diagnostic = m_session.tree().diagnostics[index];
+    const std::size_t line = m_session.lines().line(diagnostic.range.lower) + 1;
+    const bool isError = diagnostic.severity == Diagnostic::Severity::error;
+    QAction* const problem = m_menu->addAction(
+        Symbol::icon(isError ? u"exclamationmark.circle.fill" : u"exclamationmark.triangle.fill",
+                     isError ? SystemColor::systemRed : SystemColor::systemOrange),
+        QStringLiteral("Línea %1: ").arg(line) + entry(diagnostic.message));
+    // While the menu is open another tree may come.
+    connect(problem, &QAction::triggered, this, [this, range = diagnostic.range, of = m_session.treeGeneration()] {
+        if (m_session.treeGeneration() == of) {
+            m_session.reveal(range);
+        }
+    });
+    if (diagnostic.fix) {
+        QAction* const fix = m_menu->addAction(QStringLiteral("    ") + entry(diagnostic.fix->title));
+        connect(fix, &QAction::triggered, this, [this, index, of = m_session.treeGeneration()] {
+            if (m_session.treeGeneration() == of) {
+                m_session.applyFix(index);
+            }
+        });
+    }
+}

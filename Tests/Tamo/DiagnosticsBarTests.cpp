@@ -1,0 +1,142 @@
+#include "DiagnosticsBar.h"
+
+#include "ParsedDesk.h"
+
+#include <QLabel>
+#include <QMenu>
+#include <QToolButton>
+
+namespace {
+
+struct Desk : ParsedDesk {
+    DiagnosticsBar bar{session};
+
+    explicit Desk(std::u16string_view text) : ParsedDesk(text) {
+        session.setMode(EditorSession::Mode::split);
+        bar.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&bar));
+    }
+
+    /// The text of a label that shows, nothing of one that does not.
+    QString shown(const char* name) const {
+        const auto* label = bar.findChild<QLabel*>(QLatin1String(name));
+        return label != nullptr && label->isVisible() ? label->text() : QString();
+    }
+    QList<QAction*> entries() const {
+        bar.problemsMenu()->popup(QPoint(0, 0));
+        bar.problemsMenu()->hide();
+        QList<QAction*> entries;
+        for (QAction* action : bar.problemsMenu()->actions()) {
+            if (!action->isSeparator()) {
+                entries += action;
+            }
+        }
+        return entries;
+    }
+    QToolButton* next() const {
+        for (QToolButton* button : bar.findChildren<QToolButton*>()) {
+            if (button->text() == QStringLiteral("Ir al problema")) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+};
+
+} // namespace
+
+TEST(DiagnosticsBar, SaysThatThereAreNoProblems) {
+    Desk desk(u"<a/>");
+    EXPECT_EQ(desk.shown("noErrors"), QStringLiteral("Sin errores"));
+    EXPECT_EQ(desk.shown("errors"), QString());
+    ASSERT_NE(desk.next(), nullptr);
+    EXPECT_FALSE(desk.next()->isVisible());
+}
+
+TEST(DiagnosticsBar, CountsErrorsAndWarnings) {
+    Desk desk(u"<a b='1' b='2'><c></a>");
+    EXPECT_EQ(desk.shown("noErrors"), QString());
+    const std::size_t errors = desk.session.tree().diagnostics.errorCount();
+    EXPECT_EQ(desk.shown("errors"), QString::number(errors));
+    EXPECT_EQ(desk.shown("warnings"), QString::number(desk.session.tree().diagnostics.size() - errors));
+    Desk warned(u"<?xml version='1.0'?>");
+    ASSERT_EQ(warned.session.tree().diagnostics.errorCount(), 0U);
+    ASSERT_EQ(warned.session.tree().diagnostics.size(), 1U);
+    EXPECT_EQ(warned.shown("errors"), QStringLiteral("0"));
+    EXPECT_EQ(warned.shown("warnings"), QStringLiteral("1"));
+}
+
+TEST(DiagnosticsBar, ListsTheProblemsWithTheirFixes) {
+    Desk desk(u"<a>\n<b>\n</a>");
+    const DiagnosticList& diagnostics = desk.session.tree().diagnostics;
+    ASSERT_EQ(diagnostics.size(), 1U);
+    ASSERT_TRUE(diagnostics[0].fix);
+    const auto entries = desk.entries();
+    ASSERT_EQ(entries.size(), 3);
+    EXPECT_EQ(entries[0]->text(), QStringLiteral("Línea 2: ") + QString::fromStdU16String(diagnostics[0].message));
+    EXPECT_EQ(entries[1]->text().trimmed(), QString::fromStdU16String(diagnostics[0].fix->title));
+    EXPECT_EQ(entries[2]->text(), QStringLiteral("Corregir todo"));
+    entries[0]->trigger();
+    ASSERT_TRUE(desk.session.revealRequest());
+    EXPECT_EQ(desk.session.revealRequest()->range, diagnostics.range(0));
+    const QString title = QString::fromStdU16String(diagnostics[0].fix->title);
+    entries[1]->trigger();
+    EXPECT_EQ(desk.undo.undoActionName(), title);
+    desk.waitForTree();
+    EXPECT_TRUE(desk.session.tree().diagnostics.empty());
+}
+
+TEST(DiagnosticsBar, FixesAllInOneStep) {
+    Desk desk(u"<a>\n<b>\n<c>\n</a>");
+    const QString before = desk.text();
+    const auto entries = desk.entries();
+    ASSERT_FALSE(entries.isEmpty());
+    entries.back()->trigger();
+    desk.waitForTree();
+    EXPECT_TRUE(desk.session.tree().diagnostics.empty());
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Corregir todo"));
+    desk.undo.undo();
+    EXPECT_EQ(desk.text(), before);
+}
+
+TEST(DiagnosticsBar, GoesToTheNextProblemAndAround) {
+    Desk desk(u"<a>\n<b>\n<c>\n</a>");
+    const DiagnosticList& diagnostics = desk.session.tree().diagnostics;
+    ASSERT_EQ(diagnostics.size(), 2U);
+    for (const std::size_t expected : {0U, 1U, 0U}) {
+        desk.next()->click();
+        ASSERT_TRUE(desk.session.revealRequest());
+        EXPECT_EQ(desk.session.revealRequest()->range, diagnostics.range(expected));
+        desk.session.setTextSelection(desk.session.revealRequest()->range);
+    }
+}
+
+TEST(DiagnosticsBar, BoundsAMenuOfManyProblems) {
+    std::u16string text = u"<r>";
+    for (int at = 0; at < 5'000; ++at) {
+        text += u"&";
+    }
+    Desk desk(text);
+    const auto entries = desk.entries();
+    EXPECT_LT(entries.size(), 300);
+    const auto isMore = [](const QAction* entry) { return entry->text().startsWith(QStringLiteral("y ")); };
+    EXPECT_EQ(std::ranges::count_if(entries, isMore), 1);
+}
+
+TEST(DiagnosticsBar, ShowsTextFromTheDocumentPlainly) {
+    Desk desk(u"<a><b\tx&y='1'></a>");
+    for (const QAction* entry : desk.entries()) {
+        EXPECT_EQ(entry->text().count(u'\t'), 0);
+        EXPECT_EQ(QString(entry->text()).remove(QStringLiteral("&&")).count(u'&'), 0);
+    }
+}
+
+TEST(DiagnosticsBar, StatesFactsAboutTheFile) {
+    Desk desk(u"<a>\n</a>");
+    EXPECT_EQ(desk.shown("lineEnding"), QStringLiteral("LF"));
+    EXPECT_EQ(desk.shown("encoding"), QStringLiteral("Unicode (UTF-8)"));
+    EXPECT_EQ(desk.shown("size"), QLocale().formattedDataSize(8, 1, QLocale::DataSizeSIFormat));
+    Desk windows(u"<á>\r\n</á>");
+    EXPECT_EQ(windows.shown("lineEnding"), QStringLiteral("CRLF"));
+    EXPECT_EQ(windows.shown("size"), QLocale().formattedDataSize(11, 1, QLocale::DataSizeSIFormat));
+}
