@@ -1,10 +1,10 @@
 #include "CodeEditorCoordinator.h"
 
 #include "DiagnosticFinder.h"
-#include "DiagnosticsModel.h"
 #include "PairedTagRename.h"
 #include "PatientWait.h"
 #include "SyntaxHighlighter.h"
+#include "SystemColor.h"
 #include "TagMatcher.h"
 #include "UnitScan.h"
 
@@ -333,7 +333,9 @@ std::vector<TextView::Underline> CodeEditorCoordinator::underlines(SourceRange v
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     std::vector<TextView::Underline> underlines;
     for (const auto& found : DiagnosticFinder(diagnostics, m_session.editsSinceParse()).touching(visible)) {
-        underlines.push_back({found.range, DiagnosticsModel::color(diagnostics.severity(found.index))});
+        const bool isError = diagnostics.severity(found.index) == Diagnostic::Severity::error;
+        const SystemColor ink = isError ? SystemColor::systemRed : SystemColor::systemOrange;
+        underlines.push_back({found.range, color(ink, m_textView->palette())});
     }
     return underlines;
 }

@@ -1,5 +1,7 @@
 #include "CodeEditorView.h"
 
+#include "FindBar.h"
+#include "GoToLineBar.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 
@@ -9,11 +11,16 @@
 
 CodeEditorView::CodeEditorView(EditorSession& session, QWidget* parent)
     : QWidget(parent), m_coordinator(session), m_textView(new TextView),
-      m_ruler(new LineNumberRuler(*m_textView)) {
+      m_ruler(new LineNumberRuler(*m_textView)), m_findClient(session.buffer().history(), *m_textView),
+      m_findBar(new FindBar(m_findClient)), m_goToLineBar(new GoToLineBar(m_findClient)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
-    layout->addWidget(m_textView);
+    layout->addWidget(m_findBar);
+    layout->addWidget(m_goToLineBar);
+    layout->addWidget(m_textView, 1);
+    m_findBar->hide();
+    m_goToLineBar->hide();
     setFocusProxy(m_textView);
 
     m_textView->setAccessibleName(QStringLiteral("Texto"));
@@ -33,6 +40,11 @@ CodeEditorView::CodeEditorView(EditorSession& session, QWidget* parent)
 CodeEditorView::~CodeEditorView() {
     // The text view and the buffer part while both are there.
     m_coordinator.disconnectViews();
+}
+
+void CodeEditorView::select(SourceRange range) {
+    m_textView->select(range);
+    m_textView->scrollToVisible(range);
 }
 
 void CodeEditorView::changeEvent(QEvent* event) {

@@ -1,8 +1,12 @@
 #pragma once
 
 #include "CodeEditorCoordinator.h"
+#include "TextViewFindClient.h"
 
 #include <QWidget>
+
+class FindBar;
+class GoToLineBar;
 
 /// The source pane of a window: the text of a session in a monospaced text view that never wraps, with the
 /// numbers of its lines, typing aids, colours and the problems of the last parse.
@@ -18,6 +22,11 @@ public:
     CodeEditorCoordinator& coordinator() { return m_coordinator; }
     TextView& textView() { return *m_textView; }
     LineNumberRuler& ruler() { return *m_ruler; }
+    FindBar& findBar() { return *m_findBar; }
+    GoToLineBar& goToLineBar() { return *m_goToLineBar; }
+
+    /// Selects `range` and scrolls it into view.
+    void select(SourceRange range);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -29,4 +38,7 @@ private:
     // Children of this widget.
     TextView* m_textView;
     LineNumberRuler* m_ruler;
+    TextViewFindClient m_findClient;
+    FindBar* m_findBar;
+    GoToLineBar* m_goToLineBar;
 };

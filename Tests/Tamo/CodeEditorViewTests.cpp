@@ -1,7 +1,6 @@
 #include "CodeEditorView.h"
 
 #include "CompletionPopup.h"
-#include "DiagnosticsModel.h"
 #include "EditorDesk.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -157,9 +156,10 @@ TEST(CodeEditorView, FollowsTheAppearance) {
 }
 
 TEST(CodeEditorView, UnderlinesProblems) {
-    EditorDesk desk(u"<a>\n&|\n</a>");
-    const QColor error = DiagnosticsModel::color(Diagnostic::Severity::error);
-    EXPECT_TRUE(shows(*desk.view().viewport(), error) || shows(*desk.view().viewport(), error.darker()));
+    EditorDesk desk(u"<a>\n<b>\n</a>|");
+    EXPECT_TRUE(shows(*desk.view().viewport(), color(SystemColor::systemRed, desk.editor.palette())));
+    EditorDesk sound(u"<a>\n<b/>\n</a>|");
+    EXPECT_FALSE(shows(*sound.view().viewport(), color(SystemColor::systemRed, sound.editor.palette())));
 }
 
 TEST(CodeEditorView, TellsAProblemOverItsLineNumberAndOverTheText) {
