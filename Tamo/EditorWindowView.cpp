@@ -1,0 +1,333 @@
+#include "EditorWindowView.h"
+
+#include "BreadcrumbBar.h"
+#include "CodeEditorView.h"
+#include "CommitField.h"
+#include "DiagnosticsBar.h"
+#include "FindBar.h"
+#include "GoToLineBar.h"
+#include "NamePromptDialog.h"
+#include "NodeInspectorView.h"
+#include "SegmentedControl.h"
+#include "Symbol.h"
+#include "SystemColor.h"
+#include "TemplateGalleryView.h"
+#include "TreeEditorView.h"
+#include "UndoManager.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace {
+
+using Mode = EditorSession::Mode;
+
+constexpr int inspectorWidth = 320;
+constexpr int narrowestInspector = 240;
+constexpr int narrowestPane = 200;
+
+struct Segment {
+    QString title;
+    QString symbol;
+};
+
+/// In the order of the modes.
+std::array<Segment, 3> segments() {
+    return {Segment{QStringLiteral("Texto"), QStringLiteral("doc.plaintext")},
+            Segment{QStringLiteral("Visual"), QStringLiteral("list.bullet.indent")},
+            Segment{QStringLiteral("Dividido"), QStringLiteral("rectangle.split.2x1")}};
+}
+
+/// A line between bars and panes.
+QFrame* makeSeparator() {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Plain);
+    line->setFixedHeight(1);
+    line->setForegroundRole(QPalette::Mid);
+    return line;
+}
+
+QSplitter* makeSplitter() {
+    auto* splitter = new QSplitter(Qt::Horizontal);
+    splitter->setHandleWidth(1);
+    splitter->setChildrenCollapsible(false);
+    return splitter;
+}
+
+} // namespace
+
+EditorWindowView::EditorWindowView(EditorSession& session, UndoManager& undoManager, QWidget* parent)
+    : QWidget(parent), m_session(session), m_undoManager(undoManager) {
+    buildPanes();
+    buildToolBar();
+    connectFindCommands();
+    m_pages = new QStackedWidget;
+    m_gallery = new TemplateGalleryView(session);
+    m_pages->addWidget(m_editor);
+    m_pages->addWidget(m_gallery);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toolBar);
+    layout->addWidget(m_pages, 1);
+
+    connect(m_gallery, &TemplateGalleryView::textRequested, this, &EditorWindowView::beginText);
+    connect(&session, &EditorSession::modeChanged, this, &EditorWindowView::showMode);
+    connect(&session, &EditorSession::treeChanged, this, &EditorWindowView::showStatus);
+    connect(&session, &EditorSession::showsGalleryChanged, this, &EditorWindowView::showGallery);
+    connect(&session, &EditorSession::namePromptChanged, this, &EditorWindowView::showNamePrompt);
+    connect(&session, &EditorSession::errorMessageChanged, this, &EditorWindowView::showError);
+    connect(&session, &EditorSession::isBusyChanged, this, &EditorWindowView::showBusy);
+    showMode();
+    showStatus();
+    showGallery();
+}
+
+EditorWindowView* EditorWindowView::focused() {
+    const QWidget* const window = QApplication::activeWindow();
+    return window == nullptr ? nullptr : window->findChild<EditorWindowView*>();
+}
+
+// What it is made of
+
+void EditorWindowView::buildPanes() {
+    m_source = new CodeEditorView(m_session);
+    m_tree = new TreeEditorView(m_session);
+    m_inspector = new NodeInspectorView(m_session);
+    m_source->setMinimumWidth(narrowestPane);
+    m_tree->setMinimumWidth(narrowestPane);
+    m_inspector->setMinimumWidth(narrowestInspector);
+    m_panes = makeSplitter();
+    m_panes->addWidget(m_source);
+    m_panes->addWidget(m_tree);
+    // Equal halves to begin with.
+    m_panes->setSizes({10'000, 10'000});
+
+    auto* columns = makeSplitter();
+    columns->addWidget(m_panes);
+    columns->addWidget(m_inspector);
+    columns->setStretchFactor(0, 1);
+    columns->setStretchFactor(1, 0);
+    columns->setSizes({10'000, inspectorWidth});
+
+    m_editor = new QWidget;
+    auto* rows = new QVBoxLayout(m_editor);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(new BreadcrumbBar(m_session));
+    rows->addWidget(makeSeparator());
+    rows->addWidget(columns, 1);
+    rows->addWidget(makeSeparator());
+    rows->addWidget(new DiagnosticsBar(m_session));
+}
+
+void EditorWindowView::buildToolBar() {
+    m_toolBar = new QToolBar(QStringLiteral("Barra de herramientas"));
+    m_toolBar->setMovable(false);
+    m_toolBar->setContextMenuPolicy(Qt::PreventContextMenu);
+
+    m_modes = new SegmentedControl;
+    m_modes->setAccessibleName(QStringLiteral("Modo"));
+    for (const Segment& segment : segments()) {
+        m_modes->addSegment(segment.title, segment.symbol);
+    }
+    connect(m_modes, &SegmentedControl::chosen, &m_session,
+            [this](int mode) { m_session.setMode(static_cast<Mode>(mode)); });
+    m_toolBar->addWidget(m_modes);
+
+    QAction* const format = m_toolBar->addAction(Symbol::icon(u"text.alignleft"), QStringLiteral("Formatear"));
+    format->setToolTip(QStringLiteral("Formatear documento (%1)")
+                           .arg(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F).toString(QKeySequence::NativeText)));
+    connect(format, &QAction::triggered, this, [this] {
+        CommitField::commitFocused();
+        m_session.format();
+    });
+
+    auto* space = new QWidget;
+    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    m_toolBar->addWidget(space);
+    m_status = new QToolButton;
+    m_status->setAutoRaise(true);
+    m_status->setFocusPolicy(Qt::NoFocus);
+    m_status->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_status->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    m_toolBar->addWidget(m_status);
+    m_inspectorAction = m_toolBar->addAction(Symbol::icon(u"sidebar.trailing"), QStringLiteral("Inspector"));
+    m_inspectorAction->setCheckable(true);
+    m_inspectorAction->setChecked(m_showInspector);
+    connect(m_inspectorAction, &QAction::toggled, this, &EditorWindowView::setShowInspector);
+    for (QToolButton* button : m_toolBar->findChildren<QToolButton*>()) {
+        if (button != m_status) {
+            button->setFocusPolicy(Qt::TabFocus);
+        }
+    }
+}
+
+QList<QAction*> EditorWindowView::findCommands() const {
+    return m_source->findBar().commands() + m_source->goToLineBar().commands();
+}
+
+void EditorWindowView::connectFindCommands() {
+    for (QAction* const command : findCommands()) {
+        connect(command, &QAction::triggered, this, [this, command] {
+            if (m_session.mode() == Mode::visual) {
+                m_session.setMode(Mode::split);
+                // The bar could not take the keyboard while it was out of sight.
+                command->trigger();
+            }
+        });
+    }
+}
+
+// What it shows
+
+void EditorWindowView::setShowInspector(bool showInspector) {
+    m_showInspector = showInspector;
+    m_inspector->setVisible(showInspector);
+    m_inspectorAction->setChecked(showInspector);
+}
+
+void EditorWindowView::showMode() {
+    const Mode mode = m_session.mode();
+    const bool hadFocus = m_editor->isAncestorOf(QApplication::focusWidget());
+    m_source->setVisible(mode != Mode::visual);
+    m_tree->setVisible(mode != Mode::text);
+    m_modes->setCurrent(static_cast<int>(mode));
+    if (hadFocus && !m_editor->isAncestorOf(QApplication::focusWidget())) {
+        focusPane();
+    }
+}
+
+void EditorWindowView::focusPane() {
+    QWidget* const pane = m_session.mode() == Mode::visual ? static_cast<QWidget*>(m_tree) : m_source;
+    pane->setFocus(Qt::OtherFocusReason);
+}
+
+void EditorWindowView::showStatus() {
+    const std::size_t errors = m_session.tree().diagnostics.errorCount();
+    if (errors == 0) {
+        m_status->setIcon(Symbol::icon(u"checkmark.seal.fill", SystemColor::systemGreen));
+        m_status->setText({});
+        m_status->setToolTip(QStringLiteral("El documento está bien formado"));
+    } else {
+        m_status->setIcon(Symbol::icon(u"xmark.seal.fill", SystemColor::systemRed));
+        m_status->setText(QStringLiteral("%1 errores").arg(errors));
+        m_status->setToolTip(QStringLiteral("El documento tiene errores"));
+    }
+    m_status->setToolButtonStyle(errors == 0 ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+    m_status->setAccessibleName(m_status->toolTip());
+}
+
+void EditorWindowView::showGallery() {
+    const bool shows = m_session.showsGallery();
+    QWidget* const page = shows ? static_cast<QWidget*>(m_gallery) : m_editor;
+    if (m_pages->currentWidget() != page) {
+        m_pages->setCurrentWidget(page);
+        if (shows) {
+            m_gallery->setFocus();
+        } else {
+            focusPane();
+        }
+    }
+}
+
+void EditorWindowView::showNamePrompt() {
+    const auto& prompt = m_session.namePrompt();
+    if (!prompt) {
+        if (m_prompt != nullptr) {
+            m_prompt->reject();
+        }
+        return;
+    }
+    delete m_prompt;
+    const bool wraps = prompt->kind == EditorSession::NamePrompt::Kind::wrap;
+    m_prompt = new NamePromptDialog(wraps ? QStringLiteral("Envolver en") : QString(), this);
+    m_prompt->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_prompt, &QDialog::accepted, this, [this, dialog = m_prompt.get()] {
+        m_prompt.clear();
+        m_session.completeNamePrompt(dialog->name());
+    });
+    connect(m_prompt, &QDialog::rejected, this, [this] {
+        m_prompt.clear();
+        m_session.setNamePrompt(std::nullopt);
+    });
+    m_prompt->open();
+}
+
+void EditorWindowView::showError() {
+    const auto& message = m_session.errorMessage();
+    if (!message) {
+        return;
+    }
+    delete m_alert;
+    m_alert = new QMessageBox(QMessageBox::Warning, QStringLiteral("No se pudo editar"),
+                              QStringLiteral("No se pudo editar"), QMessageBox::NoButton, this);
+    m_alert->setTextFormat(Qt::PlainText);
+    m_alert->setInformativeText(*message);
+    m_alert->addButton(QStringLiteral("Aceptar"), QMessageBox::AcceptRole);
+    m_alert->setAttribute(Qt::WA_DeleteOnClose);
+    connect(m_alert, &QDialog::finished, this, [this] {
+        m_alert.clear();
+        m_session.setErrorMessage(std::nullopt);
+    });
+    m_alert->open();
+}
+
+void EditorWindowView::showBusy() {
+    if (m_session.isBusy() == m_isBusyShown) {
+        return;
+    }
+    m_isBusyShown = m_session.isBusy();
+    if (m_isBusyShown) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+// What the user does
+
+void EditorWindowView::toggleComment() {
+    if (const auto selection = m_session.toggleComment()) {
+        m_source->select(*selection);
+    }
+}
+
+void EditorWindowView::beginText(const QString& units) {
+    // There is no tree yet to work on.
+    if (m_session.mode() == Mode::visual) {
+        m_session.setMode(Mode::text);
+    }
+    if (units.isEmpty()) {
+        m_session.startBlank();
+    } else {
+        m_source->textView().insertText(units.toStdU16String());
+    }
+    m_source->setFocus(Qt::OtherFocusReason);
+}
+
+void EditorWindowView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!m_isStarted) {
+        m_isStarted = true;
+        m_session.buffer().setUndoManager(&m_undoManager);
+        m_session.start();
+        if (m_session.showsGallery()) {
+            m_gallery->setFocus();
+        } else {
+            focusPane();
+        }
+    }
+}

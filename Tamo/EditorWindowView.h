@@ -1,0 +1,87 @@
+#pragma once
+
+#include "EditorSession.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class CodeEditorView;
+class NamePromptDialog;
+class NodeInspectorView;
+class QAction;
+class QMessageBox;
+class QSplitter;
+class QStackedWidget;
+class QToolBar;
+class QToolButton;
+class SegmentedControl;
+class TemplateGalleryView;
+class TreeEditorView;
+class UndoManager;
+
+/// What fills the window of a document: its tool bar, the source and the tree as the session's mode has them,
+/// the inspector, the two bars, and the dialogs in which the session asks and tells.
+class EditorWindowView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Both outlive the view. The session starts, with this history, when the view first shows.
+    EditorWindowView(EditorSession& session, UndoManager& undoManager, QWidget* parent = nullptr);
+
+    EditorSession& session() { return m_session; }
+    CodeEditorView& codeEditor() { return *m_source; }
+    TreeEditorView& treeEditor() { return *m_tree; }
+    TemplateGalleryView& gallery() { return *m_gallery; }
+    NodeInspectorView& inspector() { return *m_inspector; }
+    QToolBar& toolBar() { return *m_toolBar; }
+
+    /// "Buscar…" and the like, for a menu. The source comes into view for them.
+    QList<QAction*> findCommands() const;
+
+    /// Whether the inspector shows.
+    bool showInspector() const { return m_showInspector; }
+    void setShowInspector(bool showInspector);
+
+    /// Makes the lines that are selected in the text a comment, or uncomments them.
+    void toggleComment();
+
+    /// The view of the window that has the focus, null when that is no document's.
+    static EditorWindowView* focused();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void buildToolBar();
+    void buildPanes();
+    void connectFindCommands();
+
+    void showMode();
+    void showStatus();
+    void showGallery();
+    void showNamePrompt();
+    void showError();
+    void showBusy();
+    void beginText(const QString& units);
+    void focusPane();
+
+    EditorSession& m_session;
+    UndoManager& m_undoManager;
+    bool m_isStarted = false;
+    bool m_showInspector = true;
+    bool m_isBusyShown = false;
+
+    QToolBar* m_toolBar = nullptr;
+    SegmentedControl* m_modes = nullptr;
+    QAction* m_inspectorAction = nullptr;
+    QToolButton* m_status = nullptr;
+    QStackedWidget* m_pages = nullptr;
+    TemplateGalleryView* m_gallery = nullptr;
+    QWidget* m_editor = nullptr;
+    QSplitter* m_panes = nullptr;
+    CodeEditorView* m_source = nullptr;
+    TreeEditorView* m_tree = nullptr;
+    NodeInspectorView* m_inspector = nullptr;
+    QPointer<NamePromptDialog> m_prompt;
+    QPointer<QMessageBox> m_alert;
+};

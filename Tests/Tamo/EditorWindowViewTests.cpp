@@ -1,0 +1,314 @@
+#include "EditorWindowView.h"
+
+#include "AppCommands.h"
+#include "CodeEditorView.h"
+#include "NamePromptDialog.h"
+#include "NodeInspectorView.h"
+#include "ParsedDesk.h"
+#include "TemplateGalleryView.h"
+#include "TreeEditorView.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+using Mode = EditorSession::Mode;
+
+/// A window with the menus and the view of a document.
+struct Desk {
+    std::shared_ptr<TextMirror> mirror;
+    TextBuffer buffer;
+    UndoManager undo;
+    EditorSession session;
+    QWidget window;
+    QMenuBar* menus = new QMenuBar;
+    QMenu* view = new QMenu(QStringLiteral("Visualización"), &window);
+    EditorWindowView* editor;
+
+    explicit Desk(std::u16string_view text)
+        : mirror(std::make_shared<TextMirror>(Rope(text))), buffer(Rope(text), mirror),
+          session(buffer, QStringLiteral("Unicode (UTF-8)")), editor(new EditorWindowView(session, undo)) {
+        AppCommands::addModes(*view);
+        menus->addMenu(view);
+        menus->addMenu(AppCommands::makeFormatMenu(&window));
+        menus->addMenu(AppCommands::makeNodeMenu(&window));
+        auto* layout = new QVBoxLayout(&window);
+        layout->setMenuBar(menus);
+        layout->addWidget(editor);
+        window.resize(1000, 700);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        waitForTree();
+    }
+    ~Desk() { delete editor; }
+
+    void waitForTree() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return session.isTreeCurrent(); }, 10'000));
+    }
+    QString text() const {
+        return QString::fromStdU16String(buffer.text().units(buffer.text().fullRange()));
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QWidget* const focused = QApplication::focusWidget();
+        QTest::keyClick(focused == nullptr ? editor : focused, key, modifiers);
+    }
+    template <class Dialog>
+    Dialog* dialog() const {
+        Dialog* found = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            found = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+            return found != nullptr;
+        }));
+        return found;
+    }
+    QStringList titles(int menu) const {
+        QStringList all;
+        for (const QAction* action : menus->actions()[menu]->menu()->actions()) {
+            all += action->isSeparator() ? QStringLiteral("-")
+                                         : action->text() + u' ' + action->shortcut().toString();
+        }
+        return all;
+    }
+};
+
+QPushButton* button(QWidget& dialog, const QString& text) {
+    for (QPushButton* button : dialog.findChildren<QPushButton*>()) {
+        if (button->text() == text) {
+            return button;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+TEST(AppCommands, AreListedInOrderWithTheirShortcuts) {
+    Desk desk(u"<a/>");
+    EXPECT_EQ(desk.titles(0), (QStringList{QStringLiteral("Modo texto Ctrl+1"), QStringLiteral("Modo visual Ctrl+2"),
+                                           QStringLiteral("Modo dividido Ctrl+3"), QStringLiteral("-")}));
+    EXPECT_EQ(desk.titles(1),
+              (QStringList{QStringLiteral("Formatear documento Ctrl+Alt+F"),
+                           QStringLiteral("Minificar documento Ctrl+Alt+Shift+F"), QStringLiteral("-"),
+                           QStringLiteral("Comentar / descomentar Ctrl+/")}));
+    EXPECT_EQ(desk.titles(2),
+              (QStringList{QStringLiteral("Añadir hijo… Ctrl+Return"),
+                           QStringLiteral("Añadir hermano… Ctrl+Shift+Return"),
+                           QStringLiteral("Envolver en… Ctrl+Alt+W"), QStringLiteral("Duplicar Ctrl+D"),
+                           QStringLiteral("-"), QStringLiteral("Mover arriba Ctrl+Alt+Up"),
+                           QStringLiteral("Mover abajo Ctrl+Alt+Down"), QStringLiteral("-"),
+                           QStringLiteral("Copiar ruta Ctrl+Shift+C"), QStringLiteral("Eliminar ")}));
+}
+
+TEST(AppCommands, WorkOnTheFocusedWindow) {
+    Desk desk(u"<a><b/><c/></a>");
+    desk.session.select(NodePath{{0, 0}});
+    desk.press(Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><b/><b/><c/></a>"));
+    desk.waitForTree();
+    desk.press(Qt::Key_Down, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><b/><c/><b/></a>"));
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Mover"));
+    desk.waitForTree();
+    desk.press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("/a/b[2]"));
+    desk.press(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Formatear"));
+    EXPECT_EQ(desk.text(), QStringLiteral("<a>\n    <b/>\n    <c/>\n    <b/>\n</a>\n"));
+    desk.press(Qt::Key_F, Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Minificar"));
+    desk.press(Qt::Key_3, Qt::ControlModifier);
+    EXPECT_EQ(desk.session.mode(), Mode::split);
+    desk.press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(desk.session.mode(), Mode::text);
+}
+
+TEST(AppCommands, DoNothingWithoutAnEditorWindow) {
+    EXPECT_EQ(AppCommands::focused().session, nullptr);
+    QWidget other;
+    QMenuBar menus(&other);
+    menus.addMenu(AppCommands::makeNodeMenu(&other));
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_EQ(AppCommands::focused().session, nullptr);
+    for (QAction* action : menus.actions().front()->menu()->actions()) {
+        EXPECT_TRUE(action->isEnabled());
+        action->trigger();
+    }
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST(AppCommands, DoNothingWithoutASelectedNode) {
+    Desk desk(u"<a/>");
+    for (QAction* action : desk.menus->actions()[2]->menu()->actions()) {
+        action->trigger();
+    }
+    EXPECT_EQ(desk.text(), QStringLiteral("<a/>"));
+    EXPECT_FALSE(desk.session.namePrompt());
+    EXPECT_FALSE(desk.session.errorMessage());
+}
+
+TEST(AppCommands, CommentTheLineOfTheCaret) {
+    Desk desk(u"<a>\n<b/>\n</a>");
+    desk.session.setMode(Mode::text);
+    desk.editor->codeEditor().setFocus();
+    desk.editor->codeEditor().select(SourceRange(5, 5));
+    desk.press(Qt::Key_Slash, Qt::ControlModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a>\n<!-- <b/> -->\n</a>"));
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Comentar"));
+    desk.press(Qt::Key_Slash, Qt::ControlModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a>\n<b/>\n</a>"));
+}
+
+TEST(EditorWindowView, ShowsThePanesOfTheMode) {
+    Desk desk(u"<a/>");
+    EXPECT_EQ(desk.session.mode(), Mode::visual);
+    const auto shown = [&] {
+        return std::pair(desk.editor->codeEditor().isVisible(), desk.editor->treeEditor().isVisible());
+    };
+    EXPECT_EQ(shown(), std::pair(false, true));
+    desk.session.setMode(Mode::text);
+    EXPECT_EQ(shown(), std::pair(true, false));
+    desk.session.setMode(Mode::split);
+    EXPECT_EQ(shown(), std::pair(true, true));
+    QCoreApplication::processEvents();
+    EXPECT_NEAR(desk.editor->codeEditor().width(), desk.editor->treeEditor().width(), 2);
+    EXPECT_TRUE(desk.editor->inspector().isVisible());
+}
+
+TEST(EditorWindowView, HasItsToolBarInOrder) {
+    Desk desk(u"<a/>");
+    QStringList texts;
+    QList<QAbstractButton*> buttons;
+    for (QAbstractButton* button : desk.editor->toolBar().findChildren<QAbstractButton*>()) {
+        if (button->isVisible()) {
+            buttons += button;
+        }
+    }
+    std::ranges::sort(buttons, {}, [&](const QAbstractButton* button) {
+        return button->mapTo(desk.editor, QPoint()).x();
+    });
+    for (const QAbstractButton* button : buttons) {
+        texts += button->text();
+    }
+    EXPECT_EQ(texts, (QStringList{QStringLiteral("Texto"), QStringLiteral("Visual"), QStringLiteral("Dividido"),
+                                  QStringLiteral("Formatear"), QString(), QStringLiteral("Inspector")}));
+    ASSERT_EQ(buttons.size(), 6);
+    QTest::mouseClick(buttons[2], Qt::LeftButton);
+    EXPECT_EQ(desk.session.mode(), Mode::split);
+    desk.session.setMode(Mode::text);
+    EXPECT_TRUE(buttons[0]->isChecked());
+    EXPECT_EQ(buttons[3]->toolTip(), QStringLiteral("Formatear documento (Ctrl+Alt+F)"));
+}
+
+TEST(EditorWindowView, ShowsWhetherTheDocumentIsWellFormed) {
+    const auto status = [](const Desk& desk) {
+        for (const QToolButton* button : desk.editor->toolBar().findChildren<QToolButton*>()) {
+            if (button->toolTip().startsWith(QStringLiteral("El documento"))) {
+                return std::pair(button->text(), button->toolTip());
+            }
+        }
+        return std::pair(QString(), QString());
+    };
+    EXPECT_EQ(status(Desk(u"<a/>")), std::pair(QString(), QStringLiteral("El documento está bien formado")));
+    EXPECT_EQ(status(Desk(u"<a><b></a>&")),
+              std::pair(QStringLiteral("2 errores"), QStringLiteral("El documento tiene errores")));
+}
+
+TEST(EditorWindowView, TogglesTheInspector) {
+    Desk desk(u"<a/>");
+    QToolButton* const button = desk.editor->toolBar().findChildren<QToolButton*>().back();
+    ASSERT_EQ(button->text(), QStringLiteral("Inspector"));
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_FALSE(desk.editor->showInspector());
+    EXPECT_FALSE(desk.editor->inspector().isVisible());
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_TRUE(desk.editor->inspector().isVisible());
+}
+
+TEST(EditorWindowView, AsksForANameAndInserts) {
+    Desk desk(u"<a><b/></a>");
+    desk.session.select(NodePath{{0}});
+    desk.press(Qt::Key_Return, Qt::ControlModifier);
+    auto* const prompt = desk.dialog<NamePromptDialog>();
+    ASSERT_NE(prompt, nullptr);
+    EXPECT_EQ(prompt->windowTitle(), QStringLiteral("Nombre de la etiqueta"));
+    EXPECT_NE(button(*prompt, QStringLiteral("Cancelar")), nullptr);
+    QTest::keyClicks(prompt->findChild<QLineEdit*>(), QStringLiteral("c"));
+    QTest::mouseClick(button(*prompt, QStringLiteral("Aceptar")), Qt::LeftButton);
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Añadir hijo"));
+    EXPECT_TRUE(desk.text().contains(QStringLiteral("<b/>")) && desk.text().contains(QStringLiteral("<c")));
+    EXPECT_FALSE(desk.session.namePrompt());
+}
+
+TEST(EditorWindowView, TellsThatANamePromptWraps) {
+    Desk desk(u"<a><b/></a>");
+    desk.session.select(NodePath{{0, 0}});
+    desk.press(Qt::Key_W, Qt::ControlModifier | Qt::AltModifier);
+    auto* const prompt = desk.dialog<NamePromptDialog>();
+    ASSERT_NE(prompt, nullptr);
+    const auto labels = prompt->findChildren<QLabel*>();
+    EXPECT_TRUE(std::ranges::any_of(
+        labels, [](const QLabel* label) { return label->text() == QStringLiteral("Envolver en"); }));
+    QTest::keyClick(prompt, Qt::Key_Escape);
+    EXPECT_FALSE(desk.session.namePrompt());
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><b/></a>"));
+}
+
+TEST(EditorWindowView, TellsWhyAnEditWasRefused) {
+    Desk desk(u"<a b='1'/>");
+    desk.session.select(NodePath{{0}});
+    desk.session.renameAttribute(NodePath{{0}}, QStringLiteral("b"), QStringLiteral("2"));
+    auto* const alert = desk.dialog<QMessageBox>();
+    ASSERT_NE(alert, nullptr);
+    EXPECT_EQ(alert->text(), QStringLiteral("No se pudo editar"));
+    EXPECT_EQ(alert->informativeText(), QStringLiteral("“2” no es un nombre XML válido."));
+    EXPECT_EQ(alert->textFormat(), Qt::PlainText);
+    QTest::mouseClick(button(*alert, QStringLiteral("Aceptar")), Qt::LeftButton);
+    EXPECT_FALSE(desk.session.errorMessage());
+}
+
+TEST(EditorWindowView, OffersTheGalleryForANewDocument) {
+    Desk desk(u"");
+    TemplateGalleryView& gallery = desk.editor->gallery();
+    EXPECT_TRUE(gallery.isVisible());
+    EXPECT_FALSE(desk.editor->treeEditor().isVisible());
+    QTest::mouseClick(gallery.cards()[0], Qt::LeftButton);
+    EXPECT_FALSE(gallery.isVisible());
+    desk.waitForTree();
+    desk.undo.undo();
+    EXPECT_TRUE(gallery.isVisible()) << "undoing the template brings it back";
+    desk.waitForTree();
+    QTest::keyClicks(&gallery, QStringLiteral("<"));
+    EXPECT_FALSE(gallery.isVisible());
+    EXPECT_EQ(desk.text(), QStringLiteral("<"));
+    EXPECT_TRUE(desk.editor->codeEditor().isVisible());
+    EXPECT_TRUE(desk.editor->codeEditor().isAncestorOf(QApplication::focusWidget()));
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("a"));
+    EXPECT_EQ(desk.text(), QStringLiteral("<a"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
+    EXPECT_EQ(desk.text(), QString());
+    EXPECT_FALSE(gallery.isVisible()) << "emptying does not";
+}
+
+TEST(EditorWindowView, StartsBlankWithSomewhereToType) {
+    Desk desk(u"");
+    QTest::mouseClick(desk.editor->gallery().blankButton(), Qt::LeftButton);
+    EXPECT_FALSE(desk.editor->gallery().isVisible());
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("x"));
+    EXPECT_EQ(desk.text(), QStringLiteral("x"));
+}
