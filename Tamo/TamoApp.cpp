@@ -1,19 +1,17 @@
 #include "TamoApp.h"
 
-#include "DocumentWindow.h"
+#include "ApplicationAppearance.h"
+#include "EditorDocument.h"
 #include "Signposter.h"
+#include "WindowPicture.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QMessageBox>
 #include <QSaveFile>
-#include <QTimer>
 #include <QUrl>
-#include <QWindow>
 
 #include <cstdio>
 
@@ -23,6 +21,15 @@ const QCommandLineOption
     screenshotOption(QStringLiteral("screenshot"),
                      QStringLiteral("Guarda una imagen de la primera ventana y termina."),
                      QStringLiteral("archivo.png"));
+const QCommandLineOption
+    stateOption(QStringLiteral("state"),
+                QStringLiteral("Cómo está la ventana en la imagen: mode=split, select=/0/1, filter=texto, "
+                               "prompt=wrap, rename=1, size=800x500, caret=12. Se puede repetir."),
+                QStringLiteral("clave=valor"));
+
+const QCommandLineOption appearanceOption(QStringLiteral("appearance"),
+                                          QStringLiteral("Claro u oscuro, diga lo que diga el escritorio."),
+                                          QStringLiteral("light|dark"));
 
 const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
                                     QStringLiteral("Muestra esta ayuda y termina."));
@@ -61,10 +68,12 @@ TamoApp::TamoApp() {
     }
 }
 
+TamoApp::~TamoApp() = default;
+
 int TamoApp::run(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Editor de XML para el escritorio."));
-    parser.addOptions({helpOption, versionOption, screenshotOption, traceOption});
+    parser.addOptions({helpOption, versionOption, screenshotOption, stateOption, appearanceOption, traceOption});
     parser.addPositionalArgument(QStringLiteral("archivo"),
                                  QStringLiteral("Archivos que abrir, cada uno en su ventana."),
                                  QStringLiteral("[archivo…]"));
@@ -75,100 +84,52 @@ int TamoApp::run(const QStringList& arguments) {
     if (parser.isSet(versionOption)) {
         parser.showVersion();
     }
-
     Signposter::setRecording(parser.isSet(traceOption));
-    const int code = runWith(parser.positionalArguments(), parser.value(screenshotOption));
+    const int code = runWith(parser);
     return !parser.isSet(traceOption) || writeTrace(parser.value(traceOption)) ? code : EXIT_FAILURE;
 }
 
-int TamoApp::runWith(const QStringList& files, const QString& picture) {
-    m_isBatch = !picture.isEmpty();
-    const int failures = openAll(files);
-    if (m_first == nullptr || (m_isBatch && failures != 0)) {
-        return EXIT_FAILURE;
+int TamoApp::runWith(const QCommandLineParser& options) {
+    m_appearance = std::make_unique<ApplicationAppearance>();
+    if (options.isSet(appearanceOption)) {
+        m_appearance->setOverride(appearance(options.value(appearanceOption)));
     }
-    if (m_isBatch) {
-        takePicture(m_first, picture);
+    m_controller = std::make_unique<DocumentController>(std::make_unique<EditorDocumentType>());
+    m_appDelegate = std::make_unique<AppDelegate>([this] { return m_controller->hasOpenDocuments(); });
+    m_appDelegate->applicationDidFinishLaunching();
+    if (options.isSet(screenshotOption)) {
+        m_picture = std::make_unique<WindowPicture>(options.value(screenshotOption), options.values(stateOption));
+        connect(m_controller.get(), &DocumentController::windowOpened, m_picture.get(), &WindowPicture::take);
     }
-    return QApplication::exec();
-}
+    connect(m_controller.get(), &DocumentController::openingFailed, this, &TamoApp::showFailure);
+    connect(m_controller.get(), &DocumentController::readyToQuit, qApp, &QApplication::quit);
 
-int TamoApp::openAll(const QStringList& files) {
+    QStringList files;
+    for (const QString& argument : options.positionalArguments()) {
+        files += localPath(argument);
+    }
     if (files.isEmpty()) {
-        openUntitled();
+        m_controller->newDocument();
     }
-    int failures = 0;
-    for (const QString& file : files) {
-        failures += open(localPath(file)) == nullptr;
-    }
-    return failures;
+    m_controller->open(files);
+    const int code = QApplication::exec();
+    m_controller.reset();
+    return code;
 }
 
-DocumentWindow* TamoApp::open(const QString& path) {
-    auto document = XMLFileDocument::read(path);
-    if (document) {
-        return show(
-            std::make_unique<DocumentWindow>(std::move(*document), QFileInfo(path).absoluteFilePath()));
+void TamoApp::showFailure(const QString& path, const QString& message) {
+    static_cast<void>(path);
+    if (m_picture != nullptr) {
+        // Nobody is there to read a box.
+        printError(message);
+        QCoreApplication::exit(EXIT_FAILURE);
+        return;
     }
-    const QString text = message(document.error(), path);
-    if (m_isBatch) {
-        printError(text);
-    } else {
-        QMessageBox box(QMessageBox::Warning, QStringLiteral("Tamo"), text, QMessageBox::Ok,
-                        QApplication::activeWindow());
-        box.setTextFormat(Qt::PlainText);
-        box.exec();
+    QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), message, QMessageBox::Ok,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+    if (!m_controller->hasOpenDocuments()) {
+        QCoreApplication::exit(EXIT_FAILURE);
     }
-    return nullptr;
-}
-
-DocumentWindow* TamoApp::openUntitled() {
-    return show(std::make_unique<DocumentWindow>(std::make_unique<XMLFileDocument>(), QString()));
-}
-
-DocumentWindow* TamoApp::show(std::unique_ptr<DocumentWindow> window) {
-    // From here on the window lives until it is closed.
-    DocumentWindow* const shown = window.release();
-    connect(shown, &DocumentWindow::newRequested, this, &TamoApp::openUntitled);
-    connect(shown, &DocumentWindow::openRequested, this, [this, shown] { chooseAndOpen(shown); });
-    if (m_first == nullptr) {
-        m_first = shown;
-    }
-    shown->show();
-    return shown;
-}
-
-void TamoApp::chooseAndOpen(DocumentWindow* from) {
-    QStringList patterns;
-    for (const ContentType& type : XMLFileDocument::contentTypes()) {
-        for (const QString& suffix : type.fileSuffixes) {
-            patterns += QStringLiteral("*.") + suffix;
-        }
-    }
-    const QString types =
-        QStringLiteral("Documentos XML (%1);;Todos los archivos (*)").arg(patterns.join(QChar(u' ')));
-    const QString folder = from->path().isEmpty() ? QString() : QFileInfo(from->path()).path();
-    const bool wasPristine = from->isPristine();
-    bool opened = false;
-    for (const QString& path : QFileDialog::getOpenFileNames(from, QStringLiteral("Abrir"), folder, types)) {
-        opened = open(path) != nullptr || opened;
-    }
-    if (opened && wasPristine) {
-        from->close();
-    }
-}
-
-void TamoApp::takePicture(DocumentWindow* window, const QString& path) {
-    const auto take = [window, path] {
-        const bool saved = window->grab().save(path);
-        if (!saved) {
-            printError(QStringLiteral("No se pudo guardar “%1”.").arg(path));
-        }
-        QCoreApplication::exit(saved ? EXIT_SUCCESS : EXIT_FAILURE);
-    };
-    // The first parse arrives through the event loop, so not before this; the layout that it asks for is done
-    // by the time that the loop has nothing else to do.
-    connect(
-        &window->session(), &EditorSession::treeChanged, window,
-        [window, take] { QTimer::singleShot(0, window, take); }, Qt::SingleShotConnection);
 }

@@ -1,36 +1,37 @@
 #pragma once
 
+#include "AppDelegate.h"
+#include "DocumentController.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QTranslator>
 
 #include <memory>
 
-class DocumentWindow;
+class ApplicationAppearance;
+class QCommandLineParser;
+class WindowPicture;
 
-/// The running program: what it was started with, and its windows.
+/// The running program: what it was started with, and its documents.
 class TamoApp : public QObject {
     Q_OBJECT
 
 public:
     /// Sets up the application object for Tamo: its name, language and translations.
     TamoApp();
+    ~TamoApp() override;
 
     /// Does what the command line asks for, and runs until the last window closes. Answers the exit code.
     int run(const QStringList& arguments);
 
-    /// Opens the file in a window of its own. On failure answers null and the reason goes to the user.
-    DocumentWindow* open(const QString& path);
-    DocumentWindow* openUntitled();
-
 private:
-    int runWith(const QStringList& files, const QString& picture);
-    DocumentWindow* show(std::unique_ptr<DocumentWindow> window);
-    void chooseAndOpen(DocumentWindow* from);
-    int openAll(const QStringList& files);
-    void takePicture(DocumentWindow* window, const QString& path);
+    int runWith(const QCommandLineParser& options);
+    void showFailure(const QString& path, const QString& message);
 
     QTranslator m_translator;
-    DocumentWindow* m_first = nullptr;
-    bool m_isBatch = false; ///< Failures go to the error stream, since nobody is there to read a box.
+    std::unique_ptr<ApplicationAppearance> m_appearance;
+    std::unique_ptr<DocumentController> m_controller;
+    std::unique_ptr<AppDelegate> m_appDelegate;
+    std::unique_ptr<WindowPicture> m_picture; ///< When only a picture is wanted.
 };

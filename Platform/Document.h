@@ -1,0 +1,80 @@
+#pragma once
+
+#include "TextSelection.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <expected>
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+class DocumentWindow;
+class QWidget;
+class TextStorage;
+class UndoManager;
+struct RecoveredText;
+struct RecoveryFacts;
+
+/// What a worker made of a file, on its way to a document. Belongs to no thread.
+class DocumentContents {
+public:
+    virtual ~DocumentContents() = default;
+};
+
+/// A document as its window, its file and its recovery see it: a text with a history, that a view shows and
+/// that can be written. Lives on the main thread.
+class Document : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    virtual TextStorage& storage() = 0;
+    virtual UndoManager& undoManager() = 0;
+
+    /// What fills the document's window; called once.
+    virtual QWidget* makeView(QWidget* parent) = 0;
+
+    /// Writes the text of this moment to a file, whole or not at all, on any thread, and answers why it could
+    /// not, for the user. A stop makes it fail without a word, unless it comes too late.
+    using Write = std::function<std::expected<void, QString>(const QString& path, std::stop_token stop)>;
+    virtual Write write() const = 0;
+
+    /// Has what a file holds now in the place of the text, as one step of undo. Where the user is stays as
+    /// near as it can.
+    virtual void replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) = 0;
+
+    /// How the text is written; the origin and its version are filled in by the window.
+    virtual RecoveryFacts recoveryFacts() const = 0;
+
+    virtual TextSelection textSelection() const = 0;
+    virtual void setTextSelection(TextSelection selection) = 0;
+
+Q_SIGNALS:
+    void textSelectionChanged();
+};
+
+/// A kind of document: how one is made, and what belongs into the menus of its window.
+class DocumentType {
+public:
+    virtual ~DocumentType() = default;
+
+    virtual std::unique_ptr<Document> makeUntitled() const = 0;
+
+    /// Reads a file on any thread, and answers why it could not, for the user.
+    virtual std::expected<std::unique_ptr<DocumentContents>, QString> read(const QString& path,
+                                                                           std::stop_token stop) const = 0;
+    virtual std::unique_ptr<Document> makeDocument(std::unique_ptr<DocumentContents> contents) const = 0;
+    virtual std::unique_ptr<Document> makeDocument(const RecoveredText& recovered) const = 0;
+
+    /// What a file dialog lists, the usual first, such as "Documentos XML (*.xml *.svg)".
+    virtual QStringList openFilters() const = 0;
+    virtual QStringList saveFilters() const = 0;
+    virtual QString untitledFileName() const = 0;
+
+    /// Adds what is this kind's own to the menus of a new window, which has no document yet.
+    virtual void buildMenus(DocumentWindow& window) const = 0;
+};

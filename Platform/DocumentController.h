@@ -1,0 +1,82 @@
+#pragma once
+
+#include "BackgroundTask.h"
+#include "Document.h"
+#include "DocumentWindow.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+/// The documents of the running program, one window each: makes them, opens files, and sees to it that nothing
+/// is lost when all are closed.
+class DocumentController : public QObject {
+    Q_OBJECT
+
+public:
+    explicit DocumentController(std::unique_ptr<DocumentType> type, QObject* parent = nullptr);
+    ~DocumentController() override;
+
+    const DocumentType& type() const { return *m_type; }
+
+    /// The windows in the order in which they were opened.
+    std::vector<DocumentWindow*> windows() const;
+    bool hasOpenDocuments() const { return !windows().empty() || !m_openings.empty(); }
+
+    /// Opens each file in a window of its own, and brings that of a file which is open already to the front.
+    /// A file that takes long shows that it is coming. On failure there is `openingFailed`.
+    void open(const QStringList& paths);
+
+    /// Has the user choose files. A window that shows an untouched new document makes place for them.
+    void chooseAndOpen(DocumentWindow* from);
+
+    /// A menu of the files that were open lately.
+    QMenu* makeRecentMenu(QWidget* parent);
+
+    /// Brings a window to the front.
+    static void raise(DocumentWindow& window);
+
+public slots:
+    DocumentWindow* newDocument();
+
+    /// Closes all windows, asking about changes, and ends the program unless the user cancels that.
+    void quit();
+
+signals:
+    void windowOpened(DocumentWindow* window);
+    void openingFailed(const QString& path, const QString& message);
+    void quitRefused();
+    /// All windows are closed because the user wants to quit.
+    void readyToQuit();
+
+private:
+    struct Reading {
+        std::expected<std::unique_ptr<DocumentContents>, QString> contents;
+        std::optional<FileIdentity> version;
+    };
+    /// A file on its way to a window.
+    struct Opening {
+        QString path;
+        std::unique_ptr<DocumentWindow> window; ///< Not shown yet, unless it takes long.
+        QPointer<DocumentWindow> shown;         ///< That window once it shows, and owns itself.
+        BackgroundTask<Reading> task;
+        QTimer patience;
+    };
+
+    std::unique_ptr<DocumentWindow> makeWindow();
+    DocumentWindow* show(std::unique_ptr<DocumentWindow> window);
+    DocumentWindow* windowOf(const QString& path) const;
+    void openFile(const QString& path);
+    void showOpening(Opening& opening);
+    void finish(Opening& opening, Reading reading);
+    void end(Opening& opening);
+    void closeNext();
+
+    const std::unique_ptr<DocumentType> m_type;
+    std::vector<QPointer<DocumentWindow>> m_windows;
+    std::vector<std::unique_ptr<Opening>> m_openings;
+    bool m_isQuitting = false;
+};

@@ -1,0 +1,396 @@
+#include "DocumentWindow.h"
+
+#include "DocumentController.h"
+#include "NoticeBar.h"
+#include "TextStorage.h"
+#include "UndoManager.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr QSize initialSize(1280, 820);
+constexpr QSize smallestSize(480, 320);
+constexpr auto patience = 200ms;
+
+/// `title` for a menu, where a single ampersand would mark a letter.
+QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
+
+} // namespace
+
+DocumentWindow::DocumentWindow(DocumentController& controller)
+    : m_controller(controller), m_frame(new QWidget), m_notices(new NoticeBar) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setMinimumSize(smallestSize);
+    resize(initialSize);
+    auto* layout = new QVBoxLayout(m_frame);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_notices);
+    layout->addStretch();
+    setCentralWidget(m_frame);
+    m_patience.setSingleShot(true);
+    buildMenus();
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now != nullptr && isAncestorOf(now) && !menuBar()->isAncestorOf(now) && now != menuBar()) {
+            m_lastFocus = now;
+        }
+    });
+    showTitle();
+}
+
+DocumentWindow::~DocumentWindow() {
+    // The view reads the document to its end.
+    delete m_view;
+}
+
+void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QString& path,
+                                 const std::optional<FileIdentity>& version) {
+    precondition(m_document == nullptr, "a window has one document for life");
+    m_document = std::move(document);
+    m_path = path;
+    m_version = version;
+    m_notices->dismiss();
+    m_view = m_document->makeView(m_frame);
+    auto* const layout = static_cast<QVBoxLayout*>(m_frame->layout());
+    delete layout->takeAt(1);
+    layout->addWidget(m_view, 1);
+    m_view->show();
+    UndoManager& history = m_document->undoManager();
+    connect(&history, &UndoManager::historyChanged, this, &DocumentWindow::showHistory);
+    connect(&history, &UndoManager::cleanChanged, this, [this](bool isClean) { setWindowModified(!isClean); });
+    setWindowModified(!history.isClean());
+    showHistory();
+    showTitle();
+    emit documentChanged();
+}
+
+QString DocumentWindow::documentName() const {
+    return m_path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(m_path).fileName();
+}
+
+bool DocumentWindow::isPristine() const {
+    return m_document != nullptr && m_path.isEmpty() && !isWindowModified() &&
+           m_document->storage().text().isEmpty();
+}
+
+void DocumentWindow::showTitle() {
+    // Two marks in a row stand for one that belongs to the name.
+    setWindowTitle(documentName().replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")) +
+                   QStringLiteral("[*] — ") + QCoreApplication::applicationName());
+    setWindowFilePath(m_path);
+}
+
+// Menus
+
+void DocumentWindow::buildMenus() {
+    const std::array titles = {QStringLiteral("&Archivo"), QStringLiteral("&Edición"),
+                               QStringLiteral("&Visualización"), QStringLiteral("V&entana"),
+                               QStringLiteral("A&yuda")};
+    for (std::size_t at = 0; at < titles.size(); ++at) {
+        m_menus[at] = new QMenu(titles[at], this);
+    }
+    buildFileMenu();
+    buildEditMenu();
+    for (const Menu which : {Menu::file, Menu::edit, Menu::view}) {
+        menuBar()->addMenu(&menu(which));
+    }
+    m_controller.type().buildMenus(*this);
+    menuBar()->addMenu(&menu(Menu::window));
+    menuBar()->addMenu(&menu(Menu::help));
+    connect(&menu(Menu::window), &QMenu::aboutToShow, this, &DocumentWindow::listWindows);
+    listWindows();
+}
+
+void DocumentWindow::buildFileMenu() {
+    QMenu& file = menu(Menu::file);
+    file.addAction(QStringLiteral("&Nuevo"), QKeySequence::New, &m_controller,
+                   &DocumentController::newDocument);
+    file.addAction(QStringLiteral("&Abrir…"), QKeySequence::Open, this,
+                   [this] { m_controller.chooseAndOpen(this); });
+    file.addMenu(m_controller.makeRecentMenu(this));
+    file.addSeparator();
+    file.addAction(QStringLiteral("&Guardar"), QKeySequence::Save, this, &DocumentWindow::save);
+    file.addAction(QStringLiteral("Guardar &como…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this,
+                   &DocumentWindow::saveAs);
+    file.addAction(QStringLiteral("&Volver a lo guardado"), this, &DocumentWindow::revert);
+    file.addSeparator();
+    file.addAction(QStringLiteral("C&errar"), QKeySequence(Qt::CTRL | Qt::Key_W), this, &QWidget::close);
+    file.addAction(QStringLiteral("&Salir"), QKeySequence(Qt::CTRL | Qt::Key_Q), &m_controller,
+                   &DocumentController::quit);
+}
+
+void DocumentWindow::buildEditMenu() {
+    QMenu& edit = menu(Menu::edit);
+    m_undo = edit.addAction(QString(), QKeySequence::Undo, this, [this] { toEditor("undo"); });
+    m_redo = edit.addAction(QString(), QKeySequence::Redo, this, [this] { toEditor("redo"); });
+    edit.addSeparator();
+    edit.addAction(QStringLiteral("Cor&tar"), QKeySequence::Cut, this, [this] { toEditor("cut"); });
+    edit.addAction(QStringLiteral("&Copiar"), QKeySequence::Copy, this, [this] { toEditor("copy"); });
+    edit.addAction(QStringLiteral("&Pegar"), QKeySequence::Paste, this, [this] { toEditor("paste"); });
+    edit.addAction(QStringLiteral("&Seleccionar todo"), QKeySequence::SelectAll, this,
+                   [this] { toEditor("selectAll"); });
+    showHistory();
+}
+
+void DocumentWindow::showHistory() {
+    if (m_document == nullptr) {
+        m_undo->setText(QStringLiteral("Deshacer"));
+        m_redo->setText(QStringLiteral("Rehacer"));
+        m_undo->setEnabled(false);
+        m_redo->setEnabled(false);
+        return;
+    }
+    const UndoManager& history = m_document->undoManager();
+    m_undo->setText(menuText(history.undoMenuTitle()));
+    m_undo->setEnabled(history.canUndo());
+    m_redo->setText(menuText(history.redoMenuTitle()));
+    m_redo->setEnabled(history.canRedo());
+}
+
+/// Has what the user edits carry out `slot`; undo and redo are the document's where nothing else does them.
+void DocumentWindow::toEditor(const char* slot) {
+    QWidget* const editor = m_lastFocus;
+    const QByteArray signature = QByteArray(slot) + "()";
+    if (editor != nullptr && editor->metaObject()->indexOfSlot(signature) >= 0) {
+        QMetaObject::invokeMethod(editor, slot);
+    } else if (m_document != nullptr && qstrcmp(slot, "undo") == 0) {
+        m_document->undoManager().undo();
+    } else if (m_document != nullptr && qstrcmp(slot, "redo") == 0) {
+        m_document->undoManager().redo();
+    }
+}
+
+void DocumentWindow::listWindows() {
+    QMenu& list = menu(Menu::window);
+    list.clear();
+    list.addAction(QStringLiteral("&Minimizar"), this, &QWidget::showMinimized);
+    QAction* const fullScreen =
+        list.addAction(QStringLiteral("&Pantalla completa"), QKeySequence(Qt::Key_F11), this,
+                       [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    fullScreen->setCheckable(true);
+    fullScreen->setChecked(isFullScreen());
+    list.addSeparator();
+    for (DocumentWindow* const window : m_controller.windows()) {
+        QAction* const action =
+            list.addAction(menuText(window->documentName()), window, [window] { DocumentController::raise(*window); });
+        action->setCheckable(true);
+        action->setChecked(window == this);
+    }
+}
+
+// Writing
+
+void DocumentWindow::save() {
+    if (m_path.isEmpty()) {
+        saveAs();
+    } else {
+        write(m_path, Conflict::ask);
+    }
+}
+
+void DocumentWindow::saveAs() {
+    if (m_document == nullptr || isSaving()) {
+        return;
+    }
+    const DocumentType& type = m_controller.type();
+    const QString proposal = m_path.isEmpty() ? type.untitledFileName() : m_path;
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Guardar como"), proposal,
+                                                      type.saveFilters().join(QStringLiteral(";;")));
+    if (path.isEmpty()) {
+        m_closesAfterSaving = false;
+        emit closingRefused();
+    } else {
+        // The dialog has asked about a file that is there.
+        write(QFileInfo(path).absoluteFilePath(), Conflict::overwrite);
+    }
+}
+
+void DocumentWindow::write(const QString& path, Conflict conflict) {
+    if (m_document == nullptr || isSaving()) {
+        return;
+    }
+    // What is typed while it is being written is not in the file.
+    m_document->undoManager().setClean();
+    m_savingStop = {};
+    const auto known = conflict == Conflict::ask ? m_version : std::nullopt;
+    m_saving.start(
+        [path, known, write = m_document->write(), stop = m_savingStop.get_token()](std::stop_token) {
+            SaveResult result;
+            if (const auto found = FileIdentity::of(path); known && found && !found->isUntouched(*known)) {
+                const auto content = FileIdentity::withContent(path);
+                if (!content || !content->hasSameContent(*known)) {
+                    result.isConflict = true;
+                    return result;
+                }
+            }
+            result.written = write(path, stop);
+            result.isCancelled = !result.written && stop.stop_requested();
+            if (const auto version = FileIdentity::of(path); result.written && version) {
+                result.version = *version;
+            }
+            return result;
+        },
+        [this, path](SaveResult result) { finishSaving(path, std::move(result)); });
+    m_patience.disconnect();
+    connect(&m_patience, &QTimer::timeout, this, [this, path] {
+        m_notices->tell(QStringLiteral("Guardando “%1”…").arg(QFileInfo(path).fileName()), true);
+        m_notices->offer(QStringLiteral("Cancelar"), [this] { m_savingStop.request_stop(); });
+    });
+    m_patience.start(patience);
+}
+
+void DocumentWindow::finishSaving(const QString& path, SaveResult result) {
+    m_patience.stop();
+    if (m_notices->isBusy()) {
+        m_notices->dismiss();
+    }
+    const bool closes = std::exchange(m_closesAfterSaving, false);
+    if (result.isConflict || !result.written) {
+        m_document->undoManager().resetClean();
+        if (closes) {
+            emit closingRefused();
+        }
+        if (result.isConflict) {
+            askAboutConflict(path);
+        } else if (!result.isCancelled) {
+            say(result.written.error());
+        }
+        return;
+    }
+    const bool isElsewhere = path != m_path;
+    m_path = path;
+    m_version = result.version;
+    showTitle();
+    if (isElsewhere) {
+        emit documentChanged();
+    }
+    emit saved();
+    if (closes) {
+        close();
+    }
+}
+
+void DocumentWindow::askAboutConflict(const QString& path) {
+    QMessageBox question(QMessageBox::Warning, QCoreApplication::applicationName(),
+                         QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.")
+                             .arg(QFileInfo(path).fileName()),
+                         QMessageBox::NoButton, this);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(QStringLiteral("Si se guarda encima, se pierde lo que otro programa escribió."));
+    const auto* overwrite = question.addButton(QStringLiteral("Guardar encima"), QMessageBox::DestructiveRole);
+    const auto* elsewhere = question.addButton(QStringLiteral("Guardar como…"), QMessageBox::AcceptRole);
+    question.setDefaultButton(question.addButton(QStringLiteral("Cancelar"), QMessageBox::RejectRole));
+    question.exec();
+    if (question.clickedButton() == overwrite) {
+        write(path, Conflict::overwrite);
+    } else if (question.clickedButton() == elsewhere) {
+        saveAs();
+    }
+}
+
+// Reading again
+
+void DocumentWindow::revert() {
+    if (m_path.isEmpty() || m_document == nullptr) {
+        return;
+    }
+    if (isWindowModified()) {
+        QMessageBox question(QMessageBox::Warning, QCoreApplication::applicationName(),
+                             QStringLiteral("¿Volver a la versión guardada de “%1”?").arg(documentName()),
+                             QMessageBox::NoButton, this);
+        question.setTextFormat(Qt::PlainText);
+        question.setInformativeText(QStringLiteral("Los cambios hechos desde entonces se pueden recuperar con Deshacer."));
+        const auto* accept = question.addButton(QStringLiteral("Volver a lo guardado"), QMessageBox::AcceptRole);
+        question.addButton(QStringLiteral("Cancelar"), QMessageBox::RejectRole);
+        question.exec();
+        if (question.clickedButton() != accept) {
+            return;
+        }
+    }
+    reload(QStringLiteral("Volver a lo guardado"));
+}
+
+void DocumentWindow::reload(const QString& actionName) {
+    m_reloading.start(
+        [path = m_path, &type = m_controller.type()](std::stop_token stop) {
+            Reading reading{type.read(path, stop), std::nullopt};
+            if (const auto version = FileIdentity::withContent(path)) {
+                reading.version = *version;
+            }
+            return reading;
+        },
+        [this, actionName](Reading reading) { finishReloading(actionName, std::move(reading)); });
+}
+
+void DocumentWindow::finishReloading(const QString& actionName, Reading reading) {
+    if (!reading.contents) {
+        say(reading.contents.error());
+        return;
+    }
+    m_version = reading.version;
+    m_document->replaceContents(std::move(*reading.contents), actionName);
+    m_document->undoManager().setClean();
+    emit saved();
+}
+
+void DocumentWindow::showOpening(const QString& path, std::function<void()> cancel) {
+    m_notices->tell(QStringLiteral("Abriendo “%1”…").arg(QFileInfo(path).fileName()), true);
+    m_notices->offer(QStringLiteral("Cancelar"), std::move(cancel));
+}
+
+// Closing
+
+bool DocumentWindow::askToClose() {
+    if (isSaving()) {
+        m_closesAfterSaving = true;
+        return false;
+    }
+    if (!isWindowModified()) {
+        return true;
+    }
+    QMessageBox question(QMessageBox::Question, QCoreApplication::applicationName(),
+                         QStringLiteral("¿Guardar los cambios en «%1»?").arg(documentName()),
+                         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(QStringLiteral("Si no los guarda, se perderán."));
+    question.setDefaultButton(QMessageBox::Save);
+    switch (question.exec()) {
+    case QMessageBox::Discard:
+        return true;
+    case QMessageBox::Save:
+        m_closesAfterSaving = true;
+        save();
+        return false;
+    default:
+        emit closingRefused();
+        return false;
+    }
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event) {
+    if (m_document != nullptr && !askToClose()) {
+        event->ignore();
+        return;
+    }
+    emit aboutToClose();
+    event->accept();
+}
+
+void DocumentWindow::say(const QString& text) {
+    QMessageBox box(QMessageBox::Warning, QCoreApplication::applicationName(), text, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}

@@ -1,0 +1,151 @@
+#include "EditorDocument.h"
+
+#include "AppCommands.h"
+#include "CodeEditorView.h"
+#include "DocumentWindow.h"
+#include "EditorWindowView.h"
+#include "EncodingName.h"
+#include "RecoveryState.h"
+#include "TextDifference.h"
+
+#include <QMenuBar>
+
+namespace {
+
+/// What a file turned out to hold, on its way from a worker.
+struct FileDocumentContents : DocumentContents {
+    std::unique_ptr<XMLFileDocument> file;
+};
+
+QString encodingName(const XMLFileDocument& file) {
+    const QString name = localizedName(file.encoding());
+    return file.bom().empty() ? name : name + QStringLiteral(" (BOM)");
+}
+
+QString allFilesFilter() { return QStringLiteral("Todos los archivos (*)"); }
+
+QStringList patterns(const ContentType& type) {
+    QStringList patterns;
+    for (const QString& suffix : type.fileSuffixes) {
+        patterns += QStringLiteral("*.") + suffix;
+    }
+    return patterns;
+}
+
+} // namespace
+
+EditorDocument::EditorDocument(std::unique_ptr<XMLFileDocument> file)
+    : m_file(std::move(file)),
+      m_session(std::make_unique<EditorSession>(m_file->buffer(), encodingName(*m_file))) {
+    m_file->buffer().setUndoManager(&m_undoManager);
+}
+
+EditorDocument::~EditorDocument() {
+    delete m_view;
+    m_file->buffer().setUndoManager(nullptr);
+}
+
+TextStorage& EditorDocument::storage() { return m_file->buffer().storage(); }
+
+QWidget* EditorDocument::makeView(QWidget* parent) {
+    m_view = new EditorWindowView(*m_session, m_undoManager, parent);
+    connect(&m_view->codeEditor().textView(), &TextView::selectionChanged, this,
+            &EditorDocument::textSelectionChanged);
+    if (auto* const window = qobject_cast<DocumentWindow*>(parent->window())) {
+        window->menu(DocumentWindow::Menu::edit).addSeparator();
+        window->menu(DocumentWindow::Menu::edit).addActions(m_view->findCommands());
+    }
+    return m_view;
+}
+
+Document::Write EditorDocument::write() const {
+    return [file = m_file, snapshot = m_file->snapshot()](const QString& path, const std::stop_token& stop)
+               -> std::expected<void, QString> {
+        if (const auto written = file->write(snapshot, path, stop); !written) {
+            return std::unexpected(message(written.error(), path));
+        }
+        return {};
+    };
+}
+
+void EditorDocument::replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) {
+    XMLFileDocument& other = *static_cast<FileDocumentContents&>(*contents).file;
+    const Rope now = other.snapshot();
+    if (const auto difference = textDifference(m_file->snapshot(), now)) {
+        m_file->buffer().apply(std::span(&*difference, 1), actionName);
+    }
+    m_file->adoptEncoding(std::move(other));
+    m_session->setEncodingName(encodingName(*m_file));
+}
+
+RecoveryFacts EditorDocument::recoveryFacts() const {
+    RecoveryFacts facts;
+    facts.encoding = m_file->encoding().converterName();
+    facts.bom.assign(m_file->bom().begin(), m_file->bom().end());
+    return facts;
+}
+
+TextSelection EditorDocument::textSelection() const {
+    return TextSelection::of(m_session->textSelection());
+}
+
+void EditorDocument::setTextSelection(TextSelection selection) {
+    if (m_view != nullptr) {
+        m_view->codeEditor().select(selection.range());
+    }
+}
+
+// The kind
+
+std::unique_ptr<Document> EditorDocumentType::makeUntitled() const {
+    return std::make_unique<EditorDocument>(std::make_unique<XMLFileDocument>());
+}
+
+std::expected<std::unique_ptr<DocumentContents>, QString> EditorDocumentType::read(const QString& path,
+                                                                                   std::stop_token) const {
+    auto file = XMLFileDocument::read(path);
+    if (!file) {
+        return std::unexpected(message(file.error(), path));
+    }
+    auto contents = std::make_unique<FileDocumentContents>();
+    contents->file = std::move(*file);
+    return contents;
+}
+
+std::unique_ptr<Document> EditorDocumentType::makeDocument(std::unique_ptr<DocumentContents> contents) const {
+    return std::make_unique<EditorDocument>(std::move(static_cast<FileDocumentContents&>(*contents).file));
+}
+
+std::unique_ptr<Document> EditorDocumentType::makeDocument(const RecoveredText& recovered) const {
+    auto file = std::make_unique<XMLFileDocument>();
+    file->setEncoding(StringEncoding::named(recovered.facts.encoding).value_or(StringEncoding::utf8()),
+                      recovered.facts.bom);
+    auto document = std::make_unique<EditorDocument>(std::move(file));
+    document->storage().replaceCharacters({}, recovered.text);
+    document->undoManager().resetClean();
+    return document;
+}
+
+QStringList EditorDocumentType::openFilters() const {
+    QStringList all;
+    for (const ContentType& type : XMLFileDocument::contentTypes()) {
+        all += patterns(type);
+    }
+    return {QStringLiteral("Documentos XML (%1)").arg(all.join(u' ')), allFilesFilter()};
+}
+
+QStringList EditorDocumentType::saveFilters() const {
+    QStringList filters;
+    for (const ContentType& type : XMLFileDocument::contentTypes()) {
+        filters += QStringLiteral("%1 (%2)").arg(type.name, patterns(type).join(u' '));
+    }
+    return filters << allFilesFilter();
+}
+
+QString EditorDocumentType::untitledFileName() const { return QStringLiteral("Sin título.xml"); }
+
+void EditorDocumentType::buildMenus(DocumentWindow& window) const {
+    AppCommands::addModes(window.menu(DocumentWindow::Menu::view));
+    window.menuBar()->addMenu(AppCommands::makeFormatMenu(&window));
+    window.menuBar()->addMenu(AppCommands::makeNodeMenu(&window));
+}

@@ -1,0 +1,119 @@
+#include "WindowPicture.h"
+
+#include "CodeEditorView.h"
+#include "DocumentWindow.h"
+#include "EditorWindowView.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QPainter>
+#include <QTimer>
+
+#include <chrono>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Mode = EditorSession::Mode;
+using Kind = EditorSession::NamePrompt::Kind;
+
+constexpr auto settling = 500ms; ///< For a filter's pause and its search, and for what is laid out later.
+
+std::optional<Mode> modeNamed(const QString& name) {
+    for (const Mode mode : EditorSession::allModes) {
+        if (EditorSession::rawValue(mode) == name) {
+            return mode;
+        }
+    }
+    return std::nullopt;
+}
+
+/// "/0/2" as a path.
+NodePath nodePath(const QString& description) {
+    NodePath path;
+    for (const QString& index : description.split(u'/', Qt::SkipEmptyParts)) {
+        path.indices.push_back(index.toUInt());
+    }
+    return path;
+}
+
+std::optional<Kind> promptNamed(const QString& name) {
+    const QStringList names = {QStringLiteral("addChild"), QStringLiteral("addSibling"), QStringLiteral("wrap")};
+    const auto at = names.indexOf(name);
+    return at < 0 ? std::nullopt : std::optional(static_cast<Kind>(at));
+}
+
+} // namespace
+
+WindowPicture::WindowPicture(QString path, const QStringList& states, QObject* parent)
+    : QObject(parent), m_path(std::move(path)) {
+    for (const QString& state : states) {
+        m_states.insert(state.section(u'=', 0, 0), state.section(u'=', 1));
+    }
+}
+
+void WindowPicture::take(DocumentWindow* window) {
+    if (m_window != nullptr) {
+        return;
+    }
+    m_window = window;
+    if (const QStringList size = m_states.value(QStringLiteral("size")).split(u'x'); size.size() == 2) {
+        window->resize(size[0].toInt(), size[1].toInt());
+    }
+    auto* const view = static_cast<EditorWindowView*>(window->view());
+    const auto ready = [this, view] {
+        setUp(*view);
+        QTimer::singleShot(settling, this, &WindowPicture::shoot);
+    };
+    connect(
+        &view->session(), &EditorSession::treeChanged, this,
+        [this, ready] { QTimer::singleShot(0, this, ready); }, Qt::SingleShotConnection);
+}
+
+void WindowPicture::setUp(EditorWindowView& view) {
+    EditorSession& session = view.session();
+    if (const auto mode = modeNamed(m_states.value(QStringLiteral("mode")))) {
+        session.setMode(*mode);
+    }
+    if (m_states.contains(QStringLiteral("caret"))) {
+        const auto caret = static_cast<Offset>(m_states.value(QStringLiteral("caret")).toUInt());
+        view.codeEditor().select(SourceRange::empty(caret));
+    }
+    if (m_states.contains(QStringLiteral("select"))) {
+        session.select(nodePath(m_states.value(QStringLiteral("select"))));
+    }
+    session.setFilter(m_states.value(QStringLiteral("filter")));
+    if (const auto prompt = promptNamed(m_states.value(QStringLiteral("prompt")))) {
+        session.requestNamePrompt(*prompt);
+    }
+    if (m_states.contains(QStringLiteral("rename")) && session.selection()) {
+        session.rename(*session.selection(), m_states.value(QStringLiteral("rename")));
+    }
+    if (m_states.value(QStringLiteral("inspector")) == QStringLiteral("no")) {
+        view.setShowInspector(false);
+    }
+}
+
+void WindowPicture::shoot() {
+    QPixmap picture = m_window->grab();
+    QPainter painter(&picture);
+    for (QDialog* const dialog : m_window->findChildren<QDialog*>()) {
+        if (dialog->isVisible()) {
+            const QSize room = m_window->size() - dialog->size();
+            const QPoint corner(room.width() / 2, room.height() / 3);
+            painter.fillRect(m_window->rect(), QColor(0, 0, 0, 40));
+            painter.drawPixmap(corner, dialog->grab());
+            painter.setPen(m_window->palette().color(QPalette::Mid));
+            painter.drawRect(QRect(corner, dialog->size()).adjusted(-1, -1, 0, 0));
+        }
+    }
+    painter.end();
+    const bool saved = picture.save(m_path);
+    if (!saved) {
+        std::fprintf(stderr, "tamo: No se pudo guardar “%s”.\n", qUtf8Printable(m_path));
+    }
+    QCoreApplication::exit(saved ? EXIT_SUCCESS : EXIT_FAILURE);
+}
