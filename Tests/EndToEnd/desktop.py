@@ -69,8 +69,7 @@ class Application:
     def __init__(self, program, *arguments):
         self.process = subprocess.Popen([program, *map(str, arguments)])
         try:
-            self._window = wait_until(self._find_window, "window")
-            self._focus()
+            self.focus()
         except BaseException:
             self.close()
             raise
@@ -86,20 +85,39 @@ class Application:
             self.process.kill()
         self.process.wait()
 
-    def _find_window(self):
+    def windows(self):
+        """The numbers of the program's windows by their titles, dialogs and menus included."""
         if self.process.poll() is not None:
             raise AssertionError(f"the program ended with {self.process.returncode}")
-        found = self._xdotool("search", "--onlyvisible", "--pid", str(self.process.pid), "--name", "Tamo")
-        return found.split()[0] if found else None
+        found = self._xdotool("search", "--onlyvisible", "--pid", str(self.process.pid), "--name", ".")
+        return {self._xdotool("getwindowname", number).strip(): number for number in found.split()}
 
-    def _focus(self):
+    def focus(self, starts=""):
+        """Gives the keyboard to the window whose title starts so, as a click on it would."""
+
+        def find():
+            named = (number for title, number in self.windows().items() if title.startswith(starts) and "Tamo" in title)
+            return next(named, None)
+
+        self._window = wait_until(find, f"window {starts}")
+        self._focus(self._window)
+
+    def _focus(self, window):
         def is_focused():
-            self._xdotool("windowfocus", self._window)
-            return self._xdotool("getwindowfocus").strip() == self._window
+            self._xdotool("windowfocus", window)
+            return self._xdotool("getwindowfocus").strip() == window
 
         wait_until(is_focused, "focus")
         # Keys go where the program believes the focus to be.
-        wait_until(lambda: self.find(role="frame", state="active"), "active window")
+        wait_until(lambda: self.find(state="active"), "active window")
+
+    def answer(self, title, *keys):
+        """Presses keys in the dialog with that title, until it has gone."""
+        dialog = wait_until(lambda: self.windows().get(title), f"dialog {title}")
+        self._focus(dialog)
+        self.press(*keys)
+        wait_until(lambda: title not in self.windows(), f"end of the dialog {title}")
+        self._focus(self._window)
 
     @staticmethod
     def _xdotool(*arguments):
@@ -113,6 +131,11 @@ class Application:
 
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
+
+    def click_on(self, accessible, button=1):
+        """Clicks in the middle of what an accessible shows."""
+        box = accessibility().Component.get_extents(accessible, accessibility().CoordType.SCREEN)
+        self.click(box.x + box.width // 2, box.y + box.height // 2, button)
 
     def drag(self, start, end):
         """Carries with the left button from one place on the screen to another, as slowly as a hand."""
@@ -137,23 +160,29 @@ class Application:
         return None
 
     def accessibles(self):
-        """Every accessible of the program with at most a few hundred children, breadth first."""
-        queue = [self._root()]
+        """Everything that shows, breadth first, up to a few hundred children each; menus when they are open."""
+        api = accessibility()
+        root = self._root()
+        queue = [] if root is None else [root]
         while queue:
             current = queue.pop(0)
             if current is None:
                 continue
+            shows = current == root or current.get_state_set().contains(api.StateType.SHOWING)
+            if not shows or current.get_role_name() == "menu bar":
+                continue
             yield current
             queue += [current.get_child_at_index(i) for i in range(min(current.get_child_count(), 300))]
 
-    def find(self, role=None, state=None, starts=None):
-        """The first accessible with that role, that state, and a name that starts so."""
+    def find(self, role=None, state=None, starts=None, name=None):
+        """The first accessible that shows, with that role, that state, and a name that is or starts so."""
         api = accessibility()
         try:
             for each in self.accessibles():
                 if role is not None and each.get_role_name() != role:
                     continue
-                if starts is not None and not (each.get_name() or "").startswith(starts):
+                shown = each.get_name() or ""
+                if (starts is not None and not shown.startswith(starts)) or (name is not None and shown != name):
                     continue
                 if state is None or each.get_state_set().contains(getattr(api.StateType, state.upper())):
                     return each
@@ -161,11 +190,27 @@ class Application:
             pass  # The tree changed meanwhile; the caller asks again.
         return None
 
+    def wait_for(self, **what):
+        return wait_until(lambda: self.find(**what), f"{what}")
+
     def names(self, role):
         try:
             return [each.get_name() for each in self.accessibles() if each.get_role_name() == role]
         except api_error():
             return []
+
+    def focus_place(self):
+        """Role and name of what has the focus; what it stands in may say that it has it, too."""
+        focused = accessibility().StateType.FOCUSED
+        try:
+            found = [each for each in self.accessibles() if each.get_state_set().contains(focused)][-1]
+            return found.get_role_name(), found.get_name()
+        except (api_error(), IndexError):
+            return None
+
+    def rows(self):
+        """What the rows of the tree say."""
+        return self.names("table cell")
 
 
 def accessibility():
