@@ -27,7 +27,7 @@ public:
         setText(escaped.replace(u'&', QStringLiteral("&&")));
         setAccessibleName(title);
         setCheckable(true);
-        setFocusPolicy(Qt::TabFocus);
+        setFocusPolicy(Qt::NoFocus);
         setAttribute(Qt::WA_Hover);
     }
 
@@ -76,6 +76,8 @@ SegmentedControl::SegmentedControl(QWidget* parent) : QWidget(parent), m_layout(
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     m_segments.setExclusive(true);
     connect(&m_segments, &QButtonGroup::idToggled, this, [this](int index, bool isOn) {
+        // Tab stops at the chosen one; arrows lead to the others.
+        m_segments.button(index)->setFocusPolicy(isOn ? Qt::TabFocus : Qt::NoFocus);
         if (isOn && !signalsBlocked()) {
             emit chosen(index);
         }

@@ -19,6 +19,7 @@ namespace {
 
 constexpr int barHeight = 32;
 constexpr int separatorSize = 10;
+constexpr int crumbPadding = 8;  ///< Between the edge of a crumb and its title.
 constexpr int longestTitle = 40; ///< Characters.
 
 /// A symbol in the tertiary style between two crumbs.
@@ -94,7 +95,9 @@ void BreadcrumbBar::rebuild() {
     m_layout->setContentsMargins(12, 0, 12, 0);
     m_layout->setSpacing(2);
     if (m_crumbs.empty()) {
-        m_layout->addWidget(makeLabel(QStringLiteral("Sin selección"), palette()));
+        QLabel* const nothing = makeLabel(QStringLiteral("Sin selección"), palette());
+        nothing->setContentsMargins(crumbPadding, 0, 0, 0);
+        m_layout->addWidget(nothing);
     }
     for (const Crumb& crumb : m_crumbs) {
         if (&crumb != &m_crumbs.front()) {
@@ -121,7 +124,20 @@ void BreadcrumbBar::rebuild() {
     m_layout->addStretch();
     m_row->installEventFilter(this);
     m_scroll->setWidget(m_row);
+    orderCrumbs();
     showEnd();
+}
+
+/// Tab comes to the crumbs where it comes to the bar, although they are newer than what follows it.
+void BreadcrumbBar::orderCrumbs() {
+    // Only what takes the focus counts there.
+    m_scroll->setFocusPolicy(Qt::TabFocus);
+    QWidget* before = m_scroll;
+    for (QToolButton* const crumb : m_row->findChildren<QToolButton*>()) {
+        setTabOrder(before, crumb);
+        before = crumb;
+    }
+    m_scroll->setFocusPolicy(Qt::NoFocus);
 }
 
 void BreadcrumbBar::showEnd() {

@@ -42,6 +42,7 @@ private:
     std::vector<Crumb> crumbsOfSelection() const;
     void showSelection();
     void rebuild();
+    void orderCrumbs();
     void showEnd();
 
     EditorSession& m_session;

@@ -11,6 +11,7 @@
 #include "SegmentedControl.h"
 #include "Symbol.h"
 #include "SystemColor.h"
+#include "SystemFont.h"
 #include "TemplateGalleryView.h"
 #include "TreeEditorView.h"
 #include "UndoManager.h"
@@ -36,6 +37,7 @@ using Mode = EditorSession::Mode;
 constexpr int inspectorWidth = 320;
 constexpr int narrowestInspector = 240;
 constexpr int narrowestPane = 200;
+constexpr int narrowestMessage = 280;
 
 struct Segment {
     QString title;
@@ -64,6 +66,16 @@ QSplitter* makeSplitter() {
     splitter->setHandleWidth(1);
     splitter->setChildrenCollapsible(false);
     return splitter;
+}
+
+/// A box with a heading, and lines of a length that reads well.
+void layOut(QMessageBox& box) {
+    if (auto* const heading = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        heading->setFont(SystemFont::semibold(SystemFont::body()));
+    }
+    if (auto* const message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        message->setMinimumWidth(narrowestMessage);
+    }
 }
 
 } // namespace
@@ -201,11 +213,13 @@ void EditorWindowView::setShowInspector(bool showInspector) {
 
 void EditorWindowView::showMode() {
     const Mode mode = m_session.mode();
-    const bool hadFocus = m_editor->isAncestorOf(QApplication::focusWidget());
+    const QWidget* const focused = QApplication::focusWidget();
+    const auto isIn = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
+    const bool losesFocus = (mode == Mode::visual && isIn(m_source)) || (mode == Mode::text && isIn(m_tree));
     m_source->setVisible(mode != Mode::visual);
     m_tree->setVisible(mode != Mode::text);
     m_modes->setCurrent(static_cast<int>(mode));
-    if (hadFocus && !m_editor->isAncestorOf(QApplication::focusWidget())) {
+    if (losesFocus) {
         focusPane();
     }
 }
@@ -276,6 +290,7 @@ void EditorWindowView::showError() {
                               QStringLiteral("No se pudo editar"), QMessageBox::NoButton, this);
     m_alert->setTextFormat(Qt::PlainText);
     m_alert->setInformativeText(*message);
+    layOut(*m_alert);
     m_alert->addButton(QStringLiteral("Aceptar"), QMessageBox::AcceptRole);
     m_alert->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_alert, &QDialog::finished, this, [this] {

@@ -32,7 +32,7 @@ bool isWiderThan(const QString& title, int width) {
 
 } // namespace
 
-EmptyStateView::EmptyStateView(QWidget* parent) : QWidget(parent) {}
+EmptyStateView::EmptyStateView(QWidget* parent) : QWidget(parent) { setBackgroundRole(QPalette::Base); }
 
 void EmptyStateView::setContents(const QString& symbol, const QString& title, const QString& description) {
     m_symbol = symbol;
@@ -45,7 +45,7 @@ void EmptyStateView::setContents(const QString& symbol, const QString& title, co
 
 void EmptyStateView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), color(SystemColor::textBackground, palette()));
+    painter.fillRect(rect(), palette().brush(backgroundRole()));
     if (m_symbol.isEmpty()) {
         return;
     }

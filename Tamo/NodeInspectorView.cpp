@@ -69,6 +69,7 @@ NodeInspectorView::NodeInspectorView(EditorSession& session, QWidget* parent)
       m_attributes(new AttributeTableView(session)),
       m_content(new CommitField(QStringLiteral("Texto"), CommitField::Axis::vertical)),
       m_source(new QPlainTextEdit) {
+    m_nothing->setBackgroundRole(QPalette::Window);
     m_nothing->setContents(QStringLiteral("cursorarrow.click.2"), QStringLiteral("Sin selección"),
                            QStringLiteral("Selecciona un nodo para editarlo."));
     m_title->setTextFormat(Qt::PlainText);
@@ -108,6 +109,7 @@ NodeInspectorView::NodeInspectorView(EditorSession& session, QWidget* parent)
     m_form->setWidget(page);
     m_form->setWidgetResizable(true);
     m_form->setFrameShape(QFrame::NoFrame);
+    m_form->setFocusPolicy(Qt::NoFocus);
     m_form->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     auto* layout = new QVBoxLayout(this);

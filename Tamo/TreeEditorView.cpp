@@ -108,9 +108,22 @@ void TreeEditorView::showRows() {
                                   QStringLiteral("Comprueba la ortografía o prueba otra búsqueda."));
     } else {
         m_pages->setCurrentWidget(m_outline);
+        passFocusOn();
         return;
     }
     m_pages->setCurrentWidget(m_emptyState);
+}
+
+/// The outline takes the keys that were given to the whole pane, as soon as it shows.
+void TreeEditorView::passFocusOn() {
+    if (hasFocus() && m_pages->currentWidget() == m_outline) {
+        m_outline->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void TreeEditorView::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    passFocusOn();
 }
 
 void TreeEditorView::showSelection() {

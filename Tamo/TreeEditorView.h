@@ -32,11 +32,13 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 
 private:
     void makeFilterField();
     void connectOutline();
     void showRows();
+    void passFocusOn();
     void showSelection();
     void followSelection();
     void showFilter();
