@@ -24,7 +24,8 @@ const QCommandLineOption
 const QCommandLineOption
     stateOption(QStringLiteral("state"),
                 QStringLiteral("Cómo está la ventana en la imagen: mode=split, select=/0/1, filter=texto, "
-                               "prompt=wrap, rename=1, size=800x500, caret=12. Se puede repetir."),
+                               "prompt=wrap, rename=1, size=800x500, caret=12, inspector=no, find=texto, menu=problems, "
+                               "menu=node. Se puede repetir."),
                 QStringLiteral("clave=valor"));
 
 const QCommandLineOption appearanceOption(QStringLiteral("appearance"),

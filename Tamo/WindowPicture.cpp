@@ -1,14 +1,22 @@
 #include "WindowPicture.h"
 
 #include "CodeEditorView.h"
+#include "DiagnosticsBar.h"
 #include "DocumentWindow.h"
 #include "EditorWindowView.h"
+#include "FindBar.h"
+#include "TreeEditorView.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDialog>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QTimer>
+#include <QToolButton>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <optional>
@@ -65,8 +73,9 @@ void WindowPicture::take(DocumentWindow* window) {
     }
     auto* const view = static_cast<EditorWindowView*>(window->view());
     const auto ready = [this, view] {
-        setUp(*view);
+        // A menu keeps an event loop of its own.
         QTimer::singleShot(settling, this, &WindowPicture::shoot);
+        setUp(*view);
     };
     connect(
         &view->session(), &EditorSession::treeChanged, this,
@@ -95,6 +104,22 @@ void WindowPicture::setUp(EditorWindowView& view) {
     if (m_states.value(QStringLiteral("inspector")) == QStringLiteral("no")) {
         view.setShowInspector(false);
     }
+    if (m_states.contains(QStringLiteral("find"))) {
+        view.codeEditor().findBar().find();
+        view.codeEditor().findBar().findChild<QLineEdit*>()->setText(m_states.value(QStringLiteral("find")));
+    }
+    openMenu(view, m_states.value(QStringLiteral("menu")));
+}
+
+void WindowPicture::openMenu(EditorWindowView& view, const QString& name) {
+    if (name == QStringLiteral("problems")) {
+        view.findChild<DiagnosticsBar*>()->findChild<QToolButton*>()->showMenu();
+    } else if (name == QStringLiteral("node")) {
+        QWidget* const viewport = view.treeEditor().outline().viewport();
+        const QPoint middle = viewport->rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, viewport->mapToGlobal(middle));
+        QApplication::sendEvent(viewport, &event);
+    }
 }
 
 void WindowPicture::shoot() {
@@ -108,6 +133,13 @@ void WindowPicture::shoot() {
             painter.drawPixmap(corner, dialog->grab());
             painter.setPen(m_window->palette().color(QPalette::Mid));
             painter.drawRect(QRect(corner, dialog->size()).adjusted(-1, -1, 0, 0));
+        }
+    }
+    for (QMenu* const menu : m_window->findChildren<QMenu*>()) {
+        if (menu->isVisible()) {
+            // Where the screen ends, the picture may go on.
+            const QPoint corner = m_window->mapFromGlobal(menu->pos());
+            painter.drawPixmap(corner.x(), std::min(corner.y(), m_window->height() - menu->height()), menu->grab());
         }
     }
     painter.end();

@@ -21,6 +21,7 @@ public:
 
 private:
     void setUp(EditorWindowView& view);
+    static void openMenu(EditorWindowView& view, const QString& name);
     void shoot();
 
     const QString m_path;
