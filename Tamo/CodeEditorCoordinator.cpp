@@ -173,7 +173,7 @@ void CodeEditorCoordinator::showParse() {
 void CodeEditorCoordinator::reveal(const EditorSession::RevealRequest& request) {
     m_lastRevealSerial = request.serial;
     showSelection(request.range);
-    if (m_textView->isVisible()) {
+    if (m_textView->isVisible() && (!m_mayTakeFocus || m_mayTakeFocus())) {
         m_textView->setFocus();
     }
 }

@@ -11,7 +11,9 @@
 #include <QPointer>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// Stands between the source pane's text view and the session: gives keys to the typing assistant, keeps the
@@ -37,6 +39,9 @@ public:
     const PlaceholderTracker& placeholders() const { return m_placeholders; }
     std::optional<std::int64_t> lastRevealSerial() const { return m_lastRevealSerial; }
     std::optional<std::int64_t> lastHighlightedGeneration() const { return m_lastHighlightedGeneration; }
+
+    /// Whether the text may take the focus for a reveal, asked each time; it may when this is not set.
+    void setFocusGuard(std::function<bool()> mayTakeFocus) { m_mayTakeFocus = std::move(mayTakeFocus); }
 
     /// Shows the last parse and carries out the last reveal request, each once.
     void update();
@@ -77,6 +82,7 @@ private:
     QPointer<TextView> m_textView;
     QPointer<LineNumberRuler> m_ruler;
     PlaceholderTracker m_placeholders;
+    std::function<bool()> m_mayTakeFocus;
     std::vector<SourceRange>
         m_highlightedStretches; ///< By an edit that the view has not told the end of yet.
     std::optional<std::int64_t> m_lastRevealSerial;

@@ -118,6 +118,7 @@ void EditorWindowView::buildPanes() {
     m_source = new CodeEditorView(m_session);
     m_tree = new TreeEditorView(m_session);
     m_inspector = new NodeInspectorView(m_session);
+    m_source->coordinator().setFocusGuard([this] { return !isWorkingOnNodes(); });
     m_source->setMinimumWidth(narrowestPane);
     m_tree->setMinimumWidth(narrowestPane);
     m_inspector->setMinimumWidth(narrowestInspector);
@@ -222,6 +223,19 @@ void EditorWindowView::showMode() {
     if (losesFocus) {
         focusPane();
     }
+}
+
+/// Whether the keys go to the tree or the inspector, and what is to be revealed is only the node they have
+/// selected or changed. Who asks to see a place in the text wants to go on there.
+bool EditorWindowView::isWorkingOnNodes() const {
+    const QWidget* const focused = QApplication::focusWidget();
+    const auto& selection = m_session.selection();
+    const auto& request = m_session.revealRequest();
+    if (!selection || !request || !(m_tree->isAncestorOf(focused) || m_inspector->isAncestorOf(focused))) {
+        return false;
+    }
+    const auto node = m_session.tree().resolve(*selection);
+    return node && m_session.tree()[*node].range == request->range;
 }
 
 void EditorWindowView::focusPane() {

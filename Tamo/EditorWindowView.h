@@ -63,6 +63,7 @@ private:
     void showError();
     void showBusy();
     void beginText(const QString& units);
+    bool isWorkingOnNodes() const;
     void focusPane();
 
     EditorSession& m_session;

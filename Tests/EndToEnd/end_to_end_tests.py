@@ -284,6 +284,27 @@ class EndToEnd(unittest.TestCase):
         app.press("Right", "space")
         self.save(app, path, "<a>\n    <b/>\n</a>\n")
 
+    def test_keeps_working_on_nodes_beside_the_text(self):
+        path = self.document("<a>\n    <b/>\n    <c/>\n</a>\n")
+        app = self.start_with_tree(path)
+        app.press("ctrl+3")
+        self.choose(app, "b")
+        text, api = app.wait_for(role="text", name="Texto"), accessibility()
+        wait_until(lambda: api.Text.get_selection(text, 0).start_offset == 8, "text of the node selected")
+        app.press("Down")
+        wait_until(lambda: api.Text.get_selection(text, 0).start_offset == 17, "text of the next node selected")
+        app.press("Return")
+        app.type("d")
+        app.press("Return")
+        self.wait_for_text(app, "<a>\n    <b/>\n    <d/>\n</a>\n")
+        app.click_on(app.wait_for(role="push button", name="Añadir atributo"))
+        wait_until(lambda: "atributo" in app.names("table cell"), "row of the attribute")
+        app.type("x")
+        app.press("Tab")
+        app.type("1")
+        app.press("Return")
+        self.save(app, path, '<a>\n    <b/>\n    <d x="1"/>\n</a>\n')
+
     def test_refuses_an_attribute_that_is_there(self):
         path = self.document('<a uno="1" dos="2"/>\n')
         app = self.start_with_tree(path)
