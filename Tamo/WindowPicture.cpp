@@ -71,6 +71,8 @@ void WindowPicture::take(DocumentWindow* window) {
     if (const QStringList size = m_states.value(QStringLiteral("size")).split(u'x'); size.size() == 2) {
         window->resize(size[0].toInt(), size[1].toInt());
     }
+    // Where nothing manages windows, none is active by itself.
+    window->activateWindow();
     auto* const view = static_cast<EditorWindowView*>(window->view());
     const auto ready = [this, view] {
         // A menu keeps an event loop of its own.
