@@ -2,9 +2,11 @@
 
 #include "TextSelection.h"
 
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 #include <expected>
 #include <functional>
@@ -43,6 +45,13 @@ public:
     using Write = std::function<std::expected<void, QString>(const QString& path, std::stop_token stop)>;
     virtual Write write() const = 0;
 
+    /// Readies what a file holds for `replaceContents`, on any thread: what takes long in proportion to the text
+    /// of this moment. Without it, or after further changes, that takes long itself.
+    using Preparation = std::function<void(DocumentContents& contents)>;
+    virtual Preparation preparation() const {
+        return [](DocumentContents&) {};
+    }
+
     /// Has what a file holds now in the place of the text, as one step of undo. Where the user is stays as
     /// near as it can.
     virtual void replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) = 0;
@@ -55,6 +64,8 @@ public:
 
 Q_SIGNALS:
     void textSelectionChanged();
+    /// The user dropped files on the text.
+    void filesDropped(const QList<QUrl>& files);
 };
 
 /// A kind of document: how one is made, and what belongs into the menus of its window.

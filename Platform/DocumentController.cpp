@@ -1,8 +1,16 @@
 #include "DocumentController.h"
 
+#include "DocumentKeeper.h"
+#include "NoticeBar.h"
+#include "OutsideChangeNotice.h"
+#include "RecentFiles.h"
+#include "RecentFilesMenu.h"
+#include "RecoveryStore.h"
+#include "UndoManager.h"
+
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMenu>
 
 #include <algorithm>
 #include <chrono>
@@ -71,9 +79,31 @@ DocumentWindow* DocumentController::show(std::unique_ptr<DocumentWindow> window)
     return shown;
 }
 
+void DocumentController::setRecentFiles(RecentFiles* files) {
+    m_recentFiles = files;
+    files->refresh();
+}
+
+/// Gives a document, which its window just got, what follows it.
+void DocumentController::equip(DocumentWindow& window, const QString& recovered) {
+    if (m_store != nullptr) {
+        window.addCompanion(std::make_unique<DocumentKeeper>(window, *m_store, recovered));
+    }
+    window.addCompanion(std::make_unique<OutsideChangeNotice>(window));
+    connect(&window, &DocumentWindow::saved, this, [this, &window] { noteFile(window); });
+    noteFile(window);
+}
+
+void DocumentController::noteFile(const DocumentWindow& window) {
+    if (m_recentFiles != nullptr && !window.path().isEmpty()) {
+        m_recentFiles->note(window.path());
+    }
+}
+
 DocumentWindow* DocumentController::newDocument() {
     auto window = makeWindow();
     window->setDocument(m_type->makeUntitled(), {}, {});
+    equip(*window);
     DocumentWindow* const shown = show(std::move(window));
     emit windowOpened(shown);
     return shown;
@@ -115,17 +145,8 @@ void DocumentController::openFile(const QString& path) {
     Opening& opening = *m_openings.back();
     opening.path = absolute;
     opening.task.start(
-        [absolute, &type = *m_type](std::stop_token stop) {
-            // First what the disk knows of the file: it may change while it is read, and then counts as
-            // changed.
-            const auto version = FileIdentity::of(absolute);
-            Reading reading{type.read(absolute, stop), std::nullopt};
-            if (version) {
-                reading.version = *version;
-            }
-            return reading;
-        },
-        [this, &opening](Reading reading) { finish(opening, std::move(reading)); });
+        [absolute, &type = *m_type](std::stop_token stop) { return DocumentReading::of(type, absolute, stop); },
+        [this, &opening](DocumentReading reading) { finish(opening, std::move(reading)); });
     // Made while the file is being read.
     opening.window = makeWindow();
     opening.patience.setSingleShot(true);
@@ -140,7 +161,7 @@ void DocumentController::showOpening(Opening& opening) {
     connect(opening.shown, &DocumentWindow::aboutToClose, &opening.patience, [this, &opening] { end(opening); });
 }
 
-void DocumentController::finish(Opening& opening, Reading reading) {
+void DocumentController::finish(Opening& opening, DocumentReading reading) {
     opening.patience.stop();
     if (!reading.contents) {
         const QString path = opening.path;
@@ -158,6 +179,7 @@ void DocumentController::finish(Opening& opening, Reading reading) {
     const QString path = opening.path;
     end(opening);
     window->setDocument(m_type->makeDocument(std::move(*reading.contents)), path, reading.version);
+    equip(*window);
     if (hidden != nullptr) {
         window = show(std::move(hidden));
     }
@@ -188,10 +210,40 @@ void DocumentController::chooseAndOpen(DocumentWindow* from) {
     open(paths);
 }
 
+void DocumentController::openFiles(const QList<QUrl>& files) {
+    QStringList paths;
+    for (const QUrl& file : files) {
+        if (file.isLocalFile()) {
+            paths += file.toLocalFile();
+        }
+    }
+    open(paths);
+}
+
+DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, const QString& id) {
+    const QString path = QFile::decodeName(QByteArray::fromStdString(text.facts.origin));
+    if (DocumentWindow* const other = path.isEmpty() ? nullptr : windowOf(canonical(path));
+        other != nullptr && !other->isWindowModified()) {
+        // What is kept is newer than the file.
+        other->close();
+    }
+    auto window = makeWindow();
+    window->setDocument(m_type->makeDocument(text), path, text.facts.version);
+    window->document()->undoManager().resetClean();
+    equip(*window, id);
+    DocumentWindow* const shown = show(std::move(window));
+    shown->document()->setTextSelection(TextSelection::of(text.moment.selection));
+    if (text.isDamaged) {
+        NoticeBar* const bar = shown->addNoticeBar();
+        bar->tell(QStringLiteral("A este texto recuperado le falta lo último que se escribió: el disco no lo devolvió entero."));
+        bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
+    }
+    emit windowOpened(shown);
+    return shown;
+}
+
 QMenu* DocumentController::makeRecentMenu(QWidget* parent) {
-    auto* menu = new QMenu(QStringLiteral("Abrir &reciente"), parent);
-    menu->setEnabled(false);
-    return menu;
+    return new RecentFilesMenu(m_recentFiles, [this](const QString& path) { open({path}); }, parent);
 }
 
 // Quitting

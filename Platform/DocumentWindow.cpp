@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -33,6 +34,7 @@ QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&"
 DocumentWindow::DocumentWindow(DocumentController& controller)
     : m_controller(controller), m_frame(new QWidget), m_notices(new NoticeBar) {
     setAttribute(Qt::WA_DeleteOnClose);
+    setAcceptDrops(true);
     setMinimumSize(smallestSize);
     resize(initialSize);
     auto* layout = new QVBoxLayout(m_frame);
@@ -52,7 +54,8 @@ DocumentWindow::DocumentWindow(DocumentController& controller)
 }
 
 DocumentWindow::~DocumentWindow() {
-    // The view reads the document to its end.
+    // Both read the document to their end.
+    m_companions.clear();
     delete m_view;
 }
 
@@ -65,10 +68,11 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
     m_notices->dismiss();
     m_view = m_document->makeView(m_frame);
     auto* const layout = static_cast<QVBoxLayout*>(m_frame->layout());
-    delete layout->takeAt(1);
+    delete layout->takeAt(layout->count() - 1);
     layout->addWidget(m_view, 1);
     m_view->show();
     UndoManager& history = m_document->undoManager();
+    connect(m_document.get(), &Document::filesDropped, &m_controller, &DocumentController::openFiles);
     connect(&history, &UndoManager::historyChanged, this, &DocumentWindow::showHistory);
     connect(&history, &UndoManager::cleanChanged, this, [this](bool isClean) { setWindowModified(!isClean); });
     setWindowModified(!history.isClean());
@@ -76,6 +80,8 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
     showTitle();
     emit documentChanged();
 }
+
+const DocumentType& DocumentWindow::type() const { return m_controller.type(); }
 
 QString DocumentWindow::documentName() const {
     return m_path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(m_path).fileName();
@@ -91,6 +97,17 @@ void DocumentWindow::showTitle() {
     setWindowTitle(documentName().replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")) +
                    QStringLiteral("[*] — ") + QCoreApplication::applicationName());
     setWindowFilePath(m_path);
+}
+
+NoticeBar* DocumentWindow::addNoticeBar() {
+    auto* const bar = new NoticeBar;
+    static_cast<QVBoxLayout*>(m_frame->layout())->insertWidget(1, bar);
+    return bar;
+}
+
+void DocumentWindow::setVersion(const std::optional<FileIdentity>& version) {
+    m_version = version;
+    emit versionChanged();
 }
 
 // Menus
@@ -222,12 +239,10 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
     if (m_document == nullptr || isSaving()) {
         return;
     }
-    // What is typed while it is being written is not in the file.
-    m_document->undoManager().setClean();
     m_savingStop = {};
-    const auto known = conflict == Conflict::ask ? m_version : std::nullopt;
     m_saving.start(
-        [path, known, write = m_document->write(), stop = m_savingStop.get_token()](std::stop_token) {
+        [path, known = conflict == Conflict::ask ? m_version : std::nullopt, write = m_document->write(),
+         stop = m_savingStop.get_token()](std::stop_token) {
             SaveResult result;
             if (const auto found = FileIdentity::of(path); known && found && !found->isUntouched(*known)) {
                 const auto content = FileIdentity::withContent(path);
@@ -244,6 +259,10 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
             return result;
         },
         [this, path](SaveResult result) { finishSaving(path, std::move(result)); });
+    emit savingStarted();
+    // What is typed while it is being written is not in the file.
+    m_wasCleanBeforeSaving = m_document->undoManager().isClean();
+    m_document->undoManager().setClean();
     m_patience.disconnect();
     connect(&m_patience, &QTimer::timeout, this, [this, path] {
         m_notices->tell(QStringLiteral("Guardando “%1”…").arg(QFileInfo(path).fileName()), true);
@@ -257,30 +276,38 @@ void DocumentWindow::finishSaving(const QString& path, SaveResult result) {
     if (m_notices->isBusy()) {
         m_notices->dismiss();
     }
+    const bool hasSucceeded = !result.isConflict && result.written;
     const bool closes = std::exchange(m_closesAfterSaving, false);
-    if (result.isConflict || !result.written) {
+    if (hasSucceeded) {
+        adoptFile(path, result.version);
+    } else if (!m_wasCleanBeforeSaving) {
         m_document->undoManager().resetClean();
-        if (closes) {
-            emit closingRefused();
-        }
-        if (result.isConflict) {
-            askAboutConflict(path);
-        } else if (!result.isCancelled) {
-            say(result.written.error());
-        }
-        return;
     }
+    emit savingEnded(hasSucceeded);
+    if (result.isConflict) {
+        askAboutConflict(path);
+    } else if (!hasSucceeded && !result.isCancelled) {
+        say(result.written.error());
+    }
+    if (closes && isSaving()) {
+        m_closesAfterSaving = true;
+    } else if (closes && hasSucceeded) {
+        close();
+    } else if (closes) {
+        emit closingRefused();
+    }
+}
+
+/// From now on the document is that of the file at `path`, which was just written.
+void DocumentWindow::adoptFile(const QString& path, const std::optional<FileIdentity>& version) {
     const bool isElsewhere = path != m_path;
     m_path = path;
-    m_version = result.version;
+    m_version = version;
     showTitle();
     if (isElsewhere) {
         emit documentChanged();
     }
     emit saved();
-    if (closes) {
-        close();
-    }
 }
 
 void DocumentWindow::askAboutConflict(const QString& path) {
@@ -304,7 +331,7 @@ void DocumentWindow::askAboutConflict(const QString& path) {
 // Reading again
 
 void DocumentWindow::revert() {
-    if (m_path.isEmpty() || m_document == nullptr) {
+    if (m_path.isEmpty() || m_document == nullptr || isSaving()) {
         return;
     }
     if (isWindowModified()) {
@@ -320,29 +347,30 @@ void DocumentWindow::revert() {
             return;
         }
     }
-    reload(QStringLiteral("Volver a lo guardado"));
-}
-
-void DocumentWindow::reload(const QString& actionName) {
-    m_reloading.start(
-        [path = m_path, &type = m_controller.type()](std::stop_token stop) {
-            Reading reading{type.read(path, stop), std::nullopt};
-            if (const auto version = FileIdentity::withContent(path)) {
-                reading.version = *version;
+    m_reverting.start(
+        [path = m_path, &type = m_controller.type(), prepare = m_document->preparation()](std::stop_token stop) {
+            DocumentReading reading = DocumentReading::of(type, path, stop);
+            if (reading.contents) {
+                prepare(**reading.contents);
             }
             return reading;
         },
-        [this, actionName](Reading reading) { finishReloading(actionName, std::move(reading)); });
+        [this](DocumentReading reading) {
+            if (isSaving()) {
+                return;
+            }
+            if (reading.contents) {
+                takeOver(std::move(reading), QStringLiteral("Volver a lo guardado"));
+            } else {
+                say(reading.contents.error());
+            }
+        });
 }
 
-void DocumentWindow::finishReloading(const QString& actionName, Reading reading) {
-    if (!reading.contents) {
-        say(reading.contents.error());
-        return;
-    }
-    m_version = reading.version;
+void DocumentWindow::takeOver(DocumentReading reading, const QString& actionName) {
     m_document->replaceContents(std::move(*reading.contents), actionName);
     m_document->undoManager().setClean();
+    setVersion(reading.version);
     emit saved();
 }
 
@@ -353,14 +381,7 @@ void DocumentWindow::showOpening(const QString& path, std::function<void()> canc
 
 // Closing
 
-bool DocumentWindow::askToClose() {
-    if (isSaving()) {
-        m_closesAfterSaving = true;
-        return false;
-    }
-    if (!isWindowModified()) {
-        return true;
-    }
+DocumentWindow::Answer DocumentWindow::askAboutChanges() {
     QMessageBox question(QMessageBox::Question, QCoreApplication::applicationName(),
                          QStringLiteral("¿Guardar los cambios en «%1»?").arg(documentName()),
                          QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
@@ -368,25 +389,62 @@ bool DocumentWindow::askToClose() {
     question.setInformativeText(QStringLiteral("Si no los guarda, se perderán."));
     question.setDefaultButton(QMessageBox::Save);
     switch (question.exec()) {
-    case QMessageBox::Discard:
-        return true;
     case QMessageBox::Save:
-        m_closesAfterSaving = true;
-        save();
-        return false;
+        return Answer::save;
+    case QMessageBox::Discard:
+        return Answer::discard;
     default:
-        emit closingRefused();
-        return false;
+        return Answer::cancel;
     }
 }
 
-void DocumentWindow::closeEvent(QCloseEvent* event) {
-    if (m_document != nullptr && !askToClose()) {
-        event->ignore();
-        return;
+/// Whether the document may go: asks the user where there are changes. `later` when it is to be saved before;
+/// then the window closes by itself.
+DocumentWindow::Closing DocumentWindow::prepareToClose() {
+    if (isSaving()) {
+        m_closesAfterSaving = true;
+        return Closing::later;
     }
-    emit aboutToClose();
-    event->accept();
+    if (!isWindowModified()) {
+        return Closing::now;
+    }
+    switch (askAboutChanges()) {
+    case Answer::discard:
+        return Closing::now;
+    case Answer::save:
+        m_closesAfterSaving = true;
+        save();
+        return Closing::later;
+    case Answer::cancel:
+        break;
+    }
+    return Closing::refused;
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event) {
+    const Closing closing = m_document == nullptr ? Closing::now : prepareToClose();
+    event->setAccepted(closing == Closing::now);
+    if (closing == Closing::now) {
+        emit aboutToClose();
+    } else if (closing == Closing::refused) {
+        emit closingRefused();
+    }
+}
+
+// Files from elsewhere
+
+void DocumentWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void DocumentWindow::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    // Not before whoever dropped them is told that they arrived: opening may ask something.
+    QMetaObject::invokeMethod(
+        &m_controller, [controller = &m_controller, files = event->mimeData()->urls()] { controller->openFiles(files); },
+        Qt::QueuedConnection);
 }
 
 void DocumentWindow::say(const QString& text) {

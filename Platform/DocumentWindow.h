@@ -2,7 +2,7 @@
 
 #include "BackgroundTask.h"
 #include "Document.h"
-#include "FileIdentity.h"
+#include "DocumentReading.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class DocumentController;
 class NoticeBar;
@@ -34,6 +35,7 @@ public:
     void setDocument(std::unique_ptr<Document> document, const QString& path,
                      const std::optional<FileIdentity>& version);
 
+    const DocumentType& type() const;
     Document* document() const { return m_document.get(); }
     QWidget* view() const { return m_view; }
     const QString& path() const { return m_path; }
@@ -47,14 +49,32 @@ public:
     bool isSaving() const { return m_saving.isRunning(); }
 
     QMenu& menu(Menu which) const { return *m_menus[static_cast<std::size_t>(which)]; }
+
+    /// Where the window shows that it reads or writes.
     NoticeBar& notices() const { return *m_notices; }
+    /// Another bar, for what somebody else has to tell of the document.
+    NoticeBar* addNoticeBar();
+
+    /// Has something that follows the document live as long as the document does, and end just before it.
+    void addCompanion(std::unique_ptr<QObject> companion) { m_companions.push_back(std::move(companion)); }
+
+    /// The file is now known in this version, which saving may replace without asking.
+    void setVersion(const std::optional<FileIdentity>& version);
+
+    /// Puts what was read of the file into the text, as one step of undo that leaves the document saved.
+    /// `reading` has contents.
+    void takeOver(DocumentReading reading, const QString& actionName);
 
     /// Says that a file is being read, and offers to give up.
     void showOpening(const QString& path, std::function<void()> cancel);
 
-    /// Whether the document may go: asks the user where there are changes. True when it may go at once; when
-    /// it is to be saved before, the window closes by itself after that.
-    bool askToClose();
+    enum class Answer : std::uint8_t { save, discard, cancel };
+
+    /// Asks what is to become of the changes.
+    Answer askAboutChanges();
+
+    /// The user does not want the changes. The document goes on as it is.
+    void giveUpChanges() { emit changesGivenUp(); }
 
 public slots:
     /// Writes the document to its file, asking for one where there is none. `saved` tells when it is done;
@@ -66,24 +86,28 @@ public slots:
 
 signals:
     void documentChanged(); ///< Another document, or the same at another path.
-    void saved();
+    void versionChanged();
+    void saved(); ///< The file has the text of this moment, or of a moment ago when there are changes.
+    void savingStarted();
+    /// Follows once on each `savingStarted`, after `saved` if it `succeeded`, before the user is told otherwise.
+    void savingEnded(bool succeeded);
     void closingRefused(); ///< The user wants to keep the document open.
+    void changesGivenUp();
     void aboutToClose();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     enum class Conflict : std::uint8_t { ask, overwrite };
+    enum class Closing : std::uint8_t { now, later, refused };
 
     struct SaveResult {
         std::expected<void, QString> written;
         bool isConflict = false; ///< The file is not the one that was read; nothing was written.
         bool isCancelled = false;
-        std::optional<FileIdentity> version;
-    };
-    struct Reading {
-        std::expected<std::unique_ptr<DocumentContents>, QString> contents;
         std::optional<FileIdentity> version;
     };
 
@@ -96,14 +120,15 @@ private:
 
     void write(const QString& path, Conflict conflict);
     void finishSaving(const QString& path, SaveResult result);
+    void adoptFile(const QString& path, const std::optional<FileIdentity>& version);
     void askAboutConflict(const QString& path);
-    void reload(const QString& actionName);
-    void finishReloading(const QString& actionName, Reading reading);
+    Closing prepareToClose();
     void say(const QString& text);
     void toEditor(const char* slot);
 
     DocumentController& m_controller;
     std::unique_ptr<Document> m_document;
+    std::vector<std::unique_ptr<QObject>> m_companions; ///< They go first.
     QString m_path;
     std::optional<FileIdentity> m_version; ///< Of the file, as it was read or written last.
 
@@ -117,7 +142,8 @@ private:
 
     BackgroundTask<SaveResult> m_saving;
     std::stop_source m_savingStop;
-    BackgroundTask<Reading> m_reloading;
+    BackgroundTask<DocumentReading> m_reverting;
     QTimer m_patience; ///< What takes longer shows.
+    bool m_wasCleanBeforeSaving = false;
     bool m_closesAfterSaving = false;
 };

@@ -84,7 +84,8 @@ bool isOfInterest(const BookmarkList::Bookmark& bookmark, const QString& path,
 }
 
 /// The files of this run and of the list, in the order in which they are shown.
-QStringList filesOf(const QStringList& own, const QString& list, const RecentFiles::Interest& interest) {
+QStringList filesOf(const QStringList& own, const QStringList& hidden, const QString& list,
+                    const RecentFiles::Interest& interest) {
     // Looking whether a file is there may take long where it is far away.
     constexpr int mostCandidates = 3 * RecentFiles::mostFiles;
     auto bookmarks = BookmarkList::read(contents(list).value_or(QByteArray()));
@@ -93,7 +94,7 @@ QStringList filesOf(const QStringList& own, const QString& list, const RecentFil
     for (const BookmarkList::Bookmark& bookmark : bookmarks) {
         const QString path = QUrl(bookmark.url).toLocalFile();
         if (!path.isEmpty() && isOfInterest(bookmark, path, interest) && !candidates.contains(path) &&
-            candidates.size() < mostCandidates) {
+            !hidden.contains(path) && candidates.size() < mostCandidates) {
             candidates += path;
         }
     }
@@ -120,9 +121,18 @@ RecentFiles::~RecentFiles() { m_postbox->close(); }
 
 void RecentFiles::refresh() { look({}); }
 
+void RecentFiles::clear() {
+    m_hidden += m_files;
+    m_own.clear();
+    m_files.clear();
+    emit filesChanged();
+    refresh();
+}
+
 void RecentFiles::note(const QString& path) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     m_own.removeAll(absolute);
+    m_hidden.removeAll(absolute);
     m_own.prepend(absolute);
     m_own = m_own.mid(0, mostFiles);
     look(absolute);
@@ -130,7 +140,8 @@ void RecentFiles::note(const QString& path) {
 
 /// Notes a visit of the file, when one is given, and looks up the files.
 void RecentFiles::look(const QString& visited) {
-    runOnFileThread([postbox = m_postbox, this, visited, own = m_own, list = m_list, interest = m_interest] {
+    runOnFileThread([postbox = m_postbox, this, visited, own = m_own, hidden = m_hidden, list = m_list,
+                     interest = m_interest] {
         if (!visited.isEmpty()) {
             const QString type =
                 QMimeDatabase().mimeTypeForFile(visited, QMimeDatabase::MatchExtension).name();
@@ -141,7 +152,7 @@ void RecentFiles::look(const QString& visited) {
                        .time = QDateTime::currentDateTimeUtc()},
                       list);
         }
-        const QStringList files = filesOf(own, list, interest);
+        const QStringList files = filesOf(own, hidden, list, interest);
         // Called only as long as this lives.
         postbox->post([this, files, own] { take(files, own); });
     });

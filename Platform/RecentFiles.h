@@ -44,6 +44,10 @@ public:
     /// The file at `path` was opened or saved.
     void note(const QString& path);
 
+    /// Shows none of the present files in this run any more, unless they are noted again. Other programs go on
+    /// showing them.
+    void clear();
+
 signals:
     void filesChanged();
 
@@ -55,5 +59,6 @@ private:
     const QString m_list;
     const std::shared_ptr<Postbox> m_postbox;
     QStringList m_files;
-    QStringList m_own; ///< Of this run; the latest first.
+    QStringList m_own;    ///< Of this run; the latest first.
+    QStringList m_hidden; ///< Not to be shown in this run.
 };

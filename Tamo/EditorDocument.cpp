@@ -10,11 +10,16 @@
 
 #include <QMenuBar>
 
+#include <cstdint>
+#include <optional>
+
 namespace {
 
 /// What a file turned out to hold, on its way from a worker.
 struct FileDocumentContents : DocumentContents {
     std::unique_ptr<XMLFileDocument> file;
+    std::optional<std::int64_t> preparedFor; ///< The generation of the text that `difference` is to.
+    std::optional<TextEdit> difference;
 };
 
 QString encodingName(const XMLFileDocument& file) {
@@ -55,6 +60,7 @@ QWidget* EditorDocument::makeView(QWidget* parent) {
         window->menu(DocumentWindow::Menu::edit).addSeparator();
         window->menu(DocumentWindow::Menu::edit).addActions(m_view->findCommands());
     }
+    connect(&m_view->codeEditor().textView(), &TextView::filesDropped, this, &EditorDocument::filesDropped);
     return m_view;
 }
 
@@ -68,13 +74,23 @@ Document::Write EditorDocument::write() const {
     };
 }
 
+Document::Preparation EditorDocument::preparation() const {
+    return [text = m_file->snapshot(), generation = m_file->buffer().generation()](DocumentContents& contents) {
+        auto& other = static_cast<FileDocumentContents&>(contents);
+        other.difference = textDifference(text, other.file->snapshot());
+        other.preparedFor = generation;
+    };
+}
+
 void EditorDocument::replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) {
-    XMLFileDocument& other = *static_cast<FileDocumentContents&>(*contents).file;
-    const Rope now = other.snapshot();
-    if (const auto difference = textDifference(m_file->snapshot(), now)) {
-        m_file->buffer().apply(std::span(&*difference, 1), actionName);
+    auto& other = static_cast<FileDocumentContents&>(*contents);
+    if (other.preparedFor != m_file->buffer().generation()) {
+        other.difference = textDifference(m_file->snapshot(), other.file->snapshot());
     }
-    m_file->adoptEncoding(std::move(other));
+    if (other.difference) {
+        m_file->buffer().apply(std::span(&*other.difference, 1), actionName);
+    }
+    m_file->adoptEncoding(std::move(*other.file));
     m_session->setEncodingName(encodingName(*m_file));
 }
 

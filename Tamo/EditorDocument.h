@@ -26,6 +26,7 @@ public:
     UndoManager& undoManager() override { return m_undoManager; }
     QWidget* makeView(QWidget* parent) override;
     Write write() const override;
+    Preparation preparation() const override;
     void replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) override;
     RecoveryFacts recoveryFacts() const override;
     TextSelection textSelection() const override;

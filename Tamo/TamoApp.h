@@ -11,7 +11,12 @@
 
 class ApplicationAppearance;
 class QCommandLineParser;
+class RecentFiles;
+class RecoveryOffer;
+class SessionQuestion;
+class SingleInstance;
 class WindowPicture;
+struct Handover;
 
 /// The running program: what it was started with, and its documents.
 class TamoApp : public QObject {
@@ -27,11 +32,18 @@ public:
 
 private:
     int runWith(const QCommandLineParser& options);
+    bool handOver(const QStringList& files);
+    void startServices();
+    void takeOver(const Handover& handover);
     void showFailure(const QString& path, const QString& message);
 
     QTranslator m_translator;
     std::unique_ptr<ApplicationAppearance> m_appearance;
     std::unique_ptr<DocumentController> m_controller;
     std::unique_ptr<AppDelegate> m_appDelegate;
-    std::unique_ptr<WindowPicture> m_picture; ///< When only a picture is wanted.
+    std::unique_ptr<WindowPicture> m_picture; ///< When only a picture is wanted. Then there is nothing below.
+    std::unique_ptr<SingleInstance> m_instance;
+    std::unique_ptr<RecentFiles> m_recentFiles;
+    std::unique_ptr<SessionQuestion> m_sessionQuestion;
+    std::unique_ptr<RecoveryOffer> m_recoveryOffer;
 };

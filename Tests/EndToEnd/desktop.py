@@ -31,6 +31,7 @@ class Desktop:
         self._folder = tempfile.TemporaryDirectory()
         os.environ.update(
             XDG_RUNTIME_DIR=self._folder.name,
+            XDG_DATA_HOME=self._folder.name + "/data",
             LC_ALL="C.UTF-8",
             QT_QPA_PLATFORM="xcb",
             QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
@@ -66,8 +67,11 @@ class Desktop:
 class Application:
     """The program, running on the desktop, with its first window in front."""
 
-    def __init__(self, program, *arguments):
-        self.process = subprocess.Popen([program, *map(str, arguments)])
+    def __init__(self, program, *arguments, state=None):
+        """`state` is where the program keeps unsaved texts; without it, where nobody looks for them again."""
+        self._own_state = tempfile.TemporaryDirectory() if state is None else None
+        environment = dict(os.environ, XDG_STATE_HOME=str(state or self._own_state.name))
+        self.process = subprocess.Popen([program, *map(str, arguments)], env=environment)
         try:
             self.focus()
         except BaseException:
@@ -84,6 +88,8 @@ class Application:
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait()
+        if self._own_state is not None:
+            self._own_state.cleanup()
 
     def windows(self):
         """The numbers of the program's windows by their titles, dialogs and menus included."""

@@ -1,0 +1,50 @@
+#include "DocumentKeeper.h"
+
+#include "DocumentWindow.h"
+#include "NoticeBar.h"
+#include "RecoveryStore.h"
+#include "UndoManager.h"
+
+#include <QFile>
+
+DocumentKeeper::DocumentKeeper(DocumentWindow& window, RecoveryStore& store, const QString& taken)
+    : m_window(window), m_recovery(store.follow(window.document()->storage(), facts(), taken)) {
+    Document& document = *window.document();
+    connect(&document, &Document::textSelectionChanged, this,
+            [this] { m_recovery->setSelection(m_window.document()->textSelection().range()); });
+    connect(&document.undoManager(), &UndoManager::cleanChanged, this, &DocumentKeeper::followHistory);
+    connect(&window, &DocumentWindow::saved, this, &DocumentKeeper::followSave);
+    connect(&window, &DocumentWindow::versionChanged, this, [this] { m_recovery->setFacts(facts()); });
+    connect(&window, &DocumentWindow::changesGivenUp, this, [this] { m_recovery->forget(); });
+    connect(&window, &DocumentWindow::aboutToClose, this, [this] { m_recovery->forget(); });
+    connect(&store, &RecoveryStore::keepingFailed, this, &DocumentKeeper::tellFailure);
+}
+
+DocumentKeeper::~DocumentKeeper() = default;
+
+RecoveryFacts DocumentKeeper::facts() const {
+    RecoveryFacts facts = m_window.document()->recoveryFacts();
+    facts.origin = QFile::encodeName(m_window.path()).toStdString();
+    facts.version = m_window.version();
+    return facts;
+}
+
+void DocumentKeeper::followSave() {
+    if (m_window.document()->undoManager().isClean()) {
+        m_recovery->forget();
+    }
+    m_recovery->setFacts(facts());
+}
+
+/// Back at what the file has there is nothing to keep. While it is being saved nobody knows that yet.
+void DocumentKeeper::followHistory(bool isClean) {
+    if (isClean && !m_window.isSaving()) {
+        m_recovery->forget();
+    }
+}
+
+void DocumentKeeper::tellFailure(const QString& message) {
+    NoticeBar* const bar = m_window.addNoticeBar();
+    bar->tell(message);
+    bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
+}
