@@ -6,8 +6,8 @@ namespace {
 using namespace std::chrono_literals;
 
 /// A run of the program that keeps what is unsaved, and ends like a crash: nobody closes anything.
-struct Run {
-    explicit Run(const QString& folder) : store(std::make_shared<RecoveryStore>(folder, RecoveryPace{.flushDelay = 1ms})) {
+struct Session {
+    explicit Session(const QString& folder) : store(std::make_shared<RecoveryStore>(folder, RecoveryPace{.flushDelay = 1ms})) {
         desk.controller.setRecoveryStore(store);
     }
 
@@ -37,7 +37,7 @@ Left left(const QString& folder) {
 TEST(DocumentKeeper, KeepsChangesOfANewDocument) {
     const QTemporaryDir folder;
     {
-        Run run(folder.path());
+        Session run(folder.path());
         DocumentWindow* const window = run.desk.controller.newDocument();
         DocumentDesk::note(window).type(QStringLiteral("sin guardar"));
         window->document()->setTextSelection({2, 5});
@@ -55,7 +55,7 @@ TEST(DocumentKeeper, KeepsWhereADocumentCameFrom) {
     const QTemporaryDir folder;
     QString path;
     {
-        Run run(folder.path());
+        Session run(folder.path());
         path = run.desk.write(QStringLiteral("a.txt"), "hola");
         DocumentDesk::note(run.desk.open(path)).type(QStringLiteral("adiós"));
     }
@@ -67,24 +67,24 @@ TEST(DocumentKeeper, KeepsWhereADocumentCameFrom) {
 }
 
 TEST(DocumentKeeper, KeepsNothingThatIsSavedOrGivenUp) {
-    using Step = void (*)(Run&, DocumentWindow*);
+    using Step = void (*)(Session&, DocumentWindow*);
     const Step steps[] = {
-        [](Run&, DocumentWindow*) {},
-        [](Run&, DocumentWindow* window) {
+        [](Session&, DocumentWindow*) {},
+        [](Session&, DocumentWindow* window) {
             DocumentDesk::note(window).type(QStringLiteral("adiós"));
             QSignalSpy saved(window, &DocumentWindow::saved);
             window->save();
             EXPECT_TRUE(saved.wait(10'000));
         },
-        [](Run&, DocumentWindow* window) {
+        [](Session&, DocumentWindow* window) {
             DocumentDesk::note(window).type(QStringLiteral("adiós"));
             window->document()->undoManager().undo();
         },
-        [](Run&, DocumentWindow* window) {
+        [](Session&, DocumentWindow* window) {
             DocumentDesk::note(window).type(QStringLiteral("adiós"));
             window->giveUpChanges();
         },
-        [](Run&, DocumentWindow* window) {
+        [](Session&, DocumentWindow* window) {
             DocumentDesk::note(window).type(QStringLiteral("adiós"));
             const QPointer<DocumentWindow> closing = window;
             const Answer answer(discardButton);
@@ -95,7 +95,7 @@ TEST(DocumentKeeper, KeepsNothingThatIsSavedOrGivenUp) {
     for (const Step step : steps) {
         const QTemporaryDir folder;
         {
-            Run run(folder.path());
+            Session run(folder.path());
             step(run, run.desk.open(run.desk.write(QStringLiteral("a.txt"), "hola")));
         }
         EXPECT_EQ(left(folder.path()).documents.size(), 0U) << "step " << &step - steps;
@@ -105,7 +105,7 @@ TEST(DocumentKeeper, KeepsNothingThatIsSavedOrGivenUp) {
 TEST(DocumentKeeper, KeepsWhatCouldNotBeSaved) {
     const QTemporaryDir folder;
     {
-        Run run(folder.path());
+        Session run(folder.path());
         DocumentWindow* const window = run.desk.open(run.desk.write(QStringLiteral("a.txt"), "hola"));
         DocumentDesk::note(window).type(QStringLiteral("adiós"));
         ASSERT_TRUE(QFile::remove(window->path()));
@@ -123,7 +123,7 @@ TEST(DocumentKeeper, KeepsWhatCouldNotBeSaved) {
 TEST(DocumentKeeper, KeepsWhatIsTypedDuringASave) {
     const QTemporaryDir folder;
     {
-        Run run(folder.path());
+        Session run(folder.path());
         DocumentWindow* const window = run.desk.open(run.desk.write(QStringLiteral("a.txt"), "hola"));
         DocumentDesk::note(window).type(QStringLiteral("uno"));
         QSignalSpy saved(window, &DocumentWindow::saved);
@@ -141,7 +141,7 @@ TEST(DocumentKeeper, TellsInTheWindowThatNothingCanBeKept) {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("archivo")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    Run run(file.fileName() + QStringLiteral("/recovery"));
+    Session run(file.fileName() + QStringLiteral("/recovery"));
     DocumentWindow* const window = run.desk.controller.newDocument();
     DocumentDesk::note(window).type(QStringLiteral("a"));
     EXPECT_TRUE(QTest::qWaitFor([&] {
