@@ -136,8 +136,9 @@ std::unique_ptr<Document> EditorDocumentType::makeDocument(const RecoveredText& 
     auto file = std::make_unique<XMLFileDocument>();
     file->setEncoding(StringEncoding::named(recovered.facts.encoding).value_or(StringEncoding::utf8()),
                       recovered.facts.bom);
+    // Before there is a session, which takes the text as that of its start.
+    file->buffer().storage().replaceCharacters({}, recovered.text);
     auto document = std::make_unique<EditorDocument>(std::move(file));
-    document->storage().replaceCharacters({}, recovered.text);
     document->undoManager().resetClean();
     return document;
 }
