@@ -157,7 +157,7 @@ void OutsideChangeNotice::showChange(const FileIdentity& now) {
     QString text = QStringLiteral("“%1” ha cambiado en el disco, y aquí tiene cambios sin guardar.\nEn el disco ahora: %2.")
                        .arg(m_window.documentName(), sizeAndTime(now));
     if (const auto& known = m_window.version()) {
-        text += QStringLiteral(" Cuando se abrió o guardó: %1.").arg(sizeAndTime(*known));
+        text += QStringLiteral("\nCuando se abrió o guardó: %1.").arg(sizeAndTime(*known));
     }
     m_bar.tell(text);
     m_bar.offer(reloadTitle, [this] { reload(true); });
