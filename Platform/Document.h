@@ -45,8 +45,8 @@ public:
     using Write = std::function<std::expected<void, QString>(const QString& path, std::stop_token stop)>;
     virtual Write write() const = 0;
 
-    /// Readies what a file holds for `replaceContents`, on any thread: what takes long in proportion to the text
-    /// of this moment. Without it, or after further changes, that takes long itself.
+    /// Readies what a file holds for `replaceContents`, on any thread: what takes long in proportion to the
+    /// text of this moment. Without it, or after further changes, that takes long itself.
     using Preparation = std::function<void(DocumentContents& contents)>;
     virtual Preparation preparation() const {
         return [](DocumentContents&) {};

@@ -144,9 +144,9 @@ void DocumentController::openFile(const QString& path) {
     m_openings.push_back(std::make_unique<Opening>());
     Opening& opening = *m_openings.back();
     opening.path = absolute;
-    opening.task.start(
-        [absolute, &type = *m_type](std::stop_token stop) { return DocumentReading::of(type, absolute, stop); },
-        [this, &opening](DocumentReading reading) { finish(opening, std::move(reading)); });
+    opening.task.start([absolute, &type = *m_type](
+                           std::stop_token stop) { return DocumentReading::of(type, absolute, stop); },
+                       [this, &opening](DocumentReading reading) { finish(opening, std::move(reading)); });
     // Made while the file is being read.
     opening.window = makeWindow();
     opening.patience.setSingleShot(true);
@@ -158,7 +158,8 @@ void DocumentController::showOpening(Opening& opening) {
     opening.shown = show(std::move(opening.window));
     opening.shown->showOpening(opening.path, [window = opening.shown] { window->close(); });
     // Its timer stands for the opening, which may be over before the window closes.
-    connect(opening.shown, &DocumentWindow::aboutToClose, &opening.patience, [this, &opening] { end(opening); });
+    connect(opening.shown, &DocumentWindow::aboutToClose, &opening.patience,
+            [this, &opening] { end(opening); });
 }
 
 void DocumentController::finish(Opening& opening, DocumentReading reading) {
@@ -235,7 +236,8 @@ DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, con
     shown->document()->setTextSelection(TextSelection::of(text.moment.selection));
     if (text.isDamaged) {
         NoticeBar* const bar = shown->addNoticeBar();
-        bar->tell(QStringLiteral("A este texto recuperado le falta lo último que se escribió: el disco no lo devolvió entero."));
+        bar->tell(QStringLiteral(
+            "A este texto recuperado le falta lo último que se escribió: el disco no lo devolvió entero."));
         bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
     }
     emit windowOpened(shown);
@@ -243,7 +245,8 @@ DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, con
 }
 
 QMenu* DocumentController::makeRecentMenu(QWidget* parent) {
-    return new RecentFilesMenu(m_recentFiles, [this](const QString& path) { open({path}); }, parent);
+    return new RecentFilesMenu(
+        m_recentFiles, [this](const QString& path) { open({path}); }, parent);
 }
 
 // Quitting

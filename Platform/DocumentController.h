@@ -17,8 +17,8 @@
 class RecentFiles;
 class RecoveryStore;
 
-/// The documents of the running program, one window each: makes them, opens files, and sees to it that nothing
-/// is lost when all are closed.
+/// The documents of the running program, one window each: makes them, opens files, and sees to it that
+/// nothing is lost when all are closed.
 class DocumentController : public QObject {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "DocumentReading.h"
 
-DocumentReading DocumentReading::of(const DocumentType& type, const QString& path, const std::stop_token& stop) {
+DocumentReading DocumentReading::of(const DocumentType& type, const QString& path,
+                                    const std::stop_token& stop) {
     // First what the disk knows of the file.
     const auto version = FileIdentity::of(path);
     return {type.read(path, stop), version ? std::optional(*version) : std::nullopt};

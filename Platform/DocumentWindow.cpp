@@ -74,7 +74,8 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
     UndoManager& history = m_document->undoManager();
     connect(m_document.get(), &Document::filesDropped, &m_controller, &DocumentController::openFiles);
     connect(&history, &UndoManager::historyChanged, this, &DocumentWindow::showHistory);
-    connect(&history, &UndoManager::cleanChanged, this, [this](bool isClean) { setWindowModified(!isClean); });
+    connect(&history, &UndoManager::cleanChanged, this,
+            [this](bool isClean) { setWindowModified(!isClean); });
     setWindowModified(!history.isClean());
     showHistory();
     showTitle();
@@ -201,8 +202,8 @@ void DocumentWindow::listWindows() {
     fullScreen->setChecked(isFullScreen());
     list.addSeparator();
     for (DocumentWindow* const window : m_controller.windows()) {
-        QAction* const action =
-            list.addAction(menuText(window->documentName()), window, [window] { DocumentController::raise(*window); });
+        QAction* const action = list.addAction(menuText(window->documentName()), window,
+                                               [window] { DocumentController::raise(*window); });
         action->setCheckable(true);
         action->setChecked(window == this);
     }
@@ -311,13 +312,15 @@ void DocumentWindow::adoptFile(const QString& path, const std::optional<FileIden
 }
 
 void DocumentWindow::askAboutConflict(const QString& path) {
-    QMessageBox question(QMessageBox::Warning, QCoreApplication::applicationName(),
-                         QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.")
-                             .arg(QFileInfo(path).fileName()),
-                         QMessageBox::NoButton, this);
+    QMessageBox question(
+        QMessageBox::Warning, QCoreApplication::applicationName(),
+        QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.").arg(QFileInfo(path).fileName()),
+        QMessageBox::NoButton, this);
     question.setTextFormat(Qt::PlainText);
-    question.setInformativeText(QStringLiteral("Si se guarda encima, se pierde lo que otro programa escribió."));
-    const auto* overwrite = question.addButton(QStringLiteral("Guardar encima"), QMessageBox::DestructiveRole);
+    question.setInformativeText(
+        QStringLiteral("Si se guarda encima, se pierde lo que otro programa escribió."));
+    const auto* overwrite =
+        question.addButton(QStringLiteral("Guardar encima"), QMessageBox::DestructiveRole);
     const auto* elsewhere = question.addButton(QStringLiteral("Guardar como…"), QMessageBox::AcceptRole);
     question.setDefaultButton(question.addButton(QStringLiteral("Cancelar"), QMessageBox::RejectRole));
     question.exec();
@@ -339,8 +342,10 @@ void DocumentWindow::revert() {
                              QStringLiteral("¿Volver a la versión guardada de “%1”?").arg(documentName()),
                              QMessageBox::NoButton, this);
         question.setTextFormat(Qt::PlainText);
-        question.setInformativeText(QStringLiteral("Los cambios hechos desde entonces se pueden recuperar con Deshacer."));
-        const auto* accept = question.addButton(QStringLiteral("Volver a lo guardado"), QMessageBox::AcceptRole);
+        question.setInformativeText(
+            QStringLiteral("Los cambios hechos desde entonces se pueden recuperar con Deshacer."));
+        const auto* accept =
+            question.addButton(QStringLiteral("Volver a lo guardado"), QMessageBox::AcceptRole);
         question.addButton(QStringLiteral("Cancelar"), QMessageBox::RejectRole);
         question.exec();
         if (question.clickedButton() != accept) {
@@ -348,7 +353,8 @@ void DocumentWindow::revert() {
         }
     }
     m_reverting.start(
-        [path = m_path, &type = m_controller.type(), prepare = m_document->preparation()](std::stop_token stop) {
+        [path = m_path, &type = m_controller.type(),
+         prepare = m_document->preparation()](std::stop_token stop) {
             DocumentReading reading = DocumentReading::of(type, path, stop);
             if (reading.contents) {
                 prepare(**reading.contents);
@@ -443,7 +449,8 @@ void DocumentWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
     // Not before whoever dropped them is told that they arrived: opening may ask something.
     QMetaObject::invokeMethod(
-        &m_controller, [controller = &m_controller, files = event->mimeData()->urls()] { controller->openFiles(files); },
+        &m_controller,
+        [controller = &m_controller, files = event->mimeData()->urls()] { controller->openFiles(files); },
         Qt::QueuedConnection);
 }
 

@@ -89,7 +89,8 @@ signals:
     void versionChanged();
     void saved(); ///< The file has the text of this moment, or of a moment ago when there are changes.
     void savingStarted();
-    /// Follows once on each `savingStarted`, after `saved` if it `succeeded`, before the user is told otherwise.
+    /// Follows once on each `savingStarted`, after `saved` if it `succeeded`, before the user is told
+    /// otherwise.
     void savingEnded(bool succeeded);
     void closingRefused(); ///< The user wants to keep the document open.
     void changesGivenUp();

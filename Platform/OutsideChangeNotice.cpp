@@ -88,8 +88,8 @@ void OutsideChangeNotice::learnContent() {
 
 void OutsideChangeNotice::takeChange(const FileIdentity& now) {
     m_seen = now;
-    const bool wasRemoved = std::exchange(m_cleanMark, std::nullopt) ==
-                            m_window.document()->undoManager().coalescingMark();
+    const bool wasRemoved =
+        std::exchange(m_cleanMark, std::nullopt) == m_window.document()->undoManager().coalescingMark();
     if (!m_window.isWindowModified() || wasRemoved) {
         reload(false);
     } else {
@@ -105,8 +105,9 @@ void OutsideChangeNotice::takeRemoval() {
         history.resetClean();
         m_cleanMark = history.coalescingMark();
     }
-    m_bar.tell(QStringLiteral("“%1” se ha borrado o movido a otro lugar. El texto solo está ya en esta ventana.")
-                   .arg(m_window.documentName()));
+    m_bar.tell(
+        QStringLiteral("“%1” se ha borrado o movido a otro lugar. El texto solo está ya en esta ventana.")
+            .arg(m_window.documentName()));
     m_bar.offer(QStringLiteral("Guardar como…"), [this] { m_window.saveAs(); });
 }
 
@@ -130,7 +131,8 @@ void OutsideChangeNotice::reload(bool isWanted) {
             }
             return reading;
         },
-        [this, isWanted, mark = m_window.document()->undoManager().coalescingMark()](DocumentReading reading) {
+        [this, isWanted,
+         mark = m_window.document()->undoManager().coalescingMark()](DocumentReading reading) {
             const bool isSame = m_window.document()->undoManager().coalescingMark() == mark;
             finishReloading(std::move(reading), isWanted || isSame);
         });
@@ -154,8 +156,10 @@ void OutsideChangeNotice::finishReloading(DocumentReading reading, bool isWanted
 }
 
 void OutsideChangeNotice::showChange(const FileIdentity& now) {
-    QString text = QStringLiteral("“%1” ha cambiado en el disco, y aquí tiene cambios sin guardar.\nEn el disco ahora: %2.")
-                       .arg(m_window.documentName(), sizeAndTime(now));
+    QString text =
+        QStringLiteral(
+            "“%1” ha cambiado en el disco, y aquí tiene cambios sin guardar.\nEn el disco ahora: %2.")
+            .arg(m_window.documentName(), sizeAndTime(now));
     if (const auto& known = m_window.version()) {
         text += QStringLiteral("\nCuando se abrió o guardó: %1.").arg(sizeAndTime(*known));
     }

@@ -44,8 +44,8 @@ public:
     /// The file at `path` was opened or saved.
     void note(const QString& path);
 
-    /// Shows none of the present files in this run any more, unless they are noted again. Other programs go on
-    /// showing them.
+    /// Shows none of the present files in this run any more, unless they are noted again. Other programs go
+    /// on showing them.
     void clear();
 
 signals:

@@ -34,9 +34,8 @@ QString time(const RecoverableDocument& document) {
 }
 
 QTreeWidgetItem* item(const RecoverableDocument& document) {
-    auto* const item =
-        new QTreeWidgetItem({name(document), time(document),
-                             QStringLiteral("%1 caracteres").arg(groupedNumber(document.size))});
+    auto* const item = new QTreeWidgetItem(
+        {name(document), time(document), QStringLiteral("%1 caracteres").arg(groupedNumber(document.size))});
     item->setData(0, idRole, document.id);
     // A tool tip would take a path with angle brackets for markup.
     item->setToolTip(0, QStringLiteral("<qt>%1</qt>").arg(origin(document).toHtmlEscaped()));
@@ -51,11 +50,13 @@ RecoveryDialog::RecoveryDialog(const std::vector<RecoverableDocument>& documents
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Recuperar documentos"));
     resize(usualSize);
-    auto* const text = new QLabel(QStringLiteral(
-        "La última vez, el programa se interrumpió con cambios sin guardar en estos documentos. Los que recupere "
-        "se abrirán tal como estaban; ningún archivo cambia hasta que los guarde."));
+    auto* const text = new QLabel(
+        QStringLiteral("La última vez, el programa se interrumpió con cambios sin guardar en estos "
+                       "documentos. Los que recupere "
+                       "se abrirán tal como estaban; ningún archivo cambia hasta que los guarde."));
     text->setWordWrap(true);
-    m_list->setHeaderLabels({QStringLiteral("Documento"), QStringLiteral("Último cambio"), QStringLiteral("Tamaño")});
+    m_list->setHeaderLabels(
+        {QStringLiteral("Documento"), QStringLiteral("Último cambio"), QStringLiteral("Tamaño")});
     m_list->setRootIsDecorated(false);
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_list->setAccessibleName(QStringLiteral("Documentos con cambios sin guardar"));
@@ -109,11 +110,12 @@ QStringList RecoveryDialog::takeSelected() {
 
 void RecoveryDialog::discard() {
     const auto count = m_list->selectedItems().size();
-    QMessageBox question(QMessageBox::Warning, QCoreApplication::applicationName(),
-                         count == 1 ? QStringLiteral("¿Descartar los cambios de “%1”?")
-                                          .arg(m_list->selectedItems().front()->text(0))
-                                    : QStringLiteral("¿Descartar los cambios de %1 documentos?").arg(count),
-                         QMessageBox::NoButton, this);
+    QMessageBox question(
+        QMessageBox::Warning, QCoreApplication::applicationName(),
+        count == 1
+            ? QStringLiteral("¿Descartar los cambios de “%1”?").arg(m_list->selectedItems().front()->text(0))
+            : QStringLiteral("¿Descartar los cambios de %1 documentos?").arg(count),
+        QMessageBox::NoButton, this);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(QStringLiteral("No se podrán recuperar más."));
     const auto* const accept = question.addButton(QStringLiteral("Descartar"), QMessageBox::DestructiveRole);

@@ -8,13 +8,12 @@
 
 #include <algorithm>
 
-
 namespace {
 
 /// Tells of something that happened, without waiting for an answer.
 void tell(const QString& text, const QString& details, QWidget* parent) {
-    auto* const box =
-        new QMessageBox(QMessageBox::Warning, QCoreApplication::applicationName(), text, QMessageBox::Ok, parent);
+    auto* const box = new QMessageBox(QMessageBox::Warning, QCoreApplication::applicationName(), text,
+                                      QMessageBox::Ok, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
     box->setInformativeText(details);
@@ -23,7 +22,8 @@ void tell(const QString& text, const QString& details, QWidget* parent) {
 
 } // namespace
 
-RecoveryOffer::RecoveryOffer(std::shared_ptr<RecoveryStore> store, DocumentController& controller, QObject* parent)
+RecoveryOffer::RecoveryOffer(std::shared_ptr<RecoveryStore> store, DocumentController& controller,
+                             QObject* parent)
     : QObject(parent), m_store(std::move(store)), m_controller(controller) {}
 
 RecoveryOffer::~RecoveryOffer() { delete m_dialog; }

@@ -10,7 +10,8 @@
 SessionQuestion::SessionQuestion(DocumentController& controller, QObject* parent)
     : QObject(parent), m_controller(controller) {
     // Directly: the answer counts when the signal returns.
-    connect(qApp, &QGuiApplication::commitDataRequest, this, &SessionQuestion::commitData, Qt::DirectConnection);
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &SessionQuestion::commitData,
+            Qt::DirectConnection);
 }
 
 void SessionQuestion::commitData(QSessionManager& manager) {

@@ -6,8 +6,8 @@ class DocumentController;
 class DocumentWindow;
 class QSessionManager;
 
-/// Asks about unsaved documents when the user logs out. Where the desktop does not let it ask, what is kept for
-/// recovery is offered at the next start.
+/// Asks about unsaved documents when the user logs out. Where the desktop does not let it ask, what is kept
+/// for recovery is offered at the next start.
 class SessionQuestion : public QObject {
     Q_OBJECT
 

@@ -65,8 +65,8 @@ QWidget* EditorDocument::makeView(QWidget* parent) {
 }
 
 Document::Write EditorDocument::write() const {
-    return [file = m_file, snapshot = m_file->snapshot()](const QString& path, const std::stop_token& stop)
-               -> std::expected<void, QString> {
+    return [file = m_file, snapshot = m_file->snapshot()](
+               const QString& path, const std::stop_token& stop) -> std::expected<void, QString> {
         if (const auto written = file->write(snapshot, path, stop); !written) {
             return std::unexpected(message(written.error(), path));
         }
@@ -75,11 +75,12 @@ Document::Write EditorDocument::write() const {
 }
 
 Document::Preparation EditorDocument::preparation() const {
-    return [text = m_file->snapshot(), generation = m_file->buffer().generation()](DocumentContents& contents) {
-        auto& other = static_cast<FileDocumentContents&>(contents);
-        other.difference = textDifference(text, other.file->snapshot());
-        other.preparedFor = generation;
-    };
+    return
+        [text = m_file->snapshot(), generation = m_file->buffer().generation()](DocumentContents& contents) {
+            auto& other = static_cast<FileDocumentContents&>(contents);
+            other.difference = textDifference(text, other.file->snapshot());
+            other.preparedFor = generation;
+        };
 }
 
 void EditorDocument::replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) {
@@ -101,9 +102,7 @@ RecoveryFacts EditorDocument::recoveryFacts() const {
     return facts;
 }
 
-TextSelection EditorDocument::textSelection() const {
-    return TextSelection::of(m_session->textSelection());
-}
+TextSelection EditorDocument::textSelection() const { return TextSelection::of(m_session->textSelection()); }
 
 void EditorDocument::setTextSelection(TextSelection selection) {
     if (m_view != nullptr) {

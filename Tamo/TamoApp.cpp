@@ -97,7 +97,8 @@ TamoApp::~TamoApp() = default;
 int TamoApp::run(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Editor de XML para el escritorio."));
-    parser.addOptions({helpOption, versionOption, screenshotOption, stateOption, appearanceOption, traceOption});
+    parser.addOptions(
+        {helpOption, versionOption, screenshotOption, stateOption, appearanceOption, traceOption});
     parser.addPositionalArgument(QStringLiteral("archivo"),
                                  QStringLiteral("Archivos que abrir, cada uno en su ventana."),
                                  QStringLiteral("[archivo…]"));
@@ -128,13 +129,15 @@ int TamoApp::runWith(const QCommandLineParser& options) {
     }
     m_controller = std::make_unique<DocumentController>(std::make_unique<EditorDocumentType>());
     m_appDelegate = std::make_unique<AppDelegate>([this] {
-        return m_controller->hasOpenDocuments() || (m_recoveryOffer != nullptr && m_recoveryOffer->isUnderWay());
+        return m_controller->hasOpenDocuments() ||
+               (m_recoveryOffer != nullptr && m_recoveryOffer->isUnderWay());
     });
     m_appDelegate->applicationDidFinishLaunching();
     connect(m_controller.get(), &DocumentController::openingFailed, this, &TamoApp::showFailure);
     connect(m_controller.get(), &DocumentController::readyToQuit, qApp, &QApplication::quit);
     if (isPicture) {
-        m_picture = std::make_unique<WindowPicture>(options.value(screenshotOption), options.values(stateOption));
+        m_picture =
+            std::make_unique<WindowPicture>(options.value(screenshotOption), options.values(stateOption));
         connect(m_controller.get(), &DocumentController::windowOpened, m_picture.get(), &WindowPicture::take);
     } else {
         startServices();

@@ -6,7 +6,6 @@ using Desk = DocumentDesk;
 
 } // namespace
 
-
 TEST(DocumentController, OpensAFileInAWindowOfItsOwn) {
     Desk desk;
     DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));

@@ -24,7 +24,6 @@
 #include <condition_variable>
 #include <mutex>
 
-
 /// Lets workers wait at a gate while a test looks at the windows.
 class Gate {
 public:
@@ -66,8 +65,8 @@ public:
     UndoManager& undoManager() override { return m_undo; }
     QWidget* makeView(QWidget* parent) override { return new QLabel(parent); }
     Write write() const override {
-        return [text = text(), &gate = m_gate](const QString& path, const std::stop_token& stop)
-                   -> std::expected<void, QString> {
+        return [text = text(), &gate = m_gate](const QString& path,
+                                               const std::stop_token& stop) -> std::expected<void, QString> {
             gate.pass();
             QFile file(path);
             if (stop.stop_requested() || !file.open(QIODevice::WriteOnly)) {
@@ -87,7 +86,9 @@ public:
         emit textSelectionChanged();
     }
 
-    QString text() const { return QString::fromStdU16String(m_storage.text().units(m_storage.text().fullRange())); }
+    QString text() const {
+        return QString::fromStdU16String(m_storage.text().units(m_storage.text().fullRange()));
+    }
     void type(const QString& text, const QString& actionName = QStringLiteral("Escribir")) {
         const TextEdit edit{m_storage.text().fullRange(), text.toStdU16String()};
         m_history.apply(std::span(&edit, 1), actionName);
@@ -105,7 +106,9 @@ class NoteType : public DocumentType {
 public:
     explicit NoteType(Gate& gate) : m_gate(gate) {}
 
-    std::unique_ptr<Document> makeUntitled() const override { return std::make_unique<Note>(QString(), m_gate); }
+    std::unique_ptr<Document> makeUntitled() const override {
+        return std::make_unique<Note>(QString(), m_gate);
+    }
     std::expected<std::unique_ptr<DocumentContents>, QString> read(const QString& path,
                                                                    std::stop_token) const override {
         m_gate.pass();

@@ -7,7 +7,8 @@ using namespace std::chrono_literals;
 
 /// A run of the program that keeps what is unsaved, and ends like a crash: nobody closes anything.
 struct Session {
-    explicit Session(const QString& folder) : store(std::make_shared<RecoveryStore>(folder, RecoveryPace{.flushDelay = 1ms})) {
+    explicit Session(const QString& folder)
+        : store(std::make_shared<RecoveryStore>(folder, RecoveryPace{.flushDelay = 1ms})) {
         desk.controller.setRecoveryStore(store);
     }
 

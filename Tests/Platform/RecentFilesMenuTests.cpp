@@ -8,7 +8,10 @@
 namespace {
 
 struct Desk : DocumentDesk {
-    RecentFiles files{{{QStringLiteral("text/plain")}, {QStringLiteral("txt")}, QStringLiteral("Tamo"), QStringLiteral("tamo %u")},
+    RecentFiles files{{{QStringLiteral("text/plain")},
+                       {QStringLiteral("txt")},
+                       QStringLiteral("Tamo"),
+                       QStringLiteral("tamo %u")},
                       folder.filePath(QStringLiteral("recently-used.xbel"))};
 
     Desk() { controller.setRecentFiles(&files); }

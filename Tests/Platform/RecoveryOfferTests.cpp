@@ -67,7 +67,8 @@ TEST(RecoveryOffer, RecoversTheChosenTextsAsUnsavedDocuments) {
         RecoveryDialog* const dialog = start.offered();
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(dialog->findChild<QTreeWidget*>()->topLevelItemCount(), 2);
-        EXPECT_EQ(dialog->findChild<QTreeWidget*>()->topLevelItem(0)->text(2), QStringLiteral("3 caracteres"));
+        EXPECT_EQ(dialog->findChild<QTreeWidget*>()->topLevelItem(0)->text(2),
+                  QStringLiteral("3 caracteres"));
         Start::press(*dialog, QStringLiteral("Recuperar"));
         ASSERT_TRUE(start.waitUntilDone());
         EXPECT_TRUE(isGone(untouched)) << "an untouched new document makes place";

@@ -18,9 +18,11 @@ using namespace std::chrono_literals;
 /// Something mounted for the time of a test, where the system lets us.
 class Mount {
 public:
-    Mount(const QString& source, const QString& folder, const char* type, unsigned long flags, const char* options)
+    Mount(const QString& source, const QString& folder, const char* type, unsigned long flags,
+          const char* options)
         : m_folder(QFile::encodeName(folder)) {
-        m_isMounted = mount(QFile::encodeName(source).constData(), m_folder.constData(), type, flags, options) == 0;
+        m_isMounted =
+            mount(QFile::encodeName(source).constData(), m_folder.constData(), type, flags, options) == 0;
         m_error = m_isMounted ? 0 : errno;
     }
     ~Mount() {
@@ -75,7 +77,8 @@ struct Desk {
         EXPECT_FALSE(ended.first().first().toBool());
         EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
         EXPECT_EQ(answer.question(),
-                  QStringLiteral("No se pudo guardar “a.xml”: %1. El archivo en disco no ha cambiado.").arg(reason));
+                  QStringLiteral("No se pudo guardar “a.xml”: %1. El archivo en disco no ha cambiado.")
+                      .arg(reason));
         EXPECT_TRUE(window->isWindowModified());
     }
     /// Ends like a crash, which loses nothing.
@@ -126,7 +129,9 @@ TEST(SaveFault, DiskThatBecameReadOnly) {
         GTEST_SKIP() << "nothing can be mounted here: " << disk.reason();
     }
     desk.open();
-    ASSERT_EQ(mount(nullptr, QFile::encodeName(desk.files).constData(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    ASSERT_EQ(mount(nullptr, QFile::encodeName(desk.files).constData(), nullptr,
+                    MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr),
+              0);
     desk.checkSave(QStringLiteral("no tiene permiso para escribir el archivo"));
     desk.checkKept();
     desk.checkFile();
