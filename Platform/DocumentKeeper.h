@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class DocumentWindow;
 class RecoveryStore;
@@ -23,9 +24,11 @@ public:
 private:
     RecoveryFacts facts() const;
     void followSave();
+    void followVersion();
     void followHistory(bool isClean);
     void tellFailure(const QString& message);
 
     DocumentWindow& m_window;
+    std::optional<FileIdentity> m_version; ///< That is kept with the text.
     const std::unique_ptr<DocumentRecovery> m_recovery;
 };
