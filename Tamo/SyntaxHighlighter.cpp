@@ -12,6 +12,7 @@
 
 namespace {
 
+using SyntaxHighlighter::Run;
 using SyntaxHighlighter::Style;
 using enum SystemColor;
 
@@ -38,12 +39,43 @@ constexpr std::array<std::optional<Style>, kinds> styles = {
     Style{systemRed, TemporaryAttributes::Underline::thick}, // invalid
 };
 
-Offset lexStart(const Rope& text, SourceRange visible, const DocumentTree* tree) {
+/// Where lexing starts for `visible`: at most `lookBack` units before it, or before its line when that is
+/// read from its start.
+Offset lexStart(const Rope& text, SourceRange visible, const DocumentTree* tree, Offset lookBack) {
     const SourceRange line = text.lineRange(text.line(visible.lower));
     const Offset start = line.length() > SyntaxHighlighter::longestLine ? visible.lower : line.lower;
     const Offset anchor = tree != nullptr ? tree->lexStart(visible.lower) : start;
-    const bool isFar = visible.lower - anchor > SyntaxHighlighter::longestLookBack;
+    const bool isFar = anchor < start && start - anchor > lookBack;
     return isFar ? start : anchor;
+}
+
+/// Whether lexing goes on from one stretch to the next, over at most `longestGap` units.
+bool goesOn(SourceRange from, SourceRange to, const DocumentTree* tree, Offset longestGap) {
+    const Offset gap = to.lower - from.upper;
+    return gap == 0 || (gap <= longestGap && (tree == nullptr || tree->lexStart(to.lower) < from.upper));
+}
+
+/// Adds the runs of `visible`, read in one go from `start` on.
+void read(const Rope& text, Offset start, std::span<const SourceRange> visible, std::vector<Run>& runs) {
+    const std::u16string units = text.units({start, visible.back().upper});
+    UnitIndex index;
+    Lexer lexer(units, index);
+    auto stretch = visible.begin();
+    while (const auto token = lexer.next()) {
+        const SourceRange range = token->range.shifted(start);
+        const bool isColoured = SyntaxHighlighter::style(token->kind).has_value();
+        while (stretch != visible.end() && stretch->lower < range.upper) {
+            const SourceRange shown = SourceRange::unchecked(std::max(range.lower, stretch->lower),
+                                                             std::min(range.upper, stretch->upper));
+            if (isColoured && shown.lower < shown.upper) {
+                runs.push_back({shown, token->kind});
+            }
+            if (stretch->upper > range.upper) {
+                break;
+            }
+            ++stretch;
+        }
+    }
 }
 
 } // namespace
@@ -58,18 +90,22 @@ TemporaryAttributes SyntaxHighlighter::attributes(Token::Kind of, const QPalette
                  : TemporaryAttributes{};
 }
 
-std::vector<SyntaxHighlighter::Run> SyntaxHighlighter::runs(const Rope& text, SourceRange visible,
-                                                            const DocumentTree* tree) {
-    const Offset start = lexStart(text, visible, tree);
-    const std::u16string units = text.units({start, visible.upper});
-    UnitIndex index;
-    Lexer lexer(units, index);
+std::vector<Run> SyntaxHighlighter::runs(const Rope& text, std::span<const SourceRange> visible,
+                                         const DocumentTree* tree) {
     std::vector<Run> runs;
-    while (const auto token = lexer.next()) {
-        const SourceRange range = token->range.shifted(start);
-        if (range.upper > visible.lower && style(token->kind)) {
-            runs.push_back({{std::max(range.lower, visible.lower), range.upper}, token->kind});
+    Offset room = longestLookBack; // What may be read between the stretches yet.
+    for (std::size_t first = 0; first < visible.size();) {
+        const Offset start = lexStart(text, visible[first], tree, first == 0 ? longestLookBack : room);
+        if (first > 0) {
+            room -= std::min(room, visible[first].lower - start);
         }
+        std::size_t end = first + 1;
+        while (end < visible.size() && goesOn(visible[end - 1], visible[end], tree, room)) {
+            room -= visible[end].lower - visible[end - 1].upper;
+            ++end;
+        }
+        read(text, start, visible.subspan(first, end - first), runs);
+        first = end;
     }
     return runs;
 }
@@ -88,11 +124,13 @@ void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, cons
     for (std::size_t kind = 0; kind < kinds; ++kind) {
         looks[kind] = attributes(static_cast<Token::Kind>(kind), view.palette());
     }
+    const std::vector<Run> found = runs(buffer.text(), stretches, tree);
+    auto run = found.begin();
     std::vector<AttributeRuns::Run> coloured;
     for (const SourceRange stretch : stretches) {
         coloured.clear();
-        for (const auto& [range, kind] : runs(buffer.text(), stretch, tree)) {
-            coloured.push_back({range, looks[static_cast<std::size_t>(kind)]});
+        for (; run != found.end() && run->range.lower < stretch.upper; ++run) {
+            coloured.push_back({run->range, looks[static_cast<std::size_t>(run->kind)]});
         }
         view.setTemporaryAttributes(stretch, coloured);
     }

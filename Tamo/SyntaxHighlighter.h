@@ -7,6 +7,7 @@
 #include "Token.h"
 
 #include <optional>
+#include <span>
 #include <vector>
 
 class QPalette;
@@ -39,16 +40,18 @@ struct Run {
     bool operator==(const Run&) const = default;
 };
 
-/// How far before what shows lexing may start.
+/// How far before what shows lexing may start; as many units again it may read between the parts that show.
 inline constexpr Offset longestLookBack = 0x40000;
 
 /// A longer line is never read from its start without a tree: what shows of it counts as the line.
 inline constexpr Offset longestLine = 32'768;
 
-/// The runs of `visible`, whole lines of `text` or a stretch of one, in ascending order. They are read on
-/// from where `tree` says that content begins or goes on, unless that is too far back; then, and without a
-/// tree, as if the first of the lines began in content. The tree is that of this very text.
-std::vector<Run> runs(const Rope& text, SourceRange visible, const DocumentTree* tree);
+/// The runs of `visible`, stretches of `text` that ascend, each of whole lines or a part of one. A run ends
+/// with its stretch. They are read on from where `tree` says that content begins or goes on, unless that is
+/// too far back; then, and without a tree, as if the first of the lines began in content. Units between two
+/// stretches are read along unless the tree makes that unnecessary or there are too many; after these the
+/// rule begins anew. The tree is that of this very text.
+std::vector<Run> runs(const Rope& text, std::span<const SourceRange> visible, const DocumentTree* tree);
 
 /// Lines of more units than this are coloured around what shows of them only.
 inline constexpr Offset longestWholeLine = 2048;

@@ -10,6 +10,7 @@
 #include <QPalette>
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -26,7 +27,7 @@ const QPalette light = surroundings(Qt::white);
 const QPalette dark = surroundings(QColor(0x20, 0x20, 0x20));
 
 Runs runs(std::u16string_view text, SourceRange visible, const DocumentTree* tree = nullptr) {
-    return SyntaxHighlighter::runs(Rope(text), visible, tree);
+    return SyntaxHighlighter::runs(Rope(text), std::array{visible}, tree);
 }
 
 Runs runsOfAll(std::u16string_view text) { return runs(text, {0, static_cast<std::int64_t>(text.size())}); }
@@ -312,6 +313,59 @@ TEST(SyntaxHighlighter, ReadsALineFromItsStart) {
     std::u16string longer = u"text\n<a b='";
     longer.append(SyntaxHighlighter::longestLine, u'v').append(u"'/>");
     EXPECT_EQ(runs(longer, {5'000, 6'000}), Runs());
+}
+
+// What does not show of a long line still tells how the lines after it go on.
+TEST(SyntaxHighlighter, ReadsOnThroughWhatDoesNotShowOfALine) {
+    std::u16string text = u"<!--\n";
+    text.append(5'000, u'c').append(u"\n<b>\n--><d>");
+    const std::array visible{SourceRange(0, 5), SourceRange(5, 300), SourceRange(5'006, 5'016)};
+    const Runs expected = {
+        {{0, 5}, Kind::comment},         {{5, 300}, Kind::comment},
+        {{5'006, 5'013}, Kind::comment}, {{5'013, 5'014}, Kind::openTagStart},
+        {{5'014, 5'015}, Kind::tagName}, {{5'015, 5'016}, Kind::tagEnd},
+    };
+    const DocumentTree tree = TreeParser::parse(SourceText(text));
+    EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), visible, nullptr), expected);
+    EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), visible, &tree), expected);
+
+    std::u16string shown = u"<!--\n";
+    shown.append(5'000, u'c').append(u"\nname -->");
+    Desk desk(shown);
+    desk.highlight();
+    EXPECT_GT(desk.pixels(SystemColor::systemGray, 2), 0);
+}
+
+TEST(SyntaxHighlighter, SkipsWhatIsTooLongToReadOnThrough) {
+    for (const bool isTooLong : {false, true}) {
+        // Between the stretches stands just as much as may be, or one unit more.
+        const Offset gap = SyntaxHighlighter::longestLookBack + (isTooLong ? 1 : 0);
+        std::u16string text = u"<!--";
+        text.append(gap, u'c').append(u"<b>\n-->");
+        const auto size = static_cast<Offset>(text.size());
+        const std::array visible{SourceRange(0, 4), SourceRange(gap + 4, size)};
+        const Runs found = SyntaxHighlighter::runs(Rope(text), visible, nullptr);
+        ASSERT_GE(found.size(), 2U);
+        EXPECT_EQ(found[1].kind, isTooLong ? Kind::openTagStart : Kind::comment);
+    }
+}
+
+TEST(SyntaxHighlighter, StartsAnewWhereTheTreeTellsHow) {
+    std::u16string text = u"<a><b c='";
+    text.append(300'000, u'v').append(u"'/><d/>text</a>");
+    const DocumentTree tree = TreeParser::parse(SourceText(text));
+    const Offset second = 300'000 + 12; // The `<` of `<d/>`.
+    const std::array visible{SourceRange(0, 5), SourceRange(second + 1, second + 4)};
+    EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), visible, &tree),
+              (Runs{
+                  {{0, 1}, Kind::openTagStart},
+                  {{1, 2}, Kind::tagName},
+                  {{2, 3}, Kind::tagEnd},
+                  {{3, 4}, Kind::openTagStart},
+                  {{4, 5}, Kind::tagName},
+                  {{second + 1, second + 2}, Kind::tagName},
+                  {{second + 2, second + 4}, Kind::selfCloseEnd},
+              }));
 }
 
 // A stretch of a very long line is read as a line is: back to where the tree says, if that is near.
