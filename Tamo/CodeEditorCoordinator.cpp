@@ -3,6 +3,7 @@
 #include "DiagnosticFinder.h"
 #include "PairedTagRename.h"
 #include "PatientWait.h"
+#include "ProblemFixes.h"
 #include "SyntaxHighlighter.h"
 #include "SystemColor.h"
 #include "TagMatcher.h"
@@ -25,11 +26,18 @@ constexpr auto patience = 200ms;
 constexpr Offset quickLength = 1'000'000;  ///< No aid takes long over so much text.
 constexpr Offset slowLength = 300'000'000; ///< Just to put so much text into one array takes long.
 constexpr Offset completionLookBack = 65'536;
+constexpr std::size_t fewEdits = 1000;   ///< Of so many everybody may be told one by one.
 constexpr std::size_t mostMessages = 10; ///< In one tool tip.
 constexpr std::size_t mostFixes = 20;    ///< In one menu.
+constexpr std::size_t longestShown =
+    120; ///< Units of a message or title; names in them may be of any length.
 
 QString string(std::u16string_view units) {
     return QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
+}
+
+QString shortened(std::u16string_view text) {
+    return text.size() <= longestShown ? string(text) : string(text.substr(0, longestShown - 1)) + u'…';
 }
 
 /// `title` for a menu, where a single ampersand would mark a letter.
@@ -101,7 +109,7 @@ QString messages(const std::vector<DiagnosticFinder::Found>& found, const Diagno
             lines += QStringLiteral("…");
             break;
         }
-        lines += string(diagnostics[diagnostic.index].message);
+        lines += shortened(diagnostics[diagnostic.index].message);
     }
     return lines.join(u'\n');
 }
@@ -280,7 +288,18 @@ bool CodeEditorCoordinator::handle(const Input& input) {
 }
 
 void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
-    m_session.buffer().apply(edit.edits, QStringLiteral("Escribir"));
+    const QString actionName = QStringLiteral("Escribir");
+    TextBuffer& buffer = m_session.buffer();
+    if (edit.edits.size() <= fewEdits) {
+        buffer.apply(edit.edits, actionName);
+    } else {
+        // The lines of a whole document, say, as one replacement.
+        const auto [range, units] = answer(buffer, [&](const SourceText& text) {
+            const TextEdit merged = ProblemFixes::merged(edit.edits, text);
+            return std::pair(merged.range, Rope(merged.replacement));
+        });
+        buffer.replace(range, units, actionName);
+    }
     if (!edit.placeholders.empty()) {
         m_placeholders.start(edit.placeholders);
     }
@@ -366,7 +385,7 @@ std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* pare
     for (const auto& problem : found) {
         const Diagnostic diagnostic = diagnostics[problem.index];
         if (diagnostic.fix && actions.size() < mostFixes) {
-            auto* action = new QAction(menuText(string(diagnostic.fix->title)), parent);
+            auto* action = new QAction(menuText(shortened(diagnostic.fix->title)), parent);
             connect(action, &QAction::triggered, this, [this, diagnostic] { apply(diagnostic); });
             actions.push_back(action);
         }

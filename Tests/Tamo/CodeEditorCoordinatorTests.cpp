@@ -1,6 +1,7 @@
 #include "CodeEditorCoordinator.h"
 
 #include "EditorDesk.h"
+#include "Repeated.h"
 
 #include <QContextMenuEvent>
 #include <QInputMethodEvent>
@@ -154,6 +155,25 @@ TEST(CodeEditorCoordinator, OutdentsWithShiftTab) {
     desk.type("\v");
     EXPECT_EQ(desk.state(), u"<a|>");
     EXPECT_FALSE(desk.undoManager.canUndo());
+}
+
+TEST(CodeEditorCoordinator, IndentsVeryManyLinesInOneReplacement) {
+    const std::u16string text = std::u16string(u"|") + repeated(u"<b/>\n\n", 2'000) + u"|";
+    EditorDesk desk(text);
+    const std::u16string indented =
+        std::u16string(u"    |") + repeated(u"<b/>\n\n    ", 1'999) + u"<b/>\n\n|";
+    desk.type("\t");
+    EXPECT_EQ(desk.state(), indented);
+    EXPECT_EQ(desk.buffer.generation(), 1);
+    EXPECT_EQ(desk.undoManager.undoActionName(), typing);
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), text);
+    EXPECT_FALSE(desk.undoManager.canUndo());
+    desk.view().redo();
+    desk.view().select(desk.buffer.text().fullRange());
+    desk.type("\v");
+    EXPECT_EQ(desk.state(), text);
+    EXPECT_EQ(desk.buffer.generation(), 4);
 }
 
 // Placeholders
@@ -385,12 +405,15 @@ TEST(CodeEditorCoordinator, RevealsWhatTheSessionAsksForOnce) {
 }
 
 TEST(CodeEditorCoordinator, RevealsTheRestOfARangeBeyondTheText) {
-    EditorDesk desk(u"|<a>text</a>");
-    desk.session.reveal({3, 11});
-    desk.view().select(SourceRange());
-    desk.session.reveal({3, 11});
-    desk.buffer.apply(std::vector{TextEdit::deleteRange({5, 11})});
-    EXPECT_EQ(desk.view().selection().upper, 5U);
+    for (const auto& [length, expected] :
+         {std::pair{5, SourceRange(3, 5)}, std::pair{2, SourceRange(2, 2)}}) {
+        EditorDesk desk(u"|<a>text</a>");
+        desk.session.reveal({3, 7});
+        desk.buffer.apply(std::vector{TextEdit::deleteRange({length, 11})});
+        // Another pane finds the request as it was made for the longer text.
+        CodeEditorView late(desk.session);
+        EXPECT_EQ(late.textView().selection(), expected);
+    }
 }
 
 TEST(CodeEditorCoordinator, ShowsAPendingRevealAsSoonAsThereIsAView) {
@@ -465,6 +488,17 @@ TEST(CodeEditorCoordinator, OffersTheFixesOfTheLineWhenNoneIsAtTheCaret) {
     menu()->actions().front()->trigger();
     menu()->close();
     EXPECT_EQ(desk.buffer.text(), Rope(u"<a>\n  &amp; and\n&</a>"));
+}
+
+TEST(CodeEditorCoordinator, ShortensWhatALongNameIsIn) {
+    EditorDesk desk(std::u16string(u"<|") + repeated(u"n", 100'000) + u">");
+    EXPECT_EQ(desk.coordinator().toolTip(5), QStringLiteral("Falta cerrar <") + QString(105, u'n') + u'…');
+    QTest::keyClick(&desk.view(), Qt::Key_Return, Qt::AltModifier);
+    const QString title = QStringLiteral("Cerrar <") + QString(111, u'n') + u'…';
+    EXPECT_EQ(titles(menu()), QStringList(title));
+    QTest::keyClick(menu(), Qt::Key_Return);
+    EXPECT_TRUE(desk.text().ends_with(std::u16string(u"</") + repeated(u"n", 100'000) + u">"));
+    EXPECT_EQ(desk.undoManager.undoActionName(), title);
 }
 
 TEST(CodeEditorCoordinator, OffersNothingWhereThereIsNothingToFix) {
