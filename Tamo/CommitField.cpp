@@ -17,6 +17,11 @@ constexpr qsizetype longestShown = 1'000; ///< Of what cannot be edited.
 constexpr int fewestLines = 3;
 constexpr int mostLines = 12;
 
+QString withLineFeeds(QString text) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return text.replace(u'\r', u'\n');
+}
+
 bool isReturn(const QKeyEvent& key) { return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter; }
 
 } // namespace
@@ -49,7 +54,15 @@ QWidget* CommitField::editor() const {
 
 bool CommitField::isFocused() const { return editor()->hasFocus(); }
 
-QString CommitField::draft() const { return m_line != nullptr ? m_line->text() : m_text->toPlainText(); }
+QString CommitField::draft() const {
+    if (m_line != nullptr) {
+        return m_line->text();
+    }
+    // The plain text would have spaces that break in the place of those that do not.
+    QString text = m_text->document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+    // Shift-Return writes one, unless it is the document that has it.
+    return m_value.contains(QChar::LineSeparator) ? text : text.replace(QChar::LineSeparator, u'\n');
+}
 
 void CommitField::setDraft(const QString& draft) {
     if (m_line != nullptr) {
@@ -65,7 +78,8 @@ void CommitField::setValue(const QString& value) {
     }
     m_value = value;
     m_committed.reset();
-    if (!isFocused() || draft() == m_shown || draft() == value) {
+    if (const QString now = draft();
+        !isFocused() || now == m_shown || now == value || now == withLineFeeds(value)) {
         showValue();
     }
 }

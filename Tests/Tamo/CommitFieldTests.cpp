@@ -162,6 +162,18 @@ TEST(CommitField, KeepsLineBreaksItCannotShow) {
     }
 }
 
+TEST(CommitField, KeepsSpacesThatDoNotBreak) {
+    const QString value = QStringLiteral("a\u00A0b\u2028c");
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis, value);
+        EXPECT_EQ(desk.field->draft(), value);
+        QTest::keyClick(desk.field->editor(), Qt::Key_End, Qt::ControlModifier);
+        desk.type(QStringLiteral("d"));
+        desk.other->setFocus();
+        EXPECT_EQ(desk.commits, QStringList{value + u'd'});
+    }
+}
+
 TEST(CommitField, ShowsTheStartOfWhatIsTooLongToEdit) {
     for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
         Desk desk(axis, QString(65'537, u'x'));
