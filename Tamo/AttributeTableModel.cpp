@@ -7,9 +7,15 @@
 namespace {
 
 constexpr Offset longestShown = 512; ///< Units of a name or value in a cell that is not edited.
+constexpr Offset longestEdited = 65'536;
+constexpr Offset longestHashed = 256;
+
+SourceRange startOf(SourceRange range, Offset length) {
+    return {range.lower, range.lower + std::min(range.length(), length)};
+}
 
 QString shown(const DocumentTree& tree, SourceRange range) {
-    const SourceRange start{range.lower, range.lower + std::min(range.length(), longestShown)};
+    const SourceRange start = startOf(range, longestShown);
     const QString text = QString::fromStdU16String(Escaping::unescape(tree.text.string(start)));
     return start == range ? text : text + u'…';
 }
@@ -17,7 +23,8 @@ QString shown(const DocumentTree& tree, SourceRange range) {
 std::vector<std::size_t> nameHashes(const DocumentTree& tree, NodeID node) {
     std::vector<std::size_t> hashes;
     for (const AttributeSpan& attribute : tree.attributesOf(node)) {
-        hashes.push_back(std::hash<std::u16string_view>()(tree.text.units(attribute.name)));
+        const SourceRange start = startOf(attribute.name, longestHashed);
+        hashes.push_back(std::hash<std::u16string_view>()(tree.text.units(start)) + attribute.name.length());
     }
     return hashes;
 }
@@ -60,9 +67,12 @@ std::u16string AttributeTableModel::attributeName(int row) const {
     return m_tree->text.string(attributes()[static_cast<std::size_t>(row)].name);
 }
 
-QString AttributeTableModel::attributeValue(int row) const {
-    const AttributeSpan& attribute = attributes()[static_cast<std::size_t>(row)];
-    return QString::fromStdU16String(Escaping::unescape(m_tree->text.string(attribute.value)));
+QString AttributeTableModel::editedText(const QModelIndex& cell) const {
+    const AttributeSpan& attribute = attributes()[static_cast<std::size_t>(cell.row())];
+    const SourceRange range = cell.column() == name ? attribute.name : attribute.value;
+    const std::u16string start = m_tree->text.string(startOf(range, longestEdited + 1));
+    const bool isRead = cell.column() == value && range.length() <= longestEdited;
+    return QString::fromStdU16String(isRead ? Escaping::unescape(start) : start);
 }
 
 int AttributeTableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }

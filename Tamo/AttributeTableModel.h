@@ -22,8 +22,9 @@ public:
     void setNode(const DocumentTree* tree, NodeID node);
 
     std::u16string attributeName(int row) const;
-    /// As the user reads it, references resolved.
-    QString attributeValue(int row) const;
+    /// The name or value in a cell as the user edits it, references resolved. Of one with more than 65536 units
+    /// only the start, which is longer than that too.
+    QString editedText(const QModelIndex& cell) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -37,5 +38,5 @@ private:
 
     const DocumentTree* m_tree = nullptr;
     NodeID m_node;
-    std::vector<std::size_t> m_nameHashes; ///< Of each row; they outlive the tree.
+    std::vector<std::size_t> m_nameHashes; ///< Of the start of each; they outlive the tree.
 };

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -45,12 +46,7 @@ public:
 
     // A field knows its value and commits by itself.
     void setEditorData(QWidget* editor, const QModelIndex& cell) const override {
-        auto* const field = static_cast<CommitField*>(editor);
-        if (cell.column() == AttributeTableModel::name) {
-            field->setValue(QString::fromStdU16String(m_view.m_model.attributeName(cell.row())));
-        } else {
-            field->setValue(m_view.m_model.attributeValue(cell.row()));
-        }
+        static_cast<CommitField*>(editor)->setValue(m_view.m_model.editedText(cell));
     }
     void setModelData(QWidget*, QAbstractItemModel*, const QModelIndex&) const override {}
     bool eventFilter(QObject*, QEvent*) override { return false; }
@@ -126,14 +122,22 @@ AttributeTableView::AttributeTableView(EditorSession& session, QWidget* parent)
 
 void AttributeTableView::setElement(const NodePath& path, NodeID node) {
     if (path != m_path) {
-        m_table->setCurrentIndex({});
-        m_model.setNode(nullptr, {});
-        m_added.clear();
+        clear();
     }
     m_path = path;
-    m_model.setNode(&m_session.tree(), node);
+    {
+        const QScopedValueRollback changing(m_isChanging, true);
+        m_model.setNode(&m_session.tree(), node);
+    }
     fitHeight();
     editAdded();
+}
+
+void AttributeTableView::clear() {
+    const QScopedValueRollback changing(m_isChanging, true);
+    m_table->setCurrentIndex({});
+    m_model.setNode(nullptr, {});
+    m_added.clear();
 }
 
 CommitField* AttributeTableView::makeField(const QModelIndex& cell, QWidget* parent) {
@@ -143,7 +147,9 @@ CommitField* AttributeTableView::makeField(const QModelIndex& cell, QWidget* par
     field->setFont(m_table->font());
     field->editor()->installEventFilter(this);
     const QPersistentModelIndex edited(cell);
-    field->setCommit([this, edited](const QString& draft) { return edited.isValid() && commit(edited, draft); });
+    field->setCommit([this, edited](const QString& draft) {
+        return edited.isValid() && !m_isChanging && commit(edited, draft);
+    });
     return field;
 }
 

@@ -23,6 +23,9 @@ public:
     /// Shows the element `node` of the session's tree, which stands at `path`. To be called for every tree.
     void setElement(const NodePath& path, NodeID node);
 
+    /// Shows no element, and no longer reads the session's tree. A draft that was not committed is given up.
+    void clear();
+
     QTableView* table() const { return m_table; }
     QToolButton* addButton() const { return m_add; }
 
@@ -48,5 +51,6 @@ private:
     AttributeTableModel m_model;
     QTableView* m_table = nullptr;
     QToolButton* m_add = nullptr;
+    bool m_isChanging = false; ///< Fields that close meanwhile are of rows that are no more.
     QString m_added; ///< The name of an attribute that the next tree will have, to be edited at once.
 };

@@ -114,6 +114,8 @@ public:
     bool areRowsFiltered() const { return !m_outline.shownFilter().isEmpty(); }
 
     const std::optional<NodePath>& selection() const { return m_selection; }
+    /// The node of `tree` that is selected. Counts no siblings where the outline shows it.
+    std::optional<NodeID> selectedNode() const;
     const std::optional<RevealRequest>& revealRequest() const { return m_revealRequest; }
 
     /// From the document to the selected node; empty when none is selected.
@@ -223,7 +225,6 @@ private:
     ReparseScheduler::Snapshot snapshot() const;
     void deliver(ReparseScheduler::Result result);
     bool isStillThere(const OutlineContents& selectionIn) const;
-    std::optional<NodeID> selectedNode() const;
     void bringTreeUpToDate();
 
     void setSelection(const std::optional<NodePath>& selection);

@@ -9,6 +9,7 @@
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TagPalette.h"
+#include "TextNavigation.h"
 
 #include <QEvent>
 #include <QGridLayout>
@@ -26,7 +27,7 @@ constexpr int margin = 16;
 constexpr int sectionSpacing = 20;
 constexpr int symbolSize = 20;
 constexpr Offset longestSource = 16'384;
-constexpr Offset longestContent = 65'536; ///< Longer ones the field only shows the start of.
+constexpr Offset longestContent = 65'536; ///< Of longer ones and longer names a field shows the start.
 
 /// A label whose ink is a system colour, whatever the palette becomes.
 class Heading : public QLabel {
@@ -169,12 +170,13 @@ QPushButton* NodeInspectorView::makeButton(const QString& text, const QString& s
 // What it shows
 
 void NodeInspectorView::showSelection() {
-    const auto& selection = m_session.selection();
-    const auto node = selection ? m_session.tree().resolve(*selection) : std::nullopt;
+    const auto node = m_session.selectedNode();
     m_nothing->setVisible(!node);
     m_form->setVisible(node.has_value());
     if (node) {
-        showNode(*selection, *node);
+        showNode(*m_session.selection(), *node);
+    } else {
+        m_attributes->clear();
     }
 }
 
@@ -187,7 +189,6 @@ void NodeInspectorView::showNode(const NodePath& path, NodeID node) {
         m_content->discardDraft();
     }
     m_path = path;
-    m_node = node;
     showHeader(node);
 
     const bool isElement = kind == TreeNode::Kind::element;
@@ -200,14 +201,18 @@ void NodeInspectorView::showNode(const NodePath& path, NodeID node) {
     m_sourceSection->setVisible(hasSource);
     m_actionSection->setVisible(!hasSource);
     if (isElement) {
-        m_name->setValue(QString::fromStdU16String(tree.name(node)));
+        m_name->setValue(start(tree[node].nameRange));
         m_attributes->setElement(path, node);
+    } else {
+        m_attributes->clear();
     }
     if (hasContent) {
         m_content->setValue(content(node));
     }
-    if (hasSource && m_source->toPlainText() != source(node)) {
-        m_source->setPlainText(source(node));
+    // A text that is put in again scrolls back to its start.
+    if (QString shown = hasSource ? source(node) : QString(); shown != m_shownSource) {
+        m_shownSource = std::move(shown);
+        m_source->setPlainText(m_shownSource);
     }
 }
 
@@ -216,7 +221,7 @@ void NodeInspectorView::showHeader(NodeID node) {
     const TreeNode::Kind kind = tree[node].kind;
     QColor ink = color(SystemColor::secondaryLabel, palette());
     if (kind == TreeNode::Kind::element) {
-        ink = TagPalette::tagColor(QString::fromStdU16String(tree.name(node)), palette());
+        ink = TagPalette::tagColor(start(tree[node].nameRange), palette());
     }
     QPixmap picture(QSize(symbolSize, symbolSize) * devicePixelRatioF());
     picture.setDevicePixelRatio(devicePixelRatioF());
@@ -235,12 +240,15 @@ void NodeInspectorView::showHeader(NodeID node) {
 QString NodeInspectorView::content(NodeID node) const {
     const DocumentTree& tree = m_session.tree();
     const SourceRange range = tree[node].contentRange;
-    if (range.length() > longestContent) {
-        // Enough to be seen as too long, and no more.
-        return QString::fromStdU16String(
-            tree.text.string({range.lower, range.lower + longestContent + 1}));
-    }
-    return QString::fromStdU16String(tree.textContent(node).value_or(std::u16string()));
+    return range.length() > longestContent
+               ? start(range)
+               : QString::fromStdU16String(tree.textContent(node).value_or(std::u16string()));
+}
+
+/// Enough of `range` to be seen as too long, and no more.
+QString NodeInspectorView::start(SourceRange range) const {
+    const Offset shown = std::min(range.length(), longestContent + 1);
+    return QString::fromStdU16String(m_session.tree().text.string({range.lower, range.lower + shown}));
 }
 
 QString NodeInspectorView::source(NodeID node) const {
@@ -266,7 +274,14 @@ bool NodeInspectorView::rename(const QString& name) {
 }
 
 bool NodeInspectorView::setContent(const QString& text) {
-    m_session.setText(m_path, text);
+    QString written = text;
+    // The field has lost them, and new lines are to end like those of the document.
+    const bool usesCRLF = TextNavigation::lineEnding(m_session.buffer().text()) == u"\r\n";
+    if (usesCRLF && text != m_content->value()) {
+        written.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        written.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
+    }
+    m_session.setText(m_path, written);
     return !m_session.errorMessage();
 }
 

@@ -42,6 +42,7 @@ private:
     void showHeader(NodeID node);
     QString content(NodeID node) const;
     QString source(NodeID node) const;
+    QString start(SourceRange range) const;
 
     bool rename(const QString& name);
     bool setContent(const QString& text);
@@ -53,7 +54,7 @@ private:
 
     EditorSession& m_session;
     NodePath m_path;
-    NodeID m_node;
+    QString m_shownSource;
 
     EmptyStateView* m_nothing = nullptr;
     QScrollArea* m_form = nullptr;

@@ -144,6 +144,52 @@ TEST(AttributeTableView, AddsAnAttributeAndEditsItsName) {
     EXPECT_EQ(desk.text(), QStringLiteral("<a atributo='1' id=\"\"/>"));
 }
 
+TEST(AttributeTableView, GivesUpADraftForTheElementBefore) {
+    Desk desk(u"<a b='1'><c b='2'/></a>");
+    QLineEdit* const field = desk.edit(0, Column::value);
+    ASSERT_NE(field, nullptr);
+    QTest::keyClicks(field, QStringLiteral("x"));
+    const NodePath other{{0, 0}};
+    desk.view.setElement(other, *desk.session.tree().resolve(other));
+    EXPECT_EQ(desk.text(), QStringLiteral("<a b='1'><c b='2'/></a>"));
+    EXPECT_EQ(desk.cell(0, Column::value), QStringLiteral("2"));
+}
+
+TEST(AttributeTableView, DoesNotBringBackAnAttributeThatGoesWhileItIsEdited) {
+    Desk desk(u"<a b='1' c='2'/>");
+    QLineEdit* const field = desk.edit(1, Column::value);
+    ASSERT_NE(field, nullptr);
+    QTest::keyClicks(field, QStringLiteral("x"));
+    desk.session.removeAttribute(NodePath{{0}}, QStringLiteral("c"));
+    desk.waitForTree();
+    EXPECT_EQ(desk.text(), QStringLiteral("<a b='1'/>"));
+    EXPECT_EQ(desk.table().model()->rowCount(), 1);
+}
+
+TEST(AttributeTableView, IsEmptyWhenItIsCleared) {
+    Desk desk(u"<a b='1' c='2'/>");
+    QLineEdit* const field = desk.edit(1, Column::value);
+    ASSERT_NE(field, nullptr);
+    QTest::keyClicks(field, QStringLiteral("x"));
+    desk.view.clear();
+    EXPECT_EQ(desk.table().model()->rowCount(), 0);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a b='1' c='2'/>"));
+    desk.showRoot();
+    EXPECT_EQ(desk.cell(1, Column::value), QStringLiteral("2"));
+}
+
+TEST(AttributeTableView, ShowsTheStartOfAValueTooLongToEdit) {
+    std::u16string text = u"<a b='";
+    text.append(70'000, u'x').append(u"'/>");
+    Desk desk(text);
+    QLineEdit* const field = desk.edit(0, Column::value);
+    ASSERT_NE(field, nullptr);
+    EXPECT_TRUE(field->isReadOnly());
+    EXPECT_EQ(field->text(), QString(1'000, u'x') + u'…');
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_FALSE(desk.undo.canUndo());
+}
+
 TEST(AttributeTableView, ShowsAHundredThousandAttributes) {
     std::u16string text = u"<a";
     for (int at = 0; at < 100'000; ++at) {

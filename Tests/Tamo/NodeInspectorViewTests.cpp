@@ -161,6 +161,23 @@ TEST(NodeInspectorView, EditsContentWhenTheFieldIsLeft) {
     EXPECT_EQ(content.draft(), QStringLiteral("<dos>"));
 }
 
+TEST(NodeInspectorView, EndsLinesLikeTheDocument) {
+    Desk desk(u"<a>\r\n<b>uno\r\ndos</b>\r\n</a>");
+    desk.session.select(NodePath{{0, 0}});
+    CommitField& content = desk.field(QStringLiteral("Texto"));
+    content.setFocus();
+    content.selectAll();
+    QTest::keyClick(content.editor(), Qt::Key_End, Qt::ControlModifier);
+    QTest::keyClick(content.editor(), Qt::Key_Return);
+    QTest::keyClicks(content.editor(), QStringLiteral("tres"));
+    QTest::keyClick(content.editor(), Qt::Key_Return, Qt::ControlModifier);
+    const QString after = QStringLiteral("<a>\r\n<b>uno\r\ndos\r\ntres</b>\r\n</a>");
+    EXPECT_EQ(desk.text(), after);
+    desk.waitForTree();
+    desk.field(QStringLiteral("Nombre")).setFocus();
+    EXPECT_EQ(desk.text(), after);
+}
+
 TEST(NodeInspectorView, KeepsADraftToTheNodeItWasWrittenFor) {
     Desk desk(u"<a><b>uno</b><c>dos</c></a>");
     desk.session.select(NodePath{{0, 0}});
@@ -171,6 +188,23 @@ TEST(NodeInspectorView, KeepsADraftToTheNodeItWasWrittenFor) {
     EXPECT_EQ(content.draft(), QStringLiteral("dos"));
     desk.field(QStringLiteral("Nombre")).setFocus();
     EXPECT_EQ(desk.text(), QStringLiteral("<a><b>uno</b><c>dos</c></a>"));
+}
+
+TEST(NodeInspectorView, ShowsTheStartOfANameTooLongToEdit) {
+    std::u16string text = u"<";
+    text.append(70'000, u'n').append(u"/>");
+    Desk desk(text);
+    desk.session.select(NodePath{{0}});
+    EXPECT_EQ(desk.field(QStringLiteral("Nombre")).draft(), QString(1'000, u'n') + u'…');
+}
+
+TEST(NodeInspectorView, ForgetsTheAttributesOfAnElementThatIsNoLongerSelected) {
+    Desk desk(u"<a b='1'>t</a>");
+    const QAbstractItemModel& attributes = *desk.inspector.findChild<AttributeTableView*>()->table()->model();
+    desk.session.select(NodePath{{0}});
+    EXPECT_EQ(attributes.rowCount(), 1);
+    desk.session.select(NodePath{{0, 0}});
+    EXPECT_EQ(attributes.rowCount(), 0) << "a later tree would leave them dangling";
 }
 
 TEST(NodeInspectorView, RunsTheCommandsOnTheNode) {
