@@ -15,6 +15,8 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int barHeight = 32;
@@ -84,8 +86,26 @@ void BreadcrumbBar::showSelection() {
     if (std::vector<Crumb> crumbs = crumbsOfSelection(); !m_isBuilt || crumbs != m_crumbs) {
         m_crumbs = std::move(crumbs);
         m_isBuilt = true;
+        const QList<QToolButton*> before = buttons();
+        const auto focused = std::ranges::find_if(before, &QWidget::hasFocus) - before.begin();
+        const bool hadFocus = focused < before.size();
         rebuild();
+        if (const QList<QToolButton*> now = buttons(); hadFocus && !now.isEmpty()) {
+            now[std::min<qsizetype>(focused, now.size() - 1)]->setFocus(Qt::OtherFocusReason);
+        }
     }
+}
+
+/// In the order of the crumbs.
+QList<QToolButton*> BreadcrumbBar::buttons() const {
+    return m_row == nullptr ? QList<QToolButton*>()
+                            : m_row->findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void BreadcrumbBar::choose(std::size_t crumb) {
+    // The bar is rebuilt by what this does, and the button that was pressed with it.
+    QMetaObject::invokeMethod(
+        this, [this, path = m_crumbs[crumb].path] { m_session.select(path); }, Qt::QueuedConnection);
 }
 
 void BreadcrumbBar::rebuild() {
@@ -116,9 +136,8 @@ void BreadcrumbBar::rebuild() {
         QPalette inked = palette();
         inked.setColor(QPalette::ButtonText, crumb.color);
         button->setPalette(inked);
-        // The bar is rebuilt by what this does.
-        connect(button, &QToolButton::clicked, this, [this, path = crumb.path] { m_session.select(path); },
-                Qt::QueuedConnection);
+        connect(button, &QToolButton::clicked, this,
+                [this, at = static_cast<std::size_t>(&crumb - m_crumbs.data())] { choose(at); });
         m_layout->addWidget(button);
     }
     m_layout->addStretch();
@@ -163,6 +182,7 @@ void BreadcrumbBar::wheelEvent(QWheelEvent* event) {
 void BreadcrumbBar::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
+        m_isBuilt = false;
         showSelection();
     }
 }

@@ -3,6 +3,7 @@
 #include "NodePath.h"
 
 #include <QColor>
+#include <QList>
 #include <QString>
 #include <QWidget>
 
@@ -11,6 +12,7 @@
 class EditorSession;
 class QHBoxLayout;
 class QScrollArea;
+class QToolButton;
 
 /// One step of the path to the selected node.
 struct Crumb {
@@ -43,6 +45,8 @@ private:
     void showSelection();
     void rebuild();
     void orderCrumbs();
+    QList<QToolButton*> buttons() const;
+    void choose(std::size_t crumb);
     void showEnd();
 
     EditorSession& m_session;

@@ -6,6 +6,8 @@ namespace {
 
 constexpr Offset longestName = 100;
 constexpr std::size_t mostSteps = 256;
+constexpr std::size_t fewestLastSteps = 4;
+constexpr std::size_t mostIndices = 2'000'000; ///< In the paths of the last steps together.
 
 QString shortened(SourceRange name, const DocumentTree& in) {
     if (name.length() <= longestName) {
@@ -52,8 +54,10 @@ std::vector<Breadcrumb> Breadcrumbs::steps(NodeID to, const NodePath& path, cons
     }
     std::ranges::reverse(nodes);
     // Each step has a path of its own, so that the steps of a deep node would take the square of its depth.
-    const std::size_t first = nodes.size() > mostSteps ? mostSteps / 2 : nodes.size();
-    const std::size_t last = nodes.size() > mostSteps ? nodes.size() - mostSteps / 2 : nodes.size();
+    const bool isLong = nodes.size() > mostSteps;
+    const std::size_t first = isLong ? mostSteps / 2 : nodes.size();
+    const std::size_t lastSteps = std::clamp(mostIndices / nodes.size(), fewestLastSteps, mostSteps / 2);
+    const std::size_t last = isLong ? nodes.size() - lastSteps : nodes.size();
     std::vector<Breadcrumb> steps;
     for (std::size_t depth = 0; depth < nodes.size(); depth = depth + 1 == first ? last : depth + 1) {
         const auto end = path.indices.begin() + static_cast<std::ptrdiff_t>(depth);

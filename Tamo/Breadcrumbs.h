@@ -26,7 +26,8 @@ QString kindTitle(TreeNode::Kind kind);
 /// other by its kind. A name is cut after 100 units.
 QString title(NodeID of, const DocumentTree& in);
 
-/// The steps from the document to `node`, both included. Of more than 256 the middle ones are left out.
+/// The steps from the document to `node`, both included. Of more than 256 the middle ones are left out, the
+/// more of them the deeper the node is, whose path every step begins with.
 std::vector<Breadcrumb> steps(NodeID to, const NodePath& path, const DocumentTree& in);
 
 } // namespace Breadcrumbs

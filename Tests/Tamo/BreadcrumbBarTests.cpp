@@ -88,3 +88,27 @@ TEST(BreadcrumbBar, StaysSmallInADeepDocument) {
     EXPECT_LE(desk.buttons().size(), 300);
     EXPECT_EQ(desk.bar.crumbs().back().path.indices.size(), path.size());
 }
+
+TEST(BreadcrumbBar, LeavesTheFocusOnACrumbThatWasPressed) {
+    Desk desk(u"<a><b><c/></b></a>");
+    desk.session.select(NodePath{{0, 0, 0}});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.bar));
+    desk.buttons()[1]->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(desk.buttons()[1], Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.session.selection() == NodePath{{0}}; }));
+    ASSERT_EQ(desk.buttons().size(), 2);
+    EXPECT_TRUE(desk.buttons()[1]->hasFocus());
+}
+
+TEST(BreadcrumbBar, FollowsTheAppearanceWithoutASelection) {
+    Desk desk(u"<a/>");
+    QPalette dark = desk.bar.palette();
+    dark.setColor(QPalette::Window, Qt::black);
+    dark.setColor(QPalette::Base, Qt::black);
+    dark.setColor(QPalette::WindowText, Qt::white);
+    dark.setColor(QPalette::Text, Qt::white);
+    desk.bar.setPalette(dark);
+    const QLabel* const label = desk.bar.findChild<QLabel*>();
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(label->palette().color(QPalette::WindowText), color(SystemColor::tertiaryLabel, dark));
+}

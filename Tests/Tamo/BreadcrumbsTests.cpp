@@ -50,7 +50,7 @@ TEST(Breadcrumbs, LeadFromTheDocumentToTheNode) {
 }
 
 TEST(Breadcrumbs, LeaveOutTheMiddleOfALongWay) {
-    for (const std::size_t depth : {255, 256, 100'000}) {
+    for (const std::size_t depth : {255, 256, 10'000}) {
         const MarkedNode marked(repeated(u"<a>", depth - 1) + u"|<b/>");
         const auto steps = Breadcrumbs::steps(marked.node, marked.tree.path(marked.node), marked.tree);
         EXPECT_EQ(steps.size(), 256U);
@@ -60,6 +60,21 @@ TEST(Breadcrumbs, LeaveOutTheMiddleOfALongWay) {
         EXPECT_EQ(std::ranges::count(steps, true, &Breadcrumb::isAfterGap), depth > 255 ? 1 : 0);
         EXPECT_EQ(steps.back().path, marked.tree.path(marked.node));
         EXPECT_EQ(steps.back().title, QStringLiteral("b"));
+    }
+}
+
+TEST(Breadcrumbs, KeepThePathsOfADeepNodeFew) {
+    for (const std::size_t depth : {100'000, 1'000'000}) {
+        const MarkedNode marked(repeated(u"<a>", depth - 1) + u"|<b/>");
+        const auto steps = Breadcrumbs::steps(marked.node, marked.tree.path(marked.node), marked.tree);
+        std::size_t indices = 0;
+        for (const Breadcrumb& step : steps) {
+            indices += step.path.indices.size();
+        }
+        EXPECT_LE(indices, 4 * std::max<std::size_t>(depth, 500'000) + 128 * 128);
+        EXPECT_GE(steps.size(), 128U + 4U);
+        EXPECT_EQ(steps.back().path, marked.tree.path(marked.node));
+        EXPECT_EQ(std::ranges::count(steps, true, &Breadcrumb::isAfterGap), 1);
     }
 }
 
