@@ -52,7 +52,7 @@ QString name(const TreeRowView& view) {
 /// The content of an instruction behind its target.
 QString instructionContent(const TreeRowView& view) {
     QString content = preview(view, textPreviewLimit);
-    const std::u16string target = view.tree.name(view.row.node);
+    const std::u16string_view target = view.tree.text.units(view.tree[view.row.node].nameRange);
     if (content.startsWith(QStringView(target.data(), static_cast<qsizetype>(target.size())))) {
         content.remove(0, static_cast<qsizetype>(target.size()));
     }
