@@ -7,10 +7,9 @@
 
 namespace {
 
-/// The control pictures start with the one for NUL.
-constexpr char16_t controlPictures = u'\u2400';
-constexpr char16_t pictureOfDelete = u'\u2421';
 constexpr char16_t replacement = u'\uFFFD';
+/// One column wide where source fonts have it. Hardly any has the control pictures: they end as the box of a
+/// missing character, like a letter that no font has.
 constexpr char16_t dottedBox = u'\u2B1A';
 
 using UnicodeProperties::GraphemeBreak;
@@ -35,15 +34,7 @@ bool needsStandIn(char32_t scalar) {
     }
 }
 
-char16_t standIn(char32_t scalar) {
-    if (scalar < u' ') {
-        return static_cast<char16_t>(controlPictures + scalar);
-    }
-    if (scalar == 0x7F) {
-        return pictureOfDelete;
-    }
-    return scalar >= 0xD800 && scalar < 0xE000 ? replacement : dottedBox;
-}
+char16_t standIn(char32_t scalar) { return scalar >= 0xD800 && scalar < 0xE000 ? replacement : dottedBox; }
 
 } // namespace
 

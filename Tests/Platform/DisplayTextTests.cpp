@@ -17,9 +17,9 @@ TEST(DisplayText, ReplacesUnitForUnit) {
         {u"", u""},
         {u"<a b=\"ñ\">", u"<a b=\"ñ\">"},
         {u"a\tb", u"a\tb"},
-        {std::u16string(u"a\0b", 3), u"a␀b"},
-        {u"a\u001Bb", u"a␛b"},
-        {u"a\u007Fb", u"a␡b"},
+        {std::u16string(u"a\0b", 3), u"a⬚b"},
+        {u"a\u001Bb", u"a⬚b"},
+        {u"a\u007Fb", u"a⬚b"},
         {u"a\u0085b", u"a⬚b"},
         {u"a\u2028b\u2029", u"a⬚b⬚"},
         {u"a\u202Eb\u2066c", u"a⬚b⬚c"},
@@ -29,7 +29,7 @@ TEST(DisplayText, ReplacesUnitForUnit) {
         {u"a\u200Bb\u00AD", u"a⬚b⬚"},
         {u"e\u0301", u"e\u0301"},
         {u"\u0301\u0301", u"⬚\u0301"},
-        {u"\u0001\u0301", u"␁⬚"},
+        {u"\u0001\u0301", u"⬚⬚"},
         {u"a\U000E0001b", u"a⬚⬚b"},
         {u"a\U000E0101", u"a\U000E0101"},
         {u"a\u3164\uFFA0", u"a⬚⬚"},
@@ -47,6 +47,6 @@ TEST(DisplayText, ReplacesUnitForUnit) {
 }
 
 TEST(DisplayText, ShowsCarriageReturnsAndLineFeeds) {
-    EXPECT_EQ(show(u"a\rb\r\r"), u"a␍b␍␍");
-    EXPECT_EQ(show(u"a\r\n"), u"a␍\n");
+    EXPECT_EQ(show(u"a\rb\r\r"), u"a⬚b⬚⬚");
+    EXPECT_EQ(show(u"a\r\n"), u"a⬚\n");
 }
