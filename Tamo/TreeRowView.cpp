@@ -1,5 +1,6 @@
 #include "TreeRowView.h"
 
+#include "DisplayText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -94,10 +95,18 @@ std::vector<Part> parts(const TreeRowView& view, const QPalette& palette) {
     return {};
 }
 
+/// What is drawn for `text`: with something to see for its control characters, and nothing that turns the
+/// order of what stands around.
+QString visible(const QString& text) {
+    return displayText(
+        {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())});
+}
+
 /// One line of text in the middle of `rect`, cut at its right edge. Answers how wide it is.
 int paintText(QPainter& painter, const QRect& rect, const Part& part,
               Qt::Alignment alignment = Qt::AlignLeft) {
-    const QString shown = QFontMetrics(part.font).elidedText(part.text, Qt::ElideRight, rect.width());
+    const QString shown =
+        QFontMetrics(part.font).elidedText(visible(part.text), Qt::ElideRight, rect.width());
     painter.setFont(part.font);
     painter.setPen(part.color);
     // The base direction is that of the program, whatever the text begins with.

@@ -149,6 +149,18 @@ TEST(TreeRowView, NeverHasALabelOfNegativeWidth) {
     EXPECT_EQ((TreeRowView{row, tree, true}.labelRect(narrow).width()), 0);
 }
 
+TEST(TreeRowView, PaintsStandInsForWhatTurnsTheOrderOfLettersOrIsNotSeen) {
+    const auto picture = [](std::u16string_view text) {
+        const DocumentTree tree = parse(text);
+        const Row row = rowOf({1}, tree);
+        return painted(TreeRowView{row, tree}, plain, palette(Qt::white));
+    };
+    EXPECT_EQ(picture(u"ab\u202Ecd"), picture(u"ab⬚cd"));
+    EXPECT_EQ(picture(u"ab\u200Bcd"), picture(u"ab⬚cd"));
+    EXPECT_EQ(picture(u"ab\u0001cd"), picture(u"ab⬚cd"));
+    EXPECT_NE(picture(u"ab⬚cd"), picture(u"abcd"));
+}
+
 TEST(TreeRowView, PaintsElementsInTheColourOfTheirName) {
     const DocumentTree tree = parse(u"<libro/>");
     const Row row = rowOf({1}, tree);
