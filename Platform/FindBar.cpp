@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QToolButton>
 
 #include <algorithm>
@@ -40,6 +41,17 @@ QString escaped(const QString& text) {
     }
     return expression;
 }
+
+/// A text that ends in an ellipsis where it has too little room: a number cut in the middle reads as another.
+class ElidedLabel final : public QLabel {
+protected:
+    void paintEvent(QPaintEvent*) override {
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+        QPainter painter(this);
+        style()->drawItemText(&painter, rect(), int(Qt::AlignLeft | Qt::AlignVCenter), palette(), isEnabled(),
+                              shown, foregroundRole());
+    }
+};
 
 bool isReturn(const QKeyEvent& event) {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -104,7 +116,7 @@ void FindBar::buildLookingRow(QGridLayout& grid) {
     steps->addWidget(previous);
     steps->addWidget(next);
 
-    m_message = new QLabel;
+    m_message = new ElidedLabel;
     m_message->setTextFormat(Qt::PlainText);
     m_message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_message->setMinimumWidth(m_message->fontMetrics().horizontalAdvance(QStringLiteral("Sin resultados")));

@@ -118,6 +118,21 @@ struct Desk {
 
 } // namespace
 
+TEST(FindBar, EndsAMessageWithoutRoomInAnEllipsis) {
+    Desk desk(u"tres");
+    auto* const label = desk.bar->findChild<QLabel*>();
+    const QString message = QStringLiteral("29.188 de 114.205");
+    label->setFixedWidth(label->fontMetrics().horizontalAdvance(message) / 2);
+    const auto picture = [&](const QString& text) {
+        label->setText(text);
+        return label->grab().toImage();
+    };
+    const QString cut = label->fontMetrics().elidedText(message, Qt::ElideRight, label->minimumWidth());
+    ASSERT_TRUE(cut.endsWith(u'…'));
+    EXPECT_EQ(picture(message), picture(cut));
+    EXPECT_NE(picture(message), picture(QString()));
+}
+
 TEST(FindBar, FindsWhileTyping) {
     Desk desk(u"tres dos tren tres");
     desk.page->select(SourceRange::empty(5));
