@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ranges>
 #include <utility>
 
 namespace {
@@ -28,7 +29,7 @@ constexpr Offset slowLength = 300'000'000; ///< Just to put so much text into on
 constexpr Offset completionLookBack = 65'536;
 constexpr std::size_t fewEdits = 1000;   ///< Of so many everybody may be told one by one.
 constexpr std::size_t mostMessages = 10; ///< In one tool tip.
-constexpr std::size_t mostFixes = 20;    ///< In one menu.
+constexpr std::size_t mostFixes = 20;    ///< Problems whose fixes one menu has.
 constexpr std::size_t longestShown =
     120; ///< Units of a message or title; names in them may be of any length.
 
@@ -372,7 +373,8 @@ QString CodeEditorCoordinator::lineToolTip(std::size_t line) const {
                     diagnostics);
 }
 
-/// One for each fix, owned by `parent`.
+/// One for each of the first fixes, owned by `parent`. Of those that do the same, as for the elements of one
+/// name that are open at the end of the text, the first is enough.
 std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* parent) {
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const DiagnosticFinder finder(diagnostics, m_session.editsSinceParse());
@@ -382,9 +384,11 @@ std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* pare
         found = finder.startingIn(text.lineRange(text.line(at)));
     }
     std::vector<QAction*> actions;
-    for (const auto& problem : found) {
+    std::vector<Diagnostic::Fix> fixes;
+    for (const auto& problem : found | std::views::take(mostFixes)) {
         const Diagnostic diagnostic = diagnostics[problem.index];
-        if (diagnostic.fix && actions.size() < mostFixes) {
+        if (diagnostic.fix && std::ranges::find(fixes, *diagnostic.fix) == fixes.end()) {
+            fixes.push_back(*diagnostic.fix);
             auto* action = new QAction(menuText(shortened(diagnostic.fix->title)), parent);
             connect(action, &QAction::triggered, this, [this, diagnostic] { apply(diagnostic); });
             actions.push_back(action);

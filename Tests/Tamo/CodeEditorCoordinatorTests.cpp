@@ -501,6 +501,16 @@ TEST(CodeEditorCoordinator, ShortensWhatALongNameIsIn) {
     EXPECT_EQ(desk.undoManager.undoActionName(), title);
 }
 
+TEST(CodeEditorCoordinator, OffersFixesThatDoTheSameOnce) {
+    EditorDesk desk(u"<a><b><a><a>|");
+    QTest::keyClick(&desk.view(), Qt::Key_Return, Qt::AltModifier);
+    ASSERT_NE(menu(), nullptr);
+    const QStringList offered = titles(menu());
+    EXPECT_EQ(offered.size(), 2);
+    EXPECT_EQ(offered.count(QStringLiteral("Cerrar <a>")), 1);
+    menu()->close();
+}
+
 TEST(CodeEditorCoordinator, OffersNothingWhereThereIsNothingToFix) {
     EditorDesk desk(u"<a>|</a>");
     QTest::keyClick(&desk.view(), Qt::Key_Return, Qt::AltModifier);
