@@ -211,7 +211,18 @@ void DocumentWindow::listWindows() {
 
 // Writing
 
+/// Has a field that is being written in make that part of the document: it does when it loses the focus.
+void DocumentWindow::finishEditing() {
+    if (const QPointer<QWidget> focused = focusWidget(); focused != nullptr && focused->hasFocus()) {
+        focused->clearFocus();
+        if (focused != nullptr) {
+            focused->setFocus(Qt::OtherFocusReason);
+        }
+    }
+}
+
 void DocumentWindow::save() {
+    finishEditing();
     if (m_path.isEmpty()) {
         saveAs();
     } else {
@@ -220,6 +231,7 @@ void DocumentWindow::save() {
 }
 
 void DocumentWindow::saveAs() {
+    finishEditing();
     if (m_document == nullptr || isSaving()) {
         return;
     }
@@ -428,6 +440,7 @@ DocumentWindow::Closing DocumentWindow::prepareToClose() {
 }
 
 void DocumentWindow::closeEvent(QCloseEvent* event) {
+    finishEditing();
     const Closing closing = m_document == nullptr ? Closing::now : prepareToClose();
     event->setAccepted(closing == Closing::now);
     if (closing == Closing::now) {

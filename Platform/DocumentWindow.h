@@ -125,6 +125,7 @@ private:
     void askAboutConflict(const QString& path);
     Closing prepareToClose();
     void say(const QString& text);
+    void finishEditing();
     void toEditor(const char* slot);
 
     DocumentController& m_controller;
