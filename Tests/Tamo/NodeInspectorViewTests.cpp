@@ -191,9 +191,8 @@ TEST(NodeInspectorView, KeepsADraftToTheNodeItWasWrittenFor) {
 }
 
 TEST(NodeInspectorView, ShowsTheStartOfANameTooLongToEdit) {
-    std::u16string text = u"<";
-    text.append(70'000, u'n').append(u"/>");
-    Desk desk(text);
+    const QString text = u'<' + QString(70'000, u'n') + QStringLiteral("/>");
+    Desk desk(text.toStdU16String());
     desk.session.select(NodePath{{0}});
     EXPECT_EQ(desk.field(QStringLiteral("Nombre")).draft(), QString(1'000, u'n') + u'…');
 }
