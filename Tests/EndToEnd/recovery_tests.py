@@ -40,7 +40,7 @@ class Program(Application):
         def shown():
             found = self.find(role="text", state="showing", starts="Texto")
             if found is None:
-                self._focus()
+                self._focus(self._window)
                 self.press("ctrl+1")
             return found
 
@@ -53,7 +53,7 @@ class Program(Application):
             lambda: self._xdotool("search", "--onlyvisible", "--all", "--pid", str(self.process.pid), "--name", "^" + name + r"\*").split(),
             "window of the recovered document",
         )[0]
-        self._focus()
+        self._focus(self._window)
 
 
 class Recovery(unittest.TestCase):
