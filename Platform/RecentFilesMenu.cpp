@@ -1,5 +1,6 @@
 #include "RecentFilesMenu.h"
 
+#include "MenuText.h"
 #include "RecentFiles.h"
 
 #include <QDir>
@@ -17,8 +18,7 @@ QString actionTitle(const QString& path) {
     if (folder == home || folder.startsWith(home + u'/')) {
         folder.replace(0, home.size(), u'~');
     }
-    QString title = QStringLiteral("%1 — %2").arg(file.fileName(), folder);
-    return title.replace(u'&', QStringLiteral("&&"));
+    return menuText(QStringLiteral("%1 — %2").arg(file.fileName(), folder));
 }
 
 } // namespace

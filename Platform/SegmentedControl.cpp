@@ -1,6 +1,7 @@
 #include "SegmentedControl.h"
 
 #include "ControlPainting.h"
+#include "MenuText.h"
 #include "Precondition.h"
 #include "Symbol.h"
 
@@ -23,8 +24,7 @@ class Segment : public QAbstractButton {
 public:
     Segment(const QString& title, QStringView symbol, QWidget* parent)
         : QAbstractButton(parent), m_title(title), m_symbol(symbol.toString()) {
-        QString escaped = title;
-        setText(escaped.replace(u'&', QStringLiteral("&&")));
+        setText(menuText(title));
         setAccessibleName(title);
         setCheckable(true);
         setFocusPolicy(Qt::NoFocus);

@@ -2,6 +2,7 @@
 
 #include "DisplayText.h"
 #include "GraphemeBreaker.h"
+#include "StringUnits.h"
 
 #include <QPainter>
 
@@ -151,8 +152,7 @@ void ShapedText::measureCells() const {
         return;
     }
     const QString text = m_layout.text();
-    const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()),
-                                    static_cast<std::size_t>(text.size()));
+    const std::u16string_view units = unitsOf(text);
     const std::vector<std::uint8_t> levels = ::levels(text);
     for (const std::u16string_view character : GraphemeBreaker::Characters(units)) {
         const auto start = static_cast<int>(character.data() - units.data());

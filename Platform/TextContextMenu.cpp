@@ -1,5 +1,6 @@
 #include "TextContextMenu.h"
 
+#include "MenuText.h"
 #include "TextMimeData.h"
 #include "TextView.h"
 
@@ -7,9 +8,6 @@
 #include <QGuiApplication>
 
 namespace {
-
-/// `title` for a menu, where a single ampersand would mark a letter.
-QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
 
 bool canPaste() {
     const QMimeData* copied = QGuiApplication::clipboard()->mimeData();

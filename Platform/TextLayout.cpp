@@ -1,5 +1,6 @@
 #include "TextLayout.h"
 
+#include "StringUnits.h"
 #include "TextNavigation.h"
 
 #include <QFontMetricsF>
@@ -14,10 +15,6 @@ namespace {
 
 constexpr Offset longestShortLine = 512; ///< Units of a line that is laid out in one piece.
 constexpr std::size_t longLineCapacity = 128;
-
-std::u16string_view unitsOf(const QString& string) {
-    return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
-}
 
 /// The same place on the edge of a device pixel.
 double snapped(double place, const QPainter& painter) {

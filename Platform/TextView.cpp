@@ -2,6 +2,7 @@
 
 #include "CompletionPopup.h"
 #include "EditingKeys.h"
+#include "StringUnits.h"
 #include "TextContextMenu.h"
 #include "TextInputMethod.h"
 #include "TextMimeData.h"
@@ -30,10 +31,6 @@
 #include <utility>
 
 namespace {
-
-std::u16string_view unitsOf(const QString& string) {
-    return {reinterpret_cast<const char16_t*>(string.utf16()), static_cast<std::size_t>(string.size())};
-}
 
 TextSelection clamped(TextSelection selection, Offset size) {
     return {std::min(selection.anchor, size), std::min(selection.caret, size)};
