@@ -1,7 +1,6 @@
 #include "DocumentController.h"
 
 #include "DocumentKeeper.h"
-#include "NoticeBar.h"
 #include "OutsideChangeNotice.h"
 #include "RecentFiles.h"
 #include "RecentFilesMenu.h"
@@ -133,11 +132,12 @@ void DocumentController::open(const QStringList& paths) {
 
 void DocumentController::openFile(const QString& path) {
     const QString absolute = QFileInfo(path).absoluteFilePath();
-    if (DocumentWindow* const window = windowOf(canonical(path))) {
+    const QString file = canonical(path);
+    if (DocumentWindow* const window = windowOf(file)) {
         raise(*window);
         return;
     }
-    const auto isSame = [&](const auto& each) { return canonical(each->path) == canonical(path); };
+    const auto isSame = [&](const auto& each) { return canonical(each->path) == file; };
     if (std::ranges::any_of(m_openings, isSame)) {
         return;
     }
@@ -235,10 +235,8 @@ DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, con
     DocumentWindow* const shown = show(std::move(window));
     shown->document()->setTextSelection(TextSelection::of(text.moment.selection));
     if (text.isDamaged) {
-        NoticeBar* const bar = shown->addNoticeBar();
-        bar->tell(QStringLiteral(
+        shown->addNotice(QStringLiteral(
             "A este texto recuperado le falta lo último que se escribió: el disco no lo devolvió entero."));
-        bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
     }
     emit windowOpened(shown);
     return shown;

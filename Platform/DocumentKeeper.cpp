@@ -1,7 +1,6 @@
 #include "DocumentKeeper.h"
 
 #include "DocumentWindow.h"
-#include "NoticeBar.h"
 #include "RecoveryStore.h"
 #include "UndoManager.h"
 
@@ -55,8 +54,4 @@ void DocumentKeeper::followHistory(bool isClean) {
     }
 }
 
-void DocumentKeeper::tellFailure(const QString& message) {
-    NoticeBar* const bar = m_window.addNoticeBar();
-    bar->tell(message);
-    bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
-}
+void DocumentKeeper::tellFailure(const QString& message) { m_window.addNotice(message); }

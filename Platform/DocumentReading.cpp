@@ -6,3 +6,12 @@ DocumentReading DocumentReading::of(const DocumentType& type, const QString& pat
     const auto version = FileIdentity::of(path);
     return {type.read(path, stop), version ? std::optional(*version) : std::nullopt};
 }
+
+DocumentReading DocumentReading::of(const DocumentType& type, const QString& path,
+                                    const Document::Preparation& preparation, const std::stop_token& stop) {
+    DocumentReading reading = of(type, path, stop);
+    if (reading.contents) {
+        preparation(**reading.contents);
+    }
+    return reading;
+}

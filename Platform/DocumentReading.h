@@ -17,4 +17,8 @@ struct DocumentReading {
 
     /// Reads the file at `path`, on any thread. A file that is changed meanwhile counts as changed since.
     static DocumentReading of(const DocumentType& type, const QString& path, const std::stop_token& stop);
+
+    /// The same, and gets the contents ready for a document whose `preparation` that is.
+    static DocumentReading of(const DocumentType& type, const QString& path,
+                              const Document::Preparation& preparation, const std::stop_token& stop);
 };

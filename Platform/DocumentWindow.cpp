@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "DocumentController.h"
+#include "MenuText.h"
 #include "NoticeBar.h"
 #include "TextStorage.h"
 #include "UndoManager.h"
@@ -25,9 +26,6 @@ using namespace std::chrono_literals;
 constexpr QSize initialSize(1280, 820);
 constexpr QSize smallestSize(480, 320);
 constexpr auto patience = 200ms;
-
-/// `title` for a menu, where a single ampersand would mark a letter.
-QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
 
 } // namespace
 
@@ -104,6 +102,12 @@ NoticeBar* DocumentWindow::addNoticeBar() {
     auto* const bar = new NoticeBar;
     static_cast<QVBoxLayout*>(m_frame->layout())->insertWidget(1, bar);
     return bar;
+}
+
+void DocumentWindow::addNotice(const QString& text) {
+    NoticeBar* const bar = addNoticeBar();
+    bar->tell(text);
+    bar->offer(QStringLiteral("Entendido"), [bar] { bar->deleteLater(); });
 }
 
 void DocumentWindow::setVersion(const std::optional<FileIdentity>& version) {
@@ -366,12 +370,8 @@ void DocumentWindow::revert() {
     }
     m_reverting.start(
         [path = m_path, &type = m_controller.type(),
-         prepare = m_document->preparation()](std::stop_token stop) {
-            DocumentReading reading = DocumentReading::of(type, path, stop);
-            if (reading.contents) {
-                prepare(**reading.contents);
-            }
-            return reading;
+         preparation = m_document->preparation()](std::stop_token stop) {
+            return DocumentReading::of(type, path, preparation, stop);
         },
         [this](DocumentReading reading) {
             if (isSaving()) {

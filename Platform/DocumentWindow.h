@@ -54,6 +54,8 @@ public:
     NoticeBar& notices() const { return *m_notices; }
     /// Another bar, for what somebody else has to tell of the document.
     NoticeBar* addNoticeBar();
+    /// A bar with a text that the user only has to read.
+    void addNotice(const QString& text);
 
     /// Has something that follows the document live as long as the document does, and end just before it.
     void addCompanion(std::unique_ptr<QObject> companion) { m_companions.push_back(std::move(companion)); }

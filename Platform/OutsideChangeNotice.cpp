@@ -124,12 +124,8 @@ void OutsideChangeNotice::takeReturn() {
 void OutsideChangeNotice::reload(bool isWanted) {
     m_reading.start(
         [path = m_window.path(), &type = m_window.type(),
-         prepare = m_window.document()->preparation()](std::stop_token stop) {
-            DocumentReading reading = DocumentReading::of(type, path, stop);
-            if (reading.contents) {
-                prepare(**reading.contents);
-            }
-            return reading;
+         preparation = m_window.document()->preparation()](std::stop_token stop) {
+            return DocumentReading::of(type, path, preparation, stop);
         },
         [this, isWanted,
          mark = m_window.document()->undoManager().coalescingMark()](DocumentReading reading) {
