@@ -1,6 +1,8 @@
 #include "BreadcrumbBar.h"
 
 #include "EditorSession.h"
+#include "MenuText.h"
+#include "ShownText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -46,10 +48,6 @@ QLabel* makeLabel(const QString& text, const QPalette& palette) {
     inked.setColor(QPalette::WindowText, color(SystemColor::tertiaryLabel, palette));
     label->setPalette(inked);
     return label;
-}
-
-QString shortened(const QString& title) {
-    return title.size() <= longestTitle ? title : title.left(longestTitle - 1) + u'…';
 }
 
 } // namespace
@@ -130,7 +128,7 @@ void BreadcrumbBar::rebuild() {
         auto* button = new QToolButton;
         button->setAutoRaise(true);
         button->setFont(SystemFont::callout());
-        button->setText(shortened(crumb.title).replace(u'&', QStringLiteral("&&")));
+        button->setText(menuText(ShownText::shortened(crumb.title, longestTitle)));
         button->setAccessibleName(crumb.title);
         button->setFocusPolicy(Qt::TabFocus);
         QPalette inked = palette();

@@ -1,5 +1,7 @@
 #include "Breadcrumbs.h"
 
+#include "ShownText.h"
+
 #include <algorithm>
 
 namespace {
@@ -8,13 +10,6 @@ constexpr Offset longestName = 100;
 constexpr std::size_t mostSteps = 256;
 constexpr std::size_t fewestLastSteps = 4;
 constexpr std::size_t mostIndices = 2'000'000; ///< In the paths of the last steps together.
-
-QString shortened(SourceRange name, const DocumentTree& in) {
-    if (name.length() <= longestName) {
-        return QString::fromStdU16String(in.text.string(name));
-    }
-    return QString::fromStdU16String(in.text.string(SourceRange::at(name.lower, longestName))) + u'…';
-}
 
 } // namespace
 
@@ -43,7 +38,7 @@ QString Breadcrumbs::title(NodeID of, const DocumentTree& in) {
     if (node.nameRange.isEmpty()) {
         return kindTitle(node.kind);
     }
-    const QString name = shortened(node.nameRange, in);
+    const QString name = ShownText::start(node.nameRange, longestName, in.text);
     return node.isElement() ? name : kindTitle(node.kind) + u' ' + name;
 }
 

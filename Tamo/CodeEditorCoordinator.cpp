@@ -1,9 +1,11 @@
 #include "CodeEditorCoordinator.h"
 
 #include "DiagnosticFinder.h"
+#include "MenuText.h"
 #include "PairedTagRename.h"
 #include "PatientWait.h"
 #include "ProblemFixes.h"
+#include "ShownText.h"
 #include "SyntaxHighlighter.h"
 #include "SystemColor.h"
 #include "TagMatcher.h"
@@ -30,19 +32,11 @@ constexpr Offset completionLookBack = 65'536;
 constexpr std::size_t fewEdits = 1000;   ///< Of so many everybody may be told one by one.
 constexpr std::size_t mostMessages = 10; ///< In one tool tip.
 constexpr std::size_t mostFixes = 20;    ///< Problems whose fixes one menu has.
-constexpr std::size_t longestShown =
-    120; ///< Units of a message or title; names in them may be of any length.
+constexpr qsizetype longestShown = 120;  ///< Units of a message or title.
 
 QString string(std::u16string_view units) {
     return QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
 }
-
-QString shortened(std::u16string_view text) {
-    return text.size() <= longestShown ? string(text) : string(text.substr(0, longestShown - 1)) + u'…';
-}
-
-/// `title` for a menu, where a single ampersand would mark a letter.
-QString menuText(QString title) { return title.replace(u'&', QStringLiteral("&&")); }
 
 /// Whether the assistant may act on a typed character, as far as the units next
 /// to the caret tell: most quotes and slashes are just text, and cost nothing
@@ -110,7 +104,7 @@ QString messages(const std::vector<DiagnosticFinder::Found>& found, const Diagno
             lines += QStringLiteral("…");
             break;
         }
-        lines += shortened(diagnostics[diagnostic.index].message);
+        lines += ShownText::shortened(diagnostics[diagnostic.index].message, longestShown);
     }
     return lines.join(u'\n');
 }
@@ -389,7 +383,7 @@ std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* pare
         const Diagnostic diagnostic = diagnostics[problem.index];
         if (diagnostic.fix && std::ranges::find(fixes, *diagnostic.fix) == fixes.end()) {
             fixes.push_back(*diagnostic.fix);
-            auto* action = new QAction(menuText(shortened(diagnostic.fix->title)), parent);
+            auto* action = new QAction(menuText(ShownText::shortened(diagnostic.fix->title, longestShown)), parent);
             connect(action, &QAction::triggered, this, [this, diagnostic] { apply(diagnostic); });
             actions.push_back(action);
         }

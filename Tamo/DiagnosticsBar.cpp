@@ -1,6 +1,7 @@
 #include "DiagnosticsBar.h"
 
 #include "EditorSession.h"
+#include "MenuText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -39,7 +40,7 @@ QString entry(const std::u16string& text) {
     if (text.size() > static_cast<std::size_t>(longestEntry)) {
         shown += u'…';
     }
-    return shown.replace(u'&', QStringLiteral("&&"));
+    return menuText(shown);
 }
 
 /// A symbol in a system colour, asked for whenever it is painted.

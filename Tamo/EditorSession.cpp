@@ -5,6 +5,7 @@
 #include "PatientWait.h"
 #include "PrettyPrinter.h"
 #include "ProblemFixes.h"
+#include "ShownText.h"
 #include "TypingAssistant.h"
 
 #include <QClipboard>
@@ -26,7 +27,7 @@ constexpr auto typingPause = 120ms;
 constexpr auto patience = 200ms;
 constexpr Offset quickText = 256 * 1024; ///< Of a text this long nothing takes time.
 constexpr std::size_t fewEdits = 1000;
-constexpr std::size_t longestActionName = 120; ///< Names in the title of a fix may be of any length.
+constexpr qsizetype longestActionName = 120; ///< Names in the title of a fix may be of any length.
 
 /// How far around the selection a comment is looked for; more before it than after.
 constexpr Offset commentReachBefore = 65'536;
@@ -40,13 +41,6 @@ std::u16string distinctName(const std::u16string& name,
         distinct = name + QString::number(number).toStdU16String();
     }
     return distinct;
-}
-
-QString actionName(std::u16string_view title) {
-    const bool isShort = title.size() <= longestActionName;
-    const std::u16string_view shown = isShort ? title : title.substr(0, longestActionName - 1);
-    const QString name = QString::fromUtf16(shown.data(), static_cast<qsizetype>(shown.size()));
-    return isShort ? name : name + u'…';
 }
 
 /// Takes over the units without copying them.
@@ -595,7 +589,7 @@ void EditorSession::applyFix(std::size_t index) {
          at < problems.size() && problems.range(at).lower == now->lower; ++at) {
         const Diagnostic problem = problems[at];
         if (problem.range == *now && problem.message == wanted.message && problem.fix) {
-            applyEdits(problem.fix->edits, actionName(problem.fix->title));
+            applyEdits(problem.fix->edits, ShownText::shortened(problem.fix->title, longestActionName));
             return;
         }
     }

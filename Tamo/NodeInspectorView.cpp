@@ -3,20 +3,22 @@
 #include "AttributeTableView.h"
 #include "Breadcrumbs.h"
 #include "CommitField.h"
-#include "EmptyStateView.h"
 #include "EditorSession.h"
+#include "EmptyStateView.h"
+#include "ShownText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TagPalette.h"
 #include "TextNavigation.h"
+#include "TreeRowView.h"
 
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QScrollArea>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -43,25 +45,7 @@ public:
 
 QString NodeInspectorView::title(TreeNode::Kind kind) { return Breadcrumbs::kindTitle(kind); }
 
-QString NodeInspectorView::symbol(TreeNode::Kind kind) {
-    switch (kind) {
-    case TreeNode::Kind::document:
-        return QStringLiteral("doc");
-    case TreeNode::Kind::element:
-        return QStringLiteral("chevron.left.forwardslash.chevron.right");
-    case TreeNode::Kind::text:
-        return QStringLiteral("text.alignleft");
-    case TreeNode::Kind::comment:
-        return QStringLiteral("text.bubble");
-    case TreeNode::Kind::cdata:
-        return QStringLiteral("doc.plaintext");
-    case TreeNode::Kind::instruction:
-        return QStringLiteral("gearshape");
-    case TreeNode::Kind::doctype:
-        return QStringLiteral("doc.badge.gearshape");
-    }
-    return {};
-}
+QString NodeInspectorView::symbol(TreeNode::Kind kind) { return TreeRowView::icon(kind); }
 
 NodeInspectorView::NodeInspectorView(EditorSession& session, QWidget* parent)
     : QWidget(parent), m_session(session),
@@ -253,10 +237,7 @@ QString NodeInspectorView::start(SourceRange range) const {
 
 QString NodeInspectorView::source(NodeID node) const {
     const DocumentTree& tree = m_session.tree();
-    const SourceRange range = tree[node].range;
-    const SourceRange shown{range.lower, range.lower + std::min(range.length(), longestSource)};
-    const QString text = QString::fromStdU16String(tree.text.string(shown));
-    return shown == range ? text : text + u'…';
+    return ShownText::start(tree[node].range, longestSource, tree.text);
 }
 
 void NodeInspectorView::changeEvent(QEvent* event) {

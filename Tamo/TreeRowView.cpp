@@ -1,6 +1,8 @@
 #include "TreeRowView.h"
 
 #include "DisplayText.h"
+#include "ShownText.h"
+#include "StringUnits.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -27,7 +29,7 @@ constexpr double cornerRadius = 6;
 
 constexpr std::size_t textPreviewLimit = 100;
 constexpr std::size_t cdataPreviewLimit = 80;
-constexpr std::size_t nameLimit = 200; ///< Units of a name; laying out a longer one takes its time.
+constexpr Offset nameLimit = 200; ///< Units of a name; laying out a longer one takes its time.
 
 /// A part of a label in one font and colour.
 struct Part {
@@ -42,12 +44,7 @@ QString preview(const TreeRowView& view, std::size_t limit) {
 
 /// The name of an element or instruction, its end left out where it is very long.
 QString name(const TreeRowView& view) {
-    const SourceRange whole = view.tree[view.row.node].nameRange;
-    if (whole.length() <= nameLimit) {
-        return QString::fromStdU16String(view.tree.text.string(whole));
-    }
-    const SourceRange start = SourceRange::at(whole.lower, nameLimit);
-    return QString::fromStdU16String(view.tree.text.string(start)) + u'…';
+    return ShownText::start(view.tree[view.row.node].nameRange, nameLimit, view.tree.text);
 }
 
 /// The content of an instruction behind its target.
@@ -97,10 +94,7 @@ std::vector<Part> parts(const TreeRowView& view, const QPalette& palette) {
 
 /// What is drawn for `text`: with something to see for its control characters, and nothing that turns the
 /// order of what stands around.
-QString visible(const QString& text) {
-    return displayText(
-        {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())});
-}
+QString visible(const QString& text) { return displayText(unitsOf(text)); }
 
 /// One line of text in the middle of `rect`, cut at its right edge. Answers how wide it is.
 int paintText(QPainter& painter, const QRect& rect, const Part& part,
