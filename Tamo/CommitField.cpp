@@ -1,10 +1,12 @@
 #include "CommitField.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QTextBlock>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -22,7 +24,11 @@ QString withLineFeeds(QString text) {
     return text.replace(u'\r', u'\n');
 }
 
-bool isReturn(const QKeyEvent& key) { return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter; }
+/// Whether the key is Return or Enter, alone or with Shift.
+bool isReturn(const QKeyEvent& key) {
+    const bool isCommand = bool(key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
+    return !isCommand && (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter);
+}
 
 } // namespace
 
@@ -59,9 +65,7 @@ QString CommitField::draft() const {
         return m_line->text();
     }
     // The plain text would have spaces that break in the place of those that do not.
-    QString text = m_text->document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
-    // Shift-Return writes one, unless it is the document that has it.
-    return m_value.contains(QChar::LineSeparator) ? text : text.replace(QChar::LineSeparator, u'\n');
+    return m_text->document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
 }
 
 void CommitField::setDraft(const QString& draft) {
@@ -156,6 +160,10 @@ bool CommitField::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
+    if (event->type() == QEvent::Resize && m_text != nullptr) {
+        // The lines wrap anew once the editor has seen its new width.
+        QMetaObject::invokeMethod(this, &CommitField::fitHeight, Qt::QueuedConnection);
+    }
     if (event->type() == QEvent::FocusOut &&
         static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
         commitIfChanged();
@@ -168,8 +176,12 @@ bool CommitField::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool CommitField::handleKey(const QKeyEvent& key) {
-    const bool isPlain = (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-    if (isReturn(key) && (m_line != nullptr ? isPlain : bool(key.modifiers() & Qt::ControlModifier))) {
+    const bool isShifted = key.modifiers().testFlag(Qt::ShiftModifier);
+    if (isReturn(key) && isShifted && m_text != nullptr) {
+        breakLine();
+        return true;
+    }
+    if (isReturn(key) && !isShifted) {
         commit();
         emit submitted();
         return true;
@@ -182,11 +194,32 @@ bool CommitField::handleKey(const QKeyEvent& key) {
     return false;
 }
 
+void CommitField::breakLine() {
+    if (!m_text->isReadOnly()) {
+        // As a paragraph of its own: the editor itself would write a separator of lines, which is a
+        // character.
+        m_text->insertPlainText(QStringLiteral("\n"));
+        m_text->ensureCursorVisible();
+    }
+}
+
+/// The lines that the text takes, wrapped ones included; counts no further than the field grows.
+int CommitField::shownLines() const {
+    const QAbstractTextDocumentLayout& layout = *m_text->document()->documentLayout();
+    int lines = 0;
+    for (QTextBlock block = m_text->document()->begin(); block.isValid() && lines < mostLines;
+         block = block.next()) {
+        static_cast<void>(layout.blockBoundingRect(block)); // A block is laid out when this is asked.
+        lines += std::max(1, block.layout()->lineCount());
+    }
+    return lines;
+}
+
 void CommitField::fitHeight() {
     if (m_text == nullptr) {
         return;
     }
-    const int lines = std::clamp(m_text->blockCount(), fewestLines, mostLines);
+    const int lines = std::clamp(shownLines(), fewestLines, mostLines);
     const double inner = lines * m_text->fontMetrics().lineSpacing() + 2 * m_text->document()->documentMargin();
     m_text->setFixedHeight(static_cast<int>(std::ceil(inner)) + 2 * m_text->frameWidth());
 }

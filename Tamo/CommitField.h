@@ -22,7 +22,7 @@ class CommitField : public QWidget {
 public:
     enum class Axis : std::uint8_t {
         horizontal, ///< One line.
-        vertical,   ///< Grows with its lines; Ctrl-Return is Return, which adds a line here.
+        vertical,   ///< Grows with its lines, wrapped ones too, up to a bound; Shift-Return breaks the line.
     };
 
     /// Takes over a draft. Answers whether it was accepted: otherwise the field shows its value again.
@@ -66,6 +66,8 @@ private:
     void showValue();
     void commit();
     bool handleKey(const QKeyEvent& key);
+    void breakLine();
+    int shownLines() const;
     void fitHeight();
 
     QLineEdit* m_line = nullptr; ///< One of the two exists.

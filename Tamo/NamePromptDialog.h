@@ -2,9 +2,11 @@
 
 #include <QDialog>
 
+class QLabel;
 class QLineEdit;
 
-/// Asks for the name of an element.
+/// Asks for the name of an element. A name that is no XML name keeps the dialog open: it then says so, and
+/// what was typed stays.
 class NamePromptDialog : public QDialog {
     Q_OBJECT
 
@@ -14,6 +16,10 @@ public:
 
     QString name() const;
 
+public slots:
+    void accept() override;
+
 private:
     QLineEdit* m_name;
+    QLabel* m_problem;
 };

@@ -1,5 +1,7 @@
 #include "CommitField.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTest>
@@ -137,17 +139,27 @@ TEST(CommitField, TakesSeveralLinesWhenVertical) {
     ASSERT_NE(editor, nullptr);
     const int height = editor->height();
     editor->moveCursor(QTextCursor::End);
-    desk.press(Qt::Key_Return);
+    desk.press(Qt::Key_Return, Qt::ShiftModifier);
     desk.type(QStringLiteral("c"));
     for (int line = 0; line < 4; ++line) {
-        desk.press(Qt::Key_Return);
+        desk.press(Qt::Key_Return, Qt::ShiftModifier);
     }
     EXPECT_EQ(desk.commits, QStringList());
     EXPECT_GT(editor->height(), height);
-    desk.press(Qt::Key_Return, Qt::ControlModifier);
+    desk.press(Qt::Key_Return);
     EXPECT_EQ(desk.commits, QStringList{QStringLiteral("a\nb\nc\n\n\n\n")});
     QTest::keyClick(editor, Qt::Key_Tab);
     EXPECT_TRUE(desk.other->hasFocus());
+}
+
+TEST(CommitField, LeavesReturnWithControlToCommands) {
+    Desk desk(CommitField::Axis::vertical, QStringLiteral("a"));
+    desk.press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(desk.commits, QStringList());
+    QKeyEvent asked(QEvent::ShortcutOverride, Qt::Key_Return, Qt::ControlModifier);
+    asked.ignore();
+    QApplication::sendEvent(desk.field->editor(), &asked);
+    EXPECT_FALSE(asked.isAccepted());
 }
 
 TEST(CommitField, KeepsLineBreaksItCannotShow) {
@@ -157,7 +169,7 @@ TEST(CommitField, KeepsLineBreaksItCannotShow) {
         desk.other->setFocus();
         EXPECT_EQ(desk.commits, QStringList());
         desk.field->setFocus();
-        desk.press(Qt::Key_Return, axis == CommitField::Axis::vertical ? Qt::ControlModifier : Qt::NoModifier);
+        desk.press(Qt::Key_Return);
         EXPECT_EQ(desk.commits, QStringList{QStringLiteral("a\r\nb\rc")});
     }
 }
@@ -180,7 +192,7 @@ TEST(CommitField, ShowsTheStartOfWhatIsTooLongToEdit) {
         EXPECT_EQ(desk.field->draft(), QString(1000, u'x') + u'…');
         EXPECT_FALSE(desk.field->editor()->toolTip().isEmpty());
         desk.type(QStringLiteral("y"));
-        desk.press(Qt::Key_Return, Qt::ControlModifier);
+        desk.press(Qt::Key_Return, Qt::ShiftModifier);
         desk.press(Qt::Key_Return);
         desk.other->setFocus();
         EXPECT_EQ(desk.commits, QStringList());

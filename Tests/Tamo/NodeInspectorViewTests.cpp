@@ -168,9 +168,9 @@ TEST(NodeInspectorView, EndsLinesLikeTheDocument) {
     content.setFocus();
     content.selectAll();
     QTest::keyClick(content.editor(), Qt::Key_End, Qt::ControlModifier);
-    QTest::keyClick(content.editor(), Qt::Key_Return);
+    QTest::keyClick(content.editor(), Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(content.editor(), QStringLiteral("tres"));
-    QTest::keyClick(content.editor(), Qt::Key_Return, Qt::ControlModifier);
+    QTest::keyClick(content.editor(), Qt::Key_Return);
     const QString after = QStringLiteral("<a>\r\n<b>uno\r\ndos\r\ntres</b>\r\n</a>");
     EXPECT_EQ(desk.text(), after);
     desk.waitForTree();
