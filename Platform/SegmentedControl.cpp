@@ -27,6 +27,8 @@ public:
         setText(menuText(title));
         setAccessibleName(title);
         setCheckable(true);
+        // The group keeps one checked; this has each announced as a radio button.
+        setAutoExclusive(true);
         setFocusPolicy(Qt::NoFocus);
         setAttribute(Qt::WA_Hover);
     }

@@ -5,8 +5,8 @@
 
 class QHBoxLayout;
 
-/// One choice of a few, side by side in one box. The arrow keys move the choice, and each segment is a
-/// checkable button to assistive tools.
+/// One choice of a few, side by side in one box. The arrow keys move the choice, and each segment is a radio
+/// button to assistive tools.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 

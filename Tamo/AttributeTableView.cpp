@@ -2,6 +2,7 @@
 
 #include "CommitField.h"
 #include "EditorSession.h"
+#include "ShownText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -21,6 +22,7 @@ namespace {
 constexpr int rowHeight = 28;
 constexpr int removalWidth = 28;
 constexpr int symbolSize = 14;
+constexpr qsizetype longestSpokenName = 100; ///< Of an attribute, in the name of its field.
 constexpr int mostRowsAtOnce = 12; ///< A longer table scrolls.
 
 } // namespace
@@ -145,6 +147,8 @@ CommitField* AttributeTableView::makeField(const QModelIndex& cell, QWidget* par
         m_model.headerData(cell.column(), Qt::Horizontal, Qt::DisplayRole).toString();
     auto* field = new CommitField(title, CommitField::Axis::horizontal, parent);
     field->setFont(m_table->font());
+    const QString attribute = ShownText::shortened(m_model.attributeName(cell.row()), longestSpokenName);
+    field->editor()->setAccessibleName(QStringLiteral("%1 del atributo %2").arg(title, attribute));
     field->editor()->installEventFilter(this);
     const QPersistentModelIndex edited(cell);
     field->setCommit([this, edited](const QString& draft) {

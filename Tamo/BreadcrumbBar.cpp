@@ -102,8 +102,10 @@ QList<QToolButton*> BreadcrumbBar::buttons() const {
 
 void BreadcrumbBar::choose(std::size_t crumb) {
     // The bar is rebuilt by what this does, and the button that was pressed with it.
-    QMetaObject::invokeMethod(
-        this, [this, path = m_crumbs[crumb].path] { m_session.select(path); }, Qt::QueuedConnection);
+    const auto choosePath = [this, path = m_crumbs[crumb].path] {
+        path == m_session.selection() ? emit selectedNodeRequested() : m_session.select(path);
+    };
+    QMetaObject::invokeMethod(this, choosePath, Qt::QueuedConnection);
 }
 
 void BreadcrumbBar::rebuild() {

@@ -35,6 +35,10 @@ public:
 
     const std::vector<Crumb>& crumbs() const { return m_crumbs; }
 
+signals:
+    /// The crumb of the selected node was pressed: the node is wanted in view.
+    void selectedNodeRequested();
+
 protected:
     void changeEvent(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;

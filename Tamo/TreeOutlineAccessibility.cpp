@@ -1,6 +1,8 @@
 #include "TreeOutlineAccessibility.h"
 
+#include "Breadcrumbs.h"
 #include "TreeOutlineView.h"
+#include "TreeRowEditor.h"
 
 #include <QAccessibleWidget>
 #include <QPointer>
@@ -12,6 +14,14 @@
 namespace {
 
 class OutlineInterface;
+
+/// What a row is beside its label: its kind, how deep it stands, and whether a problem lies on it.
+QString description(const TreeRowView& view) {
+    const QString what = QStringLiteral("%1, nivel %2")
+                             .arg(Breadcrumbs::kindTitle(view.tree[view.row.node].kind))
+                             .arg(view.row.depth + 1);
+    return view.hasError ? what + QStringLiteral(". ") + TreeRowView::errorHelp() : what;
+}
 
 QString actionTitle(const TreeOutline::Row& row) { return TreeRowView::disclosureTitle(row.isExpanded); }
 
@@ -99,7 +109,7 @@ public:
         case QAccessible::Name:
             return view().rowView(row()).text();
         case QAccessible::Description:
-            return view().rowView(row()).hasError ? TreeRowView::errorHelp() : QString();
+            return description(view().rowView(row()));
         default:
             return {};
         }
@@ -139,18 +149,27 @@ public:
     }
 };
 
-/// The outline as a whole.
+/// The outline as a whole: its rows and, behind them, the field in which one is edited.
 class OutlineInterface : public QAccessibleWidget {
 public:
     explicit OutlineInterface(TreeOutlineView& view) : QAccessibleWidget(&view, QAccessible::Tree) {}
     ~OutlineInterface() override { forgetRows(); }
 
-    int childCount() const override { return static_cast<int>(view().rowCount()); }
+    int childCount() const override {
+        return static_cast<int>(view().rowCount()) + (view().editor() != nullptr ? 1 : 0);
+    }
     QAccessibleInterface* child(int index) const override {
         const auto row = static_cast<std::size_t>(index);
-        return index >= 0 && row < view().rowCount() ? part<RowInterface>(m_rows, row) : nullptr;
+        if (index < 0 || row >= view().rowCount()) {
+            return index == childCount() - 1 ? QAccessible::queryAccessibleInterface(view().editor())
+                                             : nullptr;
+        }
+        return part<RowInterface>(m_rows, row);
     }
     int indexOfChild(const QAccessibleInterface* child) const override {
+        if (view().editor() != nullptr && child->object() == view().editor()) {
+            return childCount() - 1;
+        }
         const auto found = std::ranges::find_if(m_rows, [child](const auto& row) {
             return QAccessible::accessibleInterface(row.second) == child;
         });

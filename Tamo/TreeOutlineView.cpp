@@ -439,7 +439,8 @@ void TreeOutlineView::edit(std::size_t row) {
     const bool isElement = (*m_contents.tree)[shown(row).node].isElement();
     const QFont& font = SystemFont::body();
     m_editor = new TreeRowEditor(*text, isElement ? SystemFont::semibold(font) : font, viewport());
-    m_editor->setAccessibleName(isElement ? QStringLiteral("Nombre") : QStringLiteral("Contenido"));
+    m_editor->setAccessibleName(isElement ? QStringLiteral("Nombre del elemento")
+                                          : QStringLiteral("Contenido del nodo"));
     connect(m_editor, &TreeRowEditor::finished, this, &TreeOutlineView::finishEditing);
     placeEditor();
     m_editor->show();

@@ -1,6 +1,7 @@
 #include "SegmentedControl.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -70,4 +71,13 @@ TEST_F(SegmentedControlTest, ShowsTitlesAsTheyAre) {
     EXPECT_EQ(segment(1)->accessibleName(), QStringLiteral("Dos & tres"));
     EXPECT_TRUE(segment(1)->shortcut().isEmpty());
     EXPECT_GT(segment(1)->width(), segment(0)->width());
+}
+
+TEST_F(SegmentedControlTest, HasRadioButtonsForAssistiveTools) {
+    for (int index = 0; index < m_control.count(); ++index) {
+        QAccessibleInterface* const read = QAccessible::queryAccessibleInterface(segment(index));
+        ASSERT_NE(read, nullptr);
+        EXPECT_EQ(read->role(), QAccessible::RadioButton);
+        EXPECT_EQ(bool(read->state().checked), index == m_control.current());
+    }
 }

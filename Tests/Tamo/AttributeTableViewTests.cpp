@@ -67,6 +67,7 @@ TEST(AttributeTableView, SetsAValue) {
     Desk desk(u"<a b='1' c='2'/>");
     QLineEdit* const field = desk.edit(1, Column::value);
     ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->accessibleName(), QStringLiteral("Valor del atributo c"));
     field->selectAll();
     QTest::keyClicks(field, QStringLiteral("<'&"));
     QTest::keyClick(field, Qt::Key_Return);

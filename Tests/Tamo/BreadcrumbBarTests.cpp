@@ -5,6 +5,7 @@
 #include "TagPalette.h"
 
 #include <QLabel>
+#include <QSignalSpy>
 #include <QToolButton>
 
 namespace {
@@ -55,6 +56,17 @@ TEST(BreadcrumbBar, ShowsTheDocumentAlone) {
     desk.session.select(NodePath{});
     EXPECT_EQ(desk.titles(), QStringList{QStringLiteral("Documento")});
     EXPECT_EQ(desk.buttons().size(), 1);
+}
+
+TEST(BreadcrumbBar, AsksForTheSelectedNodeInView) {
+    Desk desk(u"<a><b/></a>");
+    desk.session.select(NodePath{{0, 0}});
+    QSignalSpy requests(&desk.bar, &BreadcrumbBar::selectedNodeRequested);
+    QTest::mouseClick(desk.buttons()[2], Qt::LeftButton);
+    EXPECT_TRUE(requests.count() == 1 || requests.wait());
+    QTest::mouseClick(desk.buttons()[1], Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.session.selection() == NodePath{{0}}; }));
+    EXPECT_EQ(requests.count(), 1);
 }
 
 TEST(BreadcrumbBar, SelectsTheNodeOfTheCrumbThatIsPressed) {

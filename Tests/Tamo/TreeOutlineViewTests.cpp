@@ -491,9 +491,25 @@ TEST_F(TreeOutlineViewTest, ShowsItsRowsToAssistiveTechnology) {
         EXPECT_EQ(item->state().expanded, row == 0 || row == 3);
         EXPECT_EQ(tree->childAt(item->rect().center().x(), item->rect().center().y()), item);
     }
-    EXPECT_EQ(tree->child(1)->text(QAccessible::Description), u"Este nodo tiene errores");
+    EXPECT_EQ(tree->child(0)->text(QAccessible::Description), u"Elemento, nivel 1");
+    EXPECT_EQ(tree->child(1)->text(QAccessible::Description), u"Elemento, nivel 2. Este nodo tiene errores");
+    EXPECT_EQ(tree->child(2)->text(QAccessible::Description), u"Texto, nivel 2");
     EXPECT_EQ(tree->child(5), nullptr);
     EXPECT_EQ(tree->focusChild(), tree->child(3));
+}
+
+TEST_F(TreeOutlineViewTest, ShowsTheFieldOfARowToAssistiveTechnology) {
+    show(small, smallExpanded);
+    QAccessibleInterface* const tree = QAccessible::queryAccessibleInterface(&view);
+    view.edit(1);
+    ASSERT_EQ(tree->childCount(), 6);
+    QAccessibleInterface* const field = tree->child(5);
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->role(), QAccessible::EditableText);
+    EXPECT_EQ(field->text(QAccessible::Name), u"Nombre del elemento");
+    EXPECT_EQ(tree->indexOfChild(field), 5);
+    QTest::keyClick(view.editor(), Qt::Key_Escape);
+    EXPECT_EQ(tree->childCount(), 5);
 }
 
 TEST_F(TreeOutlineViewTest, IsWorkedByAssistiveTechnology) {
