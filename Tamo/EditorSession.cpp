@@ -220,8 +220,8 @@ bool EditorSession::isStillThere(const OutlineContents& selectionIn) const {
                                                         : m_parsed->tree.resolve(*m_selection).has_value();
 }
 
-void EditorSession::runWork(const Work& work) {
-    if (m_buffer.text().size() <= quickText) {
+void EditorSession::runWork(const Work& work, std::size_t units) {
+    if (units <= quickText) {
         work();
         return;
     }
@@ -290,15 +290,18 @@ void EditorSession::reveal(SourceRange range) {
     requestReveal(*now);
 }
 
-void EditorSession::nextProblem() {
+void EditorSession::goToProblem(Direction direction) {
     const DiagnosticList& problems = tree().diagnostics;
     // In a tree without a text beside it the caret stays where the text was last seen.
     const bool isTextHidden = m_mode == Mode::visual && m_revealRequest.has_value();
     const Offset caret = isTextHidden ? m_revealRequest->range.lower : m_textSelection.lower;
     const Offset caretThen = m_editsSinceParse.then(SourceRange::empty(caret)).lower;
-    const std::size_t next = problems.firstIndex(caretThen + 1);
-    for (std::size_t tried = 0; tried < problems.size(); ++tried) {
-        const SourceRange range = problems.range((next + tried) % problems.size());
+    const bool isForward = direction == Direction::forward;
+    const std::size_t count = problems.size();
+    const std::size_t first =
+        isForward ? problems.firstIndex(caretThen + 1) : problems.firstIndex(caretThen) + count - 1;
+    for (std::size_t tried = 0; tried < count; ++tried) {
+        const SourceRange range = problems.range((isForward ? first + tried : first + count - tried) % count);
         if (m_editsSinceParse.now(range)) {
             reveal(range);
             return;

@@ -149,7 +149,9 @@ public:
     void reveal(SourceRange range);
 
     /// Reveals the first problem behind the caret, else the first of all.
-    void nextProblem();
+    void nextProblem() { goToProblem(Direction::forward); }
+    /// Reveals the last problem before the caret, else the last of all.
+    void previousProblem() { goToProblem(Direction::backward); }
 
     /// Puts the path of the selected node, as shown, on the clipboard.
     void copyPath() const;
@@ -160,6 +162,12 @@ public:
 
     // Changes, each one step of undo under its name. One that cannot be made sets `errorMessage` and leaves
     // everything as it was. Those of the selected node do nothing without one.
+
+    /// Parses the text of now on the spot when the tree is older. What is planned elsewhere asks for it
+    /// first.
+    void bringTreeUpToDate();
+    /// Runs `work` on `units` units of text: on another thread, while this one waits, when they are many.
+    void runWork(const std::function<void()>& work, std::size_t units);
 
     void apply(const TreeMutation& mutation, const QString& actionName);
     /// `plan` was made for the text of now.
@@ -218,6 +226,7 @@ signals:
 
 private:
     using Work = std::function<void()>;
+    enum class Direction : std::uint8_t { forward, backward };
 
     void textChanged();
     void noteEdit(SourceRange edited, std::int64_t changeInLength);
@@ -225,7 +234,7 @@ private:
     ReparseScheduler::Snapshot snapshot() const;
     void deliver(ReparseScheduler::Result result);
     bool isStillThere(const OutlineContents& selectionIn) const;
-    void bringTreeUpToDate();
+    void goToProblem(Direction direction);
 
     void setSelection(const std::optional<NodePath>& selection);
     void requestReveal(SourceRange range);
@@ -234,7 +243,7 @@ private:
     void applyEdits(std::span<const TextEdit> edits, const QString& actionName);
     void replaceText(const std::function<TextEdit()>& edit, const QString& actionName);
     void moveSelection(int distance, TreeMutation::Placement placement);
-    void runWork(const Work& work);
+    void runWork(const Work& work) { runWork(work, m_buffer.text().size()); }
     void setBusy(bool isBusy);
     void setUntouched(bool isUntouched, bool isUntouchedAfterUndo);
     void updateGallery();

@@ -154,3 +154,5 @@ void TemplateGalleryView::keyPressEvent(QKeyEvent* event) {
         emit textRequested(units);
     }
 }
+
+void TemplateGalleryView::paste() { emit pasteRequested(); }

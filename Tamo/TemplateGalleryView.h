@@ -21,7 +21,13 @@ public:
     const std::vector<QAbstractButton*>& cards() const { return m_cards; }
     QPushButton* blankButton() const { return m_blank; }
 
+public slots:
+    /// What the menu's "Pegar" does while the gallery or something in it has the focus.
+    void paste();
+
 signals:
+    /// The document is to begin with what the clipboard holds.
+    void pasteRequested();
     /// The user typed something, or wants a blank page to type on when `units` is empty.
     void textRequested(const QString& units);
 

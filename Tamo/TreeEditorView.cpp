@@ -1,7 +1,9 @@
 #include "TreeEditorView.h"
 
 #include "EmptyStateView.h"
+#include "InsertionPrompts.h"
 #include "MutationPlanner.h"
+#include "NodeClipboard.h"
 #include "NodeCopy.h"
 #include "Symbol.h"
 #include "SystemColor.h"
@@ -42,7 +44,8 @@ QString quoted(const QString& query) {
 
 TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
     : QWidget(parent), m_session(session), m_filterField(new QLineEdit(this)), m_pages(new QStackedLayout),
-      m_outline(new TreeOutlineView(this)), m_emptyState(new EmptyStateView(this)) {
+      m_outline(new TreeOutlineView(this)), m_emptyState(new EmptyStateView(this)),
+      m_prompts(new InsertionPrompts(session, *this)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -55,6 +58,11 @@ TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
     m_pages->addWidget(m_emptyState);
     makeFilterField();
     connectOutline();
+    connect(m_emptyState, &EmptyStateView::actionRequested, this, [this] {
+        // The button goes with the empty state; the pane then passes the keys on.
+        setFocus(Qt::OtherFocusReason);
+        m_prompts->askForRoot();
+    });
     connect(&m_session, &EditorSession::rowsChanged, this, &TreeEditorView::showRows);
     connect(&m_session, &EditorSession::treeChanged, this, &TreeEditorView::showRows);
     connect(&m_session, &EditorSession::errorNodesChanged, m_outline->viewport(),
@@ -102,10 +110,12 @@ void TreeEditorView::showRows() {
     if (!hasStructure(m_session.tree())) {
         m_emptyState->setContents(QStringLiteral("list.bullet.indent"), QStringLiteral("Sin nodos"),
                                   QStringLiteral("El documento aún no tiene estructura."));
+        m_emptyState->setAction(QStringLiteral("Crear elemento raíz…"));
     } else if (isSearchInVain) {
         m_emptyState->setContents(QStringLiteral("magnifyingglass"),
                                   QStringLiteral("Sin resultados para “%1”").arg(quoted(m_session.filter())),
                                   QStringLiteral("Comprueba la ortografía o prueba otra búsqueda."));
+        m_emptyState->setAction({});
     } else {
         m_pages->setCurrentWidget(m_outline);
         passFocusOn();
@@ -141,6 +151,11 @@ void TreeEditorView::followSelection() {
     showSelection();
 }
 
+void TreeEditorView::showSelectedNode() {
+    m_isScrollingDue = true;
+    showSelection();
+}
+
 void TreeEditorView::showFilter() {
     if (m_filterField->text() != m_session.filter()) {
         m_filterField->setText(m_session.filter());
@@ -173,7 +188,44 @@ std::unique_ptr<QMenu> TreeEditorView::makeMenu(std::size_t row) {
     menu->addSeparator();
     menu->addAction(Symbol::icon(u"trash", SystemColor::systemRed), QStringLiteral("Eliminar"), &m_session,
                     &EditorSession::deleteSelection);
+    addClipboard(*menu);
+    addInsertions(*menu);
     return menu;
+}
+
+void TreeEditorView::addClipboard(QMenu& menu) {
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("Cortar"), QKeySequence::Cut, this, &TreeEditorView::cut);
+    menu.addAction(QStringLiteral("Copiar"), QKeySequence::Copy, this, &TreeEditorView::copy);
+    menu.addAction(QStringLiteral("Pegar"), QKeySequence::Paste, this, &TreeEditorView::paste)
+        ->setEnabled(NodeClipboard::canPaste());
+}
+
+void TreeEditorView::addInsertions(QMenu& menu) {
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("Insertar texto…"), m_prompts, &InsertionPrompts::askForText);
+    menu.addAction(QStringLiteral("Insertar comentario…"), m_prompts, &InsertionPrompts::askForComment);
+    if (!m_session.tree().rootElement()) {
+        menu.addAction(QStringLiteral("Crear elemento raíz…"), m_prompts, &InsertionPrompts::askForRoot);
+    }
+}
+
+void TreeEditorView::cut() {
+    if (isSelectionShown()) {
+        NodeClipboard::cut(m_session);
+    }
+}
+
+void TreeEditorView::copy() {
+    if (isSelectionShown()) {
+        NodeClipboard::copy(m_session);
+    }
+}
+
+void TreeEditorView::paste() {
+    if (isSelectionShown() || !m_session.selection()) {
+        NodeClipboard::paste(m_session);
+    }
 }
 
 void TreeEditorView::showMenu(std::size_t row, QPoint globalPosition) {

@@ -9,6 +9,7 @@
 #include <memory>
 
 class EmptyStateView;
+class InsertionPrompts;
 class QLineEdit;
 class QMenu;
 class QStackedLayout;
@@ -30,11 +31,26 @@ public:
     /// The commands for the node of a row, which is to be the selected one.
     std::unique_ptr<QMenu> makeMenu(std::size_t row);
 
+    /// Where the user writes new nodes.
+    InsertionPrompts& prompts() { return *m_prompts; }
+
+    /// Scrolls to the selected node.
+    void showSelectedNode();
+
+public slots:
+    // On the selected node, as `NodeClipboard` does; nothing while a filter hides it.
+    void cut();
+    void copy();
+    void paste();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
 
 private:
+    bool isSelectionShown() const { return m_outline->selectedRow().has_value(); }
+    void addClipboard(QMenu& menu);
+    void addInsertions(QMenu& menu);
     void makeFilterField();
     void connectOutline();
     void showRows();
@@ -55,5 +71,6 @@ private:
     QStackedLayout* m_pages;
     TreeOutlineView* m_outline;
     EmptyStateView* m_emptyState;
+    InsertionPrompts* m_prompts;
     bool m_isScrollingDue = false; ///< The selected node has not been in view yet.
 };

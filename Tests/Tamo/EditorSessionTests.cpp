@@ -504,6 +504,22 @@ TEST(EditorSession, RevealsNothingThatWasEdited) {
     EXPECT_EQ(desk.session.revealRequest()->range, SourceRange(8, 9));
 }
 
+TEST(EditorSession, GoesToThePreviousProblemAndAround) {
+    for (const Mode mode : EditorSession::allModes) {
+        SessionDesk desk(u"<a> & <b> & </b> & </a>");
+        ASSERT_TRUE(desk.open());
+        desk.session.setMode(mode);
+        for (const Offset expected : {17, 10, 4, 17, 10}) {
+            desk.session.previousProblem();
+            ASSERT_TRUE(desk.session.revealRequest().has_value());
+            EXPECT_EQ(desk.session.revealRequest()->range, SourceRange::at(expected, 1));
+            if (mode != Mode::visual) {
+                desk.session.setTextSelection(desk.session.revealRequest()->range);
+            }
+        }
+    }
+}
+
 TEST(EditorSession, GoesToTheNextProblemAndAround) {
     for (const Mode mode : EditorSession::allModes) {
         SessionDesk desk(u"<a> & <b> & </b> & </a>");
@@ -525,6 +541,7 @@ TEST(EditorSession, GoesToTheNextProblemAndAround) {
     SessionDesk perfect(u"<a/>");
     ASSERT_TRUE(perfect.open());
     perfect.session.nextProblem();
+    perfect.session.previousProblem();
     EXPECT_FALSE(perfect.session.revealRequest().has_value());
 }
 

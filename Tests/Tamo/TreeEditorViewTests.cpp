@@ -1,15 +1,17 @@
 #include "TreeEditorView.h"
 
 #include "EmptyStateView.h"
+#include "NamePromptDialog.h"
 #include "Repeated.h"
 #include "SessionDesk.h"
 #include "TreeRowEditor.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
 
@@ -170,6 +172,33 @@ TEST(TreeEditorView, DeletesTheSelectedNode) {
     EXPECT_EQ(pane.desk.selected(), u"<revista/>");
 }
 
+TEST(TreeEditorView, CutsCopiesAndPastesTheSelectedNode) {
+    Pane pane(u"<a>\n  <b/>\n  <c>t</c>\n</a>\n");
+    pane.choose(u"<b/>");
+    pane.view.copy();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("<b/>"));
+    pane.choose(u"<c>");
+    pane.view.paste();
+    pane.settle();
+    EXPECT_EQ(pane.desk.text(), u"<a>\n  <b/>\n  <c>t</c>\n  <b/>\n</a>\n");
+    EXPECT_EQ(pane.outline.selectedRow(), 4U);
+    pane.view.cut();
+    EXPECT_EQ(pane.desk.text(), u"<a>\n  <b/>\n  <c>t</c>\n</a>\n");
+}
+
+TEST(TreeEditorView, LeavesANodeThatTheFilterHides) {
+    Pane pane(library);
+    pane.choose(u"<revista/>");
+    pane.filter(QStringLiteral("Ana"));
+    pane.outline.setSelectedRow(std::nullopt);
+    QGuiApplication::clipboard()->setText(QStringLiteral("antes"));
+    pane.view.copy();
+    pane.view.cut();
+    pane.view.paste();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("antes"));
+    EXPECT_EQ(pane.desk.text(), library);
+}
+
 TEST(TreeEditorView, OffersItsCommandsInOrder) {
     Pane pane(library);
     pane.choose(u"<libro>");
@@ -187,6 +216,13 @@ TEST(TreeEditorView, OffersItsCommandsInOrder) {
         {QStringLiteral("Copiar ruta"), true},
         {QString(), false},
         {QStringLiteral("Eliminar"), true},
+        {QString(), false},
+        {QStringLiteral("Cortar"), false},
+        {QStringLiteral("Copiar"), false},
+        {QStringLiteral("Pegar"), false},
+        {QString(), false},
+        {QStringLiteral("Insertar texto…"), false},
+        {QStringLiteral("Insertar comentario…"), false},
     };
     const QList<QAction*> actions = menu->actions();
     ASSERT_EQ(actions.size(), std::ssize(entries));
