@@ -119,7 +119,7 @@ void DocumentWindow::setVersion(const std::optional<FileIdentity>& version) {
 
 void DocumentWindow::buildMenus() {
     const std::array titles = {QStringLiteral("&Archivo"), QStringLiteral("&Edición"),
-                               QStringLiteral("&Visualización"), QStringLiteral("V&entana"),
+                               QStringLiteral("&Visualización"), QStringLiteral("Ven&tana"),
                                QStringLiteral("A&yuda")};
     for (std::size_t at = 0; at < titles.size(); ++at) {
         m_menus[at] = new QMenu(titles[at], this);
@@ -158,6 +158,10 @@ void DocumentWindow::buildEditMenu() {
     QMenu& edit = menu(Menu::edit);
     m_undo = edit.addAction(QString(), QKeySequence::Undo, this, [this] { toEditor("undo"); });
     m_redo = edit.addAction(QString(), QKeySequence::Redo, this, [this] { toEditor("redo"); });
+    // What other desktops have for it. It stands behind their own, which menus show.
+    if (const QKeySequence other(Qt::CTRL | Qt::Key_Y); !m_redo->shortcuts().contains(other)) {
+        m_redo->setShortcuts(m_redo->shortcuts() << other);
+    }
     edit.addSeparator();
     edit.addAction(QStringLiteral("Cor&tar"), QKeySequence::Cut, this, [this] { toEditor("cut"); });
     edit.addAction(QStringLiteral("&Copiar"), QKeySequence::Copy, this, [this] { toEditor("copy"); });
@@ -182,11 +186,15 @@ void DocumentWindow::showHistory() {
     m_redo->setEnabled(history.canRedo());
 }
 
-/// Has what the user edits carry out `slot`; undo and redo are the document's where nothing else does them.
+/// Has what the user edits carry out `slot`: what has the focus, or the innermost view around it that can.
+/// Undo and redo are the document's where nothing else does them.
 void DocumentWindow::toEditor(const char* slot) {
-    QWidget* const editor = m_lastFocus;
+    QWidget* editor = m_lastFocus;
     const QByteArray signature = QByteArray(slot) + "()";
-    if (editor != nullptr && editor->metaObject()->indexOfSlot(signature) >= 0) {
+    while (editor != nullptr && editor->metaObject()->indexOfSlot(signature) < 0) {
+        editor = editor->isWindow() ? nullptr : editor->parentWidget();
+    }
+    if (editor != nullptr) {
         QMetaObject::invokeMethod(editor, slot);
     } else if (m_document != nullptr && qstrcmp(slot, "undo") == 0) {
         m_document->undoManager().undo();

@@ -129,6 +129,8 @@ public:
     void setRuler(QWidget* ruler);
     /// Gives the ruler the width that it hints at now.
     void retile();
+    /// What a ruler tells of presses beside the text.
+    TextViewMouse& mouse() { return *m_mouse; }
 
 signals:
     void selectionChanged();

@@ -57,6 +57,31 @@ void TextViewMouse::press(QMouseEvent& event, int clicks) {
     }
 }
 
+void TextViewMouse::pressLine(QPointF position, Extent extent) {
+    QGuiApplication::inputMethod()->commit();
+    m_position = position;
+    m_isPressedOnSelection = false;
+    const Offset at = m_view.offset(position);
+    constexpr auto line = DragSelection::Granularity::line;
+    m_drag = extent == Extent::extended
+                 ? DragSelection::extending(m_view.directedSelection(), line, m_view.text())
+                 : DragSelection(at, line, m_view.text());
+    m_view.select(m_drag->selection(at, m_view.text()));
+}
+
+void TextViewMouse::dragTo(QPointF position) {
+    if (m_drag) {
+        selectTo(position);
+        scrollAlong(position);
+    }
+}
+
+void TextViewMouse::endDrag() {
+    m_drag.reset();
+    m_scrolling.stop();
+    m_view.ownPrimarySelection();
+}
+
 void TextViewMouse::move(QMouseEvent& event) {
     const QPointF position = event.position();
     if (m_isPressedOnSelection) {
@@ -66,8 +91,7 @@ void TextViewMouse::move(QMouseEvent& event) {
             carrySelectionAway();
         }
     } else if (m_drag) {
-        selectTo(position);
-        scrollAlong(position);
+        dragTo(position);
     } else {
         m_view.viewport()->setCursor(m_view.isOnSelection(position) ? Qt::ArrowCursor : Qt::IBeamCursor);
     }
@@ -100,9 +124,7 @@ void TextViewMouse::release(QMouseEvent& event) {
         if (std::exchange(m_isPressedOnSelection, false)) {
             m_view.select(TextSelection::at(m_view.offset(event.position())));
         }
-        m_drag.reset();
-        m_scrolling.stop();
-        m_view.ownPrimarySelection();
+        endDrag();
     }
 }
 

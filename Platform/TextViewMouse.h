@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointF>
 
+#include <cstdint>
 #include <optional>
 
 class QDragMoveEvent;
@@ -27,6 +28,14 @@ public:
     void pressTwice(QMouseEvent& event);
     void move(QMouseEvent& event);
     void release(QMouseEvent& event);
+
+    /// A press beside the text, as in a ruler, selects the whole line there, or `extends` the selection to
+    /// it. A drag then goes on line by line until it ends. Positions are in the viewport, or above or below
+    /// it.
+    enum class Extent : std::uint8_t { line, extended };
+    void pressLine(QPointF position, Extent extent);
+    void dragTo(QPointF position);
+    void endDrag();
 
     /// Something is carried over the view, has left it, or is dropped.
     void carryOver(QDragMoveEvent& event);

@@ -2,6 +2,8 @@
 
 #include "CommitField.h"
 #include "EditorWindowView.h"
+#include "InsertionPrompts.h"
+#include "TreeEditorView.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -15,11 +17,14 @@ namespace {
 using Kind = EditorSession::NamePrompt::Kind;
 using Mode = EditorSession::Mode;
 
-/// Adds a command on the focused window; what is being written in a field there counts before.
-void add(QMenu& menu, const QString& title, const QKeySequence& shortcut,
-         std::function<void(EditorWindowView&)> command) {
+using Shortcuts = QList<QKeySequence>;
+
+/// Adds a command on the focused window; what is being written in a field there counts before. Of several
+/// shortcuts the menu shows the first.
+QAction* add(QMenu& menu, const QString& title, const Shortcuts& shortcuts,
+             std::function<void(EditorWindowView&)> command) {
     QAction* const action = menu.addAction(title);
-    action->setShortcut(shortcut);
+    action->setShortcuts(shortcuts);
     QObject::connect(action, &QAction::triggered, &menu, [command = std::move(command)] {
         precondition(QThread::currentThread() == QCoreApplication::instance()->thread(),
                      "commands run on the main thread");
@@ -28,19 +33,39 @@ void add(QMenu& menu, const QString& title, const QKeySequence& shortcut,
             command(*view);
         }
     });
+    return action;
 }
 
 /// The same for an operation of the session.
-void add(QMenu& menu, const QString& title, const QKeySequence& shortcut, void (EditorSession::*operation)()) {
-    add(menu, title, shortcut, [operation](EditorWindowView& view) { (view.session().*operation)(); });
+void add(QMenu& menu, const QString& title, const Shortcuts& shortcuts, void (EditorSession::*operation)()) {
+    add(menu, title, shortcuts, [operation](EditorWindowView& view) { (view.session().*operation)(); });
 }
 
 void addPrompt(QMenu& menu, const QString& title, const QKeySequence& shortcut, Kind kind) {
-    add(menu, title, shortcut, [kind](EditorWindowView& view) { view.session().requestNamePrompt(kind); });
+    add(menu, title, {shortcut}, [kind](EditorWindowView& view) { view.session().requestNamePrompt(kind); });
 }
 
 void addMode(QMenu& menu, const QString& title, const QKeySequence& shortcut, Mode mode) {
-    add(menu, title, shortcut, [mode](EditorWindowView& view) { view.session().setMode(mode); });
+    add(menu, title, {shortcut}, [mode](EditorWindowView& view) { view.session().setMode(mode); });
+}
+
+void addPaneStep(QMenu& menu, const QString& title, const QKeySequence& shortcut,
+                 PaneCycle::Direction direction) {
+    add(menu, title, {shortcut}, [direction](EditorWindowView& view) { view.panesInTurn().move(direction); });
+}
+
+/// Commands that write new nodes. That for a root element shows while there is none.
+void addInsertions(QMenu& menu) {
+    add(menu, QStringLiteral("Insertar texto…"), {},
+        [](EditorWindowView& view) { view.treeEditor().prompts().askForText(); });
+    add(menu, QStringLiteral("Insertar comentario…"), {},
+        [](EditorWindowView& view) { view.treeEditor().prompts().askForComment(); });
+    QAction* const root = add(menu, QStringLiteral("Crear elemento raíz…"), {},
+                              [](EditorWindowView& view) { view.treeEditor().prompts().askForRoot(); });
+    QObject::connect(&menu, &QMenu::aboutToShow, root, [root] {
+        const EditorSession* const session = AppCommands::focused().session;
+        root->setVisible(session != nullptr && !session->showsGallery() && !session->tree().rootElement());
+    });
 }
 
 } // namespace
@@ -57,13 +82,23 @@ void AppCommands::addModes(QMenu& menu) {
     menu.addSeparator();
 }
 
+void AppCommands::addPlaces(QMenu& menu) {
+    addPaneStep(menu, QStringLiteral("Panel siguiente"), Qt::Key_F6, PaneCycle::Direction::forward);
+    addPaneStep(menu, QStringLiteral("Panel anterior"), Qt::SHIFT | Qt::Key_F6,
+                PaneCycle::Direction::backward);
+    menu.addSeparator();
+    add(menu, QStringLiteral("Problema siguiente"), {Qt::Key_F8}, &EditorSession::nextProblem);
+    add(menu, QStringLiteral("Problema anterior"), {Qt::SHIFT | Qt::Key_F8}, &EditorSession::previousProblem);
+}
+
 QMenu* AppCommands::makeFormatMenu(QWidget* parent) {
     auto* menu = new QMenu(QStringLiteral("F&ormato"), parent);
-    add(*menu, QStringLiteral("Formatear documento"), Qt::CTRL | Qt::ALT | Qt::Key_F, &EditorSession::format);
-    add(*menu, QStringLiteral("Minificar documento"), Qt::CTRL | Qt::ALT | Qt::SHIFT | Qt::Key_F,
+    add(*menu, QStringLiteral("Formatear documento"), {Qt::CTRL | Qt::ALT | Qt::Key_F},
+        &EditorSession::format);
+    add(*menu, QStringLiteral("Minificar documento"), {Qt::CTRL | Qt::ALT | Qt::SHIFT | Qt::Key_F},
         &EditorSession::minify);
     menu->addSeparator();
-    add(*menu, QStringLiteral("Comentar / descomentar"), Qt::CTRL | Qt::Key_Slash,
+    add(*menu, QStringLiteral("Comentar / descomentar"), {Qt::CTRL | Qt::Key_Slash},
         [](EditorWindowView& view) { view.toggleComment(); });
     return menu;
 }
@@ -73,13 +108,18 @@ QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     addPrompt(*menu, QStringLiteral("Añadir hijo…"), Qt::CTRL | Qt::Key_Return, Kind::addChild);
     addPrompt(*menu, QStringLiteral("Añadir hermano…"), Qt::CTRL | Qt::SHIFT | Qt::Key_Return, Kind::addSibling);
     addPrompt(*menu, QStringLiteral("Envolver en…"), Qt::CTRL | Qt::ALT | Qt::Key_W, Kind::wrap);
-    add(*menu, QStringLiteral("Duplicar"), Qt::CTRL | Qt::Key_D, &EditorSession::duplicate);
+    add(*menu, QStringLiteral("Duplicar"), {Qt::CTRL | Qt::Key_D}, &EditorSession::duplicate);
     menu->addSeparator();
-    add(*menu, QStringLiteral("Mover arriba"), Qt::CTRL | Qt::ALT | Qt::Key_Up, &EditorSession::moveUp);
-    add(*menu, QStringLiteral("Mover abajo"), Qt::CTRL | Qt::ALT | Qt::Key_Down, &EditorSession::moveDown);
+    // Window managers take the first of each; they leave the second.
+    add(*menu, QStringLiteral("Mover arriba"),
+        {Qt::CTRL | Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::SHIFT | Qt::Key_Up}, &EditorSession::moveUp);
+    add(*menu, QStringLiteral("Mover abajo"),
+        {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down}, &EditorSession::moveDown);
     menu->addSeparator();
-    add(*menu, QStringLiteral("Copiar ruta"), Qt::CTRL | Qt::SHIFT | Qt::Key_C,
+    add(*menu, QStringLiteral("Copiar ruta"), {Qt::CTRL | Qt::SHIFT | Qt::Key_C},
         [](EditorWindowView& view) { view.session().copyPath(); });
     add(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);
+    menu->addSeparator();
+    addInsertions(*menu);
     return menu;
 }

@@ -15,8 +15,9 @@ struct AppCommands {
     /// As the windows stand now.
     static AppCommands focused();
 
-    /// Adds the group of modes at the start of the menu of views.
+    /// Adds the group of modes at the start of the menu of views, and what leads around a window behind it.
     static void addModes(QMenu& viewMenu);
+    static void addPlaces(QMenu& viewMenu);
 
     /// The menus "Formato" and "Nodo".
     static QMenu* makeFormatMenu(QWidget* parent);

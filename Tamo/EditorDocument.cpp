@@ -5,6 +5,7 @@
 #include "DocumentWindow.h"
 #include "EditorWindowView.h"
 #include "EncodingName.h"
+#include "HelpMenu.h"
 #include "RecoveryState.h"
 #include "TextDifference.h"
 
@@ -162,6 +163,8 @@ QString EditorDocumentType::untitledFileName() const { return QStringLiteral("Si
 
 void EditorDocumentType::buildMenus(DocumentWindow& window) const {
     AppCommands::addModes(window.menu(DocumentWindow::Menu::view));
+    AppCommands::addPlaces(window.menu(DocumentWindow::Menu::view));
     window.menuBar()->addMenu(AppCommands::makeFormatMenu(&window));
     window.menuBar()->addMenu(AppCommands::makeNodeMenu(&window));
+    HelpMenu::fill(window.menu(DocumentWindow::Menu::help), window);
 }

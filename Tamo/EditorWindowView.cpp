@@ -10,6 +10,7 @@
 #include "NodeInspectorView.h"
 #include "SegmentedControl.h"
 #include "Symbol.h"
+#include "SymbolLabel.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TemplateGalleryView.h"
@@ -85,6 +86,7 @@ EditorWindowView::EditorWindowView(EditorSession& session, UndoManager& undoMana
     buildPanes();
     buildToolBar();
     connectFindCommands();
+    connectBreadcrumbs();
     m_pages = new QStackedWidget;
     m_gallery = new TemplateGalleryView(session);
     m_pages->addWidget(m_editor);
@@ -95,7 +97,9 @@ EditorWindowView::EditorWindowView(EditorSession& session, UndoManager& undoMana
     layout->addWidget(m_toolBar);
     layout->addWidget(m_pages, 1);
 
+    collectPanes();
     connect(m_gallery, &TemplateGalleryView::textRequested, this, &EditorWindowView::beginText);
+    connect(m_gallery, &TemplateGalleryView::pasteRequested, &m_source->textView(), &TextView::paste);
     connect(&session, &EditorSession::modeChanged, this, &EditorWindowView::showMode);
     connect(&session, &EditorSession::treeChanged, this, &EditorWindowView::showStatus);
     connect(&session, &EditorSession::showsGalleryChanged, this, &EditorWindowView::showGallery);
@@ -139,11 +143,13 @@ void EditorWindowView::buildPanes() {
     auto* rows = new QVBoxLayout(m_editor);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
-    rows->addWidget(new BreadcrumbBar(m_session));
+    m_breadcrumbs = new BreadcrumbBar(m_session);
+    m_diagnostics = new DiagnosticsBar(m_session);
+    rows->addWidget(m_breadcrumbs);
     rows->addWidget(makeSeparator());
     rows->addWidget(columns, 1);
     rows->addWidget(makeSeparator());
-    rows->addWidget(new DiagnosticsBar(m_session));
+    rows->addWidget(m_diagnostics);
 }
 
 void EditorWindowView::buildToolBar() {
@@ -171,20 +177,14 @@ void EditorWindowView::buildToolBar() {
     auto* space = new QWidget;
     space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_toolBar->addWidget(space);
-    m_status = new QToolButton;
-    m_status->setAutoRaise(true);
-    m_status->setFocusPolicy(Qt::NoFocus);
-    m_status->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_status->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    m_status = new SymbolLabel;
     m_toolBar->addWidget(m_status);
     m_inspectorAction = m_toolBar->addAction(Symbol::icon(u"sidebar.trailing"), QStringLiteral("Inspector"));
     m_inspectorAction->setCheckable(true);
     m_inspectorAction->setChecked(m_showInspector);
     connect(m_inspectorAction, &QAction::toggled, this, &EditorWindowView::setShowInspector);
     for (QToolButton* button : m_toolBar->findChildren<QToolButton*>()) {
-        if (button != m_status) {
-            button->setFocusPolicy(Qt::TabFocus);
-        }
+        button->setFocusPolicy(Qt::TabFocus);
     }
 }
 
@@ -202,6 +202,26 @@ void EditorWindowView::connectFindCommands() {
             }
         });
     }
+}
+
+/// Brings the selected node into view again, wherever it shows.
+void EditorWindowView::connectBreadcrumbs() {
+    connect(m_breadcrumbs, &BreadcrumbBar::selectedNodeRequested, this, [this] {
+        m_tree->showSelectedNode();
+        if (const auto node = m_session.selectedNode(); node && m_session.mode() != Mode::visual) {
+            m_session.reveal(m_session.tree()[*node].range);
+        }
+    });
+}
+
+void EditorWindowView::collectPanes() {
+    m_panesInTurn.setPanes({{m_gallery, m_gallery},
+                            {m_source, &m_source->textView()},
+                            {m_tree, &m_tree->outline()},
+                            {m_inspector, nullptr},
+                            {m_breadcrumbs, nullptr},
+                            {m_diagnostics, nullptr},
+                            {m_toolBar, nullptr}});
 }
 
 // What it shows
@@ -254,7 +274,6 @@ void EditorWindowView::showStatus() {
         m_status->setText(QStringLiteral("%1 errores").arg(errors));
         m_status->setToolTip(QStringLiteral("El documento tiene errores"));
     }
-    m_status->setToolButtonStyle(errors == 0 ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
     m_status->setAccessibleName(m_status->toolTip());
 }
 

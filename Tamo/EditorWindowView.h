@@ -1,11 +1,14 @@
 #pragma once
 
 #include "EditorSession.h"
+#include "PaneCycle.h"
 
 #include <QPointer>
 #include <QWidget>
 
+class BreadcrumbBar;
 class CodeEditorView;
+class DiagnosticsBar;
 class NamePromptDialog;
 class NodeInspectorView;
 class QAction;
@@ -13,8 +16,8 @@ class QMessageBox;
 class QSplitter;
 class QStackedWidget;
 class QToolBar;
-class QToolButton;
 class SegmentedControl;
+class SymbolLabel;
 class TemplateGalleryView;
 class TreeEditorView;
 class UndoManager;
@@ -42,6 +45,9 @@ public:
     bool showInspector() const { return m_showInspector; }
     void setShowInspector(bool showInspector);
 
+    /// The parts of the window that the keyboard goes around.
+    const PaneCycle& panesInTurn() const { return m_panesInTurn; }
+
     /// Makes the lines that are selected in the text a comment, or uncomments them.
     void toggleComment();
 
@@ -55,6 +61,8 @@ private:
     void buildToolBar();
     void buildPanes();
     void connectFindCommands();
+    void connectBreadcrumbs();
+    void collectPanes();
 
     void showMode();
     void showStatus();
@@ -75,11 +83,14 @@ private:
     QToolBar* m_toolBar = nullptr;
     SegmentedControl* m_modes = nullptr;
     QAction* m_inspectorAction = nullptr;
-    QToolButton* m_status = nullptr;
+    SymbolLabel* m_status = nullptr;
     QStackedWidget* m_pages = nullptr;
     TemplateGalleryView* m_gallery = nullptr;
     QWidget* m_editor = nullptr;
     QSplitter* m_panes = nullptr;
+    BreadcrumbBar* m_breadcrumbs = nullptr;
+    DiagnosticsBar* m_diagnostics = nullptr;
+    PaneCycle m_panesInTurn;
     CodeEditorView* m_source = nullptr;
     TreeEditorView* m_tree = nullptr;
     NodeInspectorView* m_inspector = nullptr;

@@ -3,8 +3,10 @@
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TextView.h"
+#include "TextViewMouse.h"
 
 #include <QHelpEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -124,7 +126,33 @@ double LineNumberRuler::top(std::size_t ofLine) const {
     return mapFrom(m_clientView, inView).y();
 }
 
+QPointF LineNumberRuler::beside(QPointF at) const {
+    return {0, m_clientView->viewport()->mapFrom(m_clientView, mapTo(m_clientView, at)).y()};
+}
+
 std::size_t LineNumberRuler::line(QPointF at) const {
-    const QPointF inViewport = m_clientView->viewport()->mapFrom(m_clientView, mapTo(m_clientView, at));
-    return m_clientView->text().line(m_clientView->offset({0, inViewport.y()}));
+    return m_clientView->text().line(m_clientView->offset(beside(at)));
+}
+
+void LineNumberRuler::mousePressEvent(QMouseEvent* event) {
+    if (m_clientView == nullptr || event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    const bool extends = event->modifiers().testFlag(Qt::ShiftModifier);
+    m_clientView->mouse().pressLine(beside(event->position()),
+                                    extends ? TextViewMouse::Extent::extended : TextViewMouse::Extent::line);
+    m_clientView->setFocus(Qt::MouseFocusReason);
+}
+
+void LineNumberRuler::mouseMoveEvent(QMouseEvent* event) {
+    if (m_clientView != nullptr && event->buttons().testFlag(Qt::LeftButton)) {
+        m_clientView->mouse().dragTo(beside(event->position()));
+    }
+}
+
+void LineNumberRuler::mouseReleaseEvent(QMouseEvent* event) {
+    if (m_clientView != nullptr && event->button() == Qt::LeftButton) {
+        m_clientView->mouse().endDrag();
+    }
 }

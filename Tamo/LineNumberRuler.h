@@ -15,7 +15,8 @@ class TextView;
 
 /// The gutter at the left of a text view: the number of every line that shows, counted from 1, and a red dot
 /// before the number of a line on which a diagnostic starts. The first number comes from the lines that it
-/// was given last, the others count on from it. All in logical pixels.
+/// was given last, the others count on from it. A press selects the line, a drag several, and Shift extends
+/// what is selected. All in logical pixels.
 class LineNumberRuler : public QWidget {
     Q_OBJECT
 
@@ -57,8 +58,13 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    /// The point of the text's viewport beside a point of the ruler.
+    QPointF beside(QPointF at) const;
     double top(std::size_t ofLine) const;
     std::size_t line(QPointF at) const;
 

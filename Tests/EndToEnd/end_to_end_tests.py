@@ -65,6 +65,10 @@ class EndToEnd(unittest.TestCase):
         api = accessibility()
         wait_until(lambda: api.Text.get_text(text, 0, -1) == expected, f"text {expected!r}")
 
+    @staticmethod
+    def text_of(field):
+        return accessibility().Text.get_text(field, 0, -1)
+
     def save(self, app, path, expected):
         app.press("ctrl+s")
         self.wait_for_bytes(path, expected.encode() if isinstance(expected, str) else expected)
@@ -202,11 +206,11 @@ class EndToEnd(unittest.TestCase):
     def test_tells_what_is_wrong(self):
         app = self.start_with_text(self.sample("biblioteca.xml"))
         app.wait_for(role="label", name="Sin errores")
-        app.wait_for(role="push button", name="El documento está bien formado")
+        app.wait_for(role="label", name="El documento está bien formado")
         app.press("ctrl+End")
         app.type("<otra/>")
         app.wait_for(role="push button", name="1 errores, 0 advertencias")
-        app.wait_for(role="push button", name="El documento tiene errores")
+        app.wait_for(role="label", name="El documento tiene errores")
         self.assertIsNone(app.find(role="label", name="Sin errores"))
 
     def test_counts_the_problems_of_a_broken_file_and_leads_to_them(self):
@@ -339,10 +343,10 @@ class EndToEnd(unittest.TestCase):
         app.press("ctrl+alt+w")
         app.wait_for(role="label", name="Envolver en")
         app.type("no vale")
-        app.answer("Nombre de la etiqueta", "Return")
-        app.answer("No se pudo editar", "Return")
-        app.press("ctrl+alt+w")
-        app.wait_for(role="label", name="Envolver en")
+        app.press("Return")
+        app.wait_for(role="label", name="“no vale” no es un nombre XML válido.")
+        self.assertEqual(self.text_of(app.wait_for(role="text", name="Nombre de la etiqueta")), "no vale")
+        app.press("ctrl+a")
         app.type("caja")
         app.answer("Nombre de la etiqueta", "Return")
         app.wait_for(role="table cell", name="caja")

@@ -42,6 +42,7 @@ struct Desk {
         : mirror(std::make_shared<TextMirror>(Rope(text))), buffer(Rope(text), mirror),
           session(buffer, QStringLiteral("Unicode (UTF-8)")), editor(new EditorWindowView(session, undo)) {
         AppCommands::addModes(*view);
+        AppCommands::addPlaces(*view);
         menus->addMenu(view);
         menus->addMenu(AppCommands::makeFormatMenu(&window));
         menus->addMenu(AppCommands::makeNodeMenu(&window));
@@ -97,19 +98,25 @@ QPushButton* button(QWidget& dialog, const QString& text) {
 
 TEST(AppCommands, AreListedInOrderWithTheirShortcuts) {
     Desk desk(u"<a/>");
-    EXPECT_EQ(desk.titles(0), (QStringList{QStringLiteral("Modo texto Ctrl+1"), QStringLiteral("Modo visual Ctrl+2"),
-                                           QStringLiteral("Modo dividido Ctrl+3"), QStringLiteral("-")}));
+    EXPECT_EQ(desk.titles(0),
+              (QStringList{QStringLiteral("Modo texto Ctrl+1"), QStringLiteral("Modo visual Ctrl+2"),
+                           QStringLiteral("Modo dividido Ctrl+3"), QStringLiteral("-"),
+                           QStringLiteral("Panel siguiente F6"), QStringLiteral("Panel anterior Shift+F6"),
+                           QStringLiteral("-"), QStringLiteral("Problema siguiente F8"),
+                           QStringLiteral("Problema anterior Shift+F8")}));
     EXPECT_EQ(desk.titles(1),
               (QStringList{QStringLiteral("Formatear documento Ctrl+Alt+F"),
                            QStringLiteral("Minificar documento Ctrl+Alt+Shift+F"), QStringLiteral("-"),
                            QStringLiteral("Comentar / descomentar Ctrl+/")}));
-    EXPECT_EQ(desk.titles(2),
-              (QStringList{QStringLiteral("Añadir hijo… Ctrl+Return"),
-                           QStringLiteral("Añadir hermano… Ctrl+Shift+Return"),
-                           QStringLiteral("Envolver en… Ctrl+Alt+W"), QStringLiteral("Duplicar Ctrl+D"),
-                           QStringLiteral("-"), QStringLiteral("Mover arriba Ctrl+Alt+Up"),
-                           QStringLiteral("Mover abajo Ctrl+Alt+Down"), QStringLiteral("-"),
-                           QStringLiteral("Copiar ruta Ctrl+Shift+C"), QStringLiteral("Eliminar ")}));
+    EXPECT_EQ(
+        desk.titles(2),
+        (QStringList{
+            QStringLiteral("Añadir hijo… Ctrl+Return"), QStringLiteral("Añadir hermano… Ctrl+Shift+Return"),
+            QStringLiteral("Envolver en… Ctrl+Alt+W"), QStringLiteral("Duplicar Ctrl+D"), QStringLiteral("-"),
+            QStringLiteral("Mover arriba Ctrl+Alt+Up"), QStringLiteral("Mover abajo Ctrl+Alt+Down"),
+            QStringLiteral("-"), QStringLiteral("Copiar ruta Ctrl+Shift+C"), QStringLiteral("Eliminar "),
+            QStringLiteral("-"), QStringLiteral("Insertar texto… "), QStringLiteral("Insertar comentario… "),
+            QStringLiteral("Crear elemento raíz… ")}));
 }
 
 TEST(AppCommands, WorkOnTheFocusedWindow) {
@@ -160,6 +167,58 @@ TEST(AppCommands, DoNothingWithoutASelectedNode) {
     EXPECT_FALSE(desk.session.errorMessage());
 }
 
+TEST(AppCommands, MoveNodesByKeysThatWindowManagersLeave) {
+    Desk desk(u"<a><b/><c/></a>");
+    desk.session.select(NodePath{{0, 0}});
+    desk.press(Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><c/><b/></a>"));
+    desk.waitForTree();
+    desk.press(Qt::Key_Up, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><b/><c/></a>"));
+}
+
+TEST(AppCommands, OfferARootWhereThereIsNone) {
+    for (const auto& [text, isOffered] : {std::pair(u"<!-- c -->", true), std::pair(u"<a/>", false)}) {
+        Desk desk(text);
+        QMenu* const node = desk.menus->actions()[2]->menu();
+        emit node->aboutToShow();
+        EXPECT_EQ(node->actions().back()->isVisible(), isOffered);
+    }
+}
+
+TEST(AppCommands, LeadAroundThePanes) {
+    Desk desk(u"<a/>");
+    desk.session.setMode(Mode::split);
+    desk.session.select(NodePath{{0}});
+    desk.editor->codeEditor().setFocus();
+    QStringList places;
+    const auto place = [&] {
+        const QWidget* const focused = QApplication::focusWidget();
+        for (const auto& [pane, name] :
+             {std::pair<const QWidget*, const char*>(&desk.editor->codeEditor(), "source"),
+              std::pair<const QWidget*, const char*>(&desk.editor->treeEditor(), "tree"),
+              std::pair<const QWidget*, const char*>(&desk.editor->inspector(), "inspector"),
+              std::pair<const QWidget*, const char*>(&desk.editor->toolBar(), "tools")}) {
+            if (pane->isAncestorOf(focused)) {
+                return QString::fromLatin1(name);
+            }
+        }
+        return QStringLiteral("bar");
+    };
+    for (int step = 0; step < 5; ++step) {
+        desk.press(Qt::Key_F6, Qt::NoModifier);
+        places += place();
+    }
+    EXPECT_EQ(places.join(u' '), QStringLiteral("tree inspector bar tools source"));
+    desk.press(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_EQ(place(), QStringLiteral("tools"));
+    desk.session.setMode(Mode::visual);
+    desk.editor->setShowInspector(false);
+    desk.editor->treeEditor().setFocus();
+    desk.press(Qt::Key_F6, Qt::NoModifier);
+    EXPECT_EQ(place(), QStringLiteral("bar")) << "what is hidden is left out";
+}
+
 TEST(AppCommands, CommentTheLineOfTheCaret) {
     Desk desk(u"<a>\n<b/>\n</a>");
     desk.session.setMode(Mode::text);
@@ -203,9 +262,10 @@ TEST(EditorWindowView, HasItsToolBarInOrder) {
     for (const QAbstractButton* button : buttons) {
         texts += button->text();
     }
-    EXPECT_EQ(texts, (QStringList{QStringLiteral("Texto"), QStringLiteral("Visual"), QStringLiteral("Dividido"),
-                                  QStringLiteral("Formatear"), QString(), QStringLiteral("Inspector")}));
-    ASSERT_EQ(buttons.size(), 6);
+    EXPECT_EQ(texts,
+              (QStringList{QStringLiteral("Texto"), QStringLiteral("Visual"), QStringLiteral("Dividido"),
+                           QStringLiteral("Formatear"), QStringLiteral("Inspector")}));
+    ASSERT_EQ(buttons.size(), 5);
     QTest::mouseClick(buttons[2], Qt::LeftButton);
     EXPECT_EQ(desk.session.mode(), Mode::split);
     desk.session.setMode(Mode::text);
@@ -215,9 +275,10 @@ TEST(EditorWindowView, HasItsToolBarInOrder) {
 
 TEST(EditorWindowView, ShowsWhetherTheDocumentIsWellFormed) {
     const auto status = [](const Desk& desk) {
-        for (const QToolButton* button : desk.editor->toolBar().findChildren<QToolButton*>()) {
-            if (button->toolTip().startsWith(QStringLiteral("El documento"))) {
-                return std::pair(button->text(), button->toolTip());
+        for (const QLabel* label : desk.editor->toolBar().findChildren<QLabel*>()) {
+            if (label->toolTip().startsWith(QStringLiteral("El documento"))) {
+                EXPECT_EQ(label->accessibleName(), label->toolTip());
+                return std::pair(label->text(), label->toolTip());
             }
         }
         return std::pair(QString(), QString());
@@ -302,6 +363,31 @@ TEST(EditorWindowView, OffersTheGalleryForANewDocument) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace);
     EXPECT_EQ(desk.text(), QString());
     EXPECT_FALSE(gallery.isVisible()) << "emptying does not";
+}
+
+TEST(EditorWindowView, BeginsWithWhatIsPastedIntoTheGallery) {
+    Desk desk(u"");
+    QApplication::clipboard()->setText(QStringLiteral("<a>\n</a>"));
+    desk.editor->gallery().paste();
+    EXPECT_EQ(desk.text(), QStringLiteral("<a>\n</a>"));
+    EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Pegar"));
+    EXPECT_FALSE(desk.editor->gallery().isVisible());
+    EXPECT_TRUE(desk.editor->treeEditor().isVisible());
+}
+
+TEST(EditorWindowView, KeepsTheNamePromptWithAnInvalidName) {
+    Desk desk(u"<a/>");
+    desk.session.select(NodePath{{0}});
+    desk.press(Qt::Key_Return, Qt::ControlModifier);
+    auto* const prompt = desk.dialog<NamePromptDialog>();
+    ASSERT_NE(prompt, nullptr);
+    QTest::keyClicks(prompt->findChild<QLineEdit*>(), QStringLiteral("a b"));
+    QTest::mouseClick(button(*prompt, QStringLiteral("Aceptar")), Qt::LeftButton);
+    EXPECT_TRUE(prompt->isVisible());
+    EXPECT_EQ(prompt->name(), QStringLiteral("a b"));
+    EXPECT_FALSE(desk.session.errorMessage());
+    EXPECT_TRUE(desk.session.namePrompt());
+    EXPECT_EQ(desk.text(), QStringLiteral("<a/>"));
 }
 
 TEST(EditorWindowView, StartsBlankWithSomewhereToType) {

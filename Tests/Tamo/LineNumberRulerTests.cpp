@@ -4,10 +4,12 @@
 #include "SystemFont.h"
 #include "TextBuffer.h"
 #include "TextView.h"
+#include "TextViewMouse.h"
 #include "TreeParser.h"
 
 #include <QHelpEvent>
 #include <QImage>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
@@ -243,4 +245,34 @@ TEST(LineNumberRuler, DrawsNothingWithoutItsView) {
     QImage blank = image;
     blank.fill(image.pixelColor(0, 0));
     EXPECT_EQ(image, blank);
+}
+
+TEST(LineNumberRuler, SelectsTheLineThatIsPressed) {
+    Desk desk(u"uno\ndos\ntres\ncuatro");
+    const auto at = [&](std::size_t line) { return desk.band(line).center(); };
+    QTest::mouseClick(desk.ruler, Qt::LeftButton, {}, at(1));
+    EXPECT_EQ(desk.view.selection(), SourceRange(4, 8));
+    QTest::mouseClick(desk.ruler, Qt::LeftButton, Qt::ShiftModifier, at(2));
+    EXPECT_EQ(desk.view.selection(), SourceRange(4, 13));
+    QTest::mouseClick(desk.ruler, Qt::RightButton, {}, at(0));
+    EXPECT_EQ(desk.view.selection(), SourceRange(4, 13));
+    QTest::mouseClick(desk.ruler, Qt::LeftButton, {}, at(3));
+    EXPECT_EQ(desk.view.selection(), SourceRange(13, 19));
+}
+
+TEST(LineNumberRuler, SelectsTheLinesThatAreDraggedOver) {
+    Desk desk(u"uno\ndos\ntres\ncuatro");
+    const auto drag = [&](std::size_t from, std::size_t to) {
+        QTest::mousePress(desk.ruler, Qt::LeftButton, {}, desk.band(from).center());
+        const QPointF place = desk.band(to).center();
+        QMouseEvent move(QEvent::MouseMove, place, desk.ruler->mapToGlobal(place), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QCoreApplication::sendEvent(desk.ruler, &move);
+        QTest::mouseRelease(desk.ruler, Qt::LeftButton, {}, place.toPoint());
+    };
+    drag(0, 2);
+    EXPECT_EQ(desk.view.selection(), SourceRange(0, 13));
+    drag(2, 1);
+    EXPECT_EQ(desk.view.selection(), SourceRange(4, 13));
+    EXPECT_FALSE(desk.view.mouse().isSelecting());
 }

@@ -1,0 +1,50 @@
+#include "ShortcutsDialog.h"
+
+#include "SystemFont.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr QSize initialSize(620, 640);
+
+QString shown(const QList<QKeySequence>& keys) {
+    QStringList names;
+    for (const QKeySequence& key : keys) {
+        names += key.toString(QKeySequence::NativeText);
+    }
+    return names.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+ShortcutsDialog::ShortcutsDialog(const QList<KeySection>& sections, QWidget* parent) : QDialog(parent) {
+    setWindowTitle(QStringLiteral("Atajos de teclado"));
+    auto* list = new QTreeWidget;
+    list->setAccessibleName(windowTitle());
+    list->setHeaderLabels({QStringLiteral("Orden"), QStringLiteral("Teclas")});
+    list->setSelectionMode(QAbstractItemView::SingleSelection);
+    list->setUniformRowHeights(true);
+    list->setFrameShape(QFrame::NoFrame);
+    for (const KeySection& section : sections) {
+        auto* heading = new QTreeWidgetItem(list, {section.title});
+        heading->setFont(0, SystemFont::semibold(SystemFont::body()));
+        heading->setFirstColumnSpanned(true);
+        heading->setExpanded(true);
+        for (const KeyBinding& binding : section.bindings) {
+            new QTreeWidgetItem(heading, {binding.meaning, shown(binding.keys)});
+        }
+    }
+    list->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    list->setCurrentItem(list->topLevelItem(0));
+    auto* buttons = new QDialogButtonBox;
+    buttons->addButton(QStringLiteral("Cerrar"), QDialogButtonBox::RejectRole);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(list, 1);
+    layout->addWidget(buttons);
+    resize(initialSize);
+}
