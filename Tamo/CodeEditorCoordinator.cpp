@@ -192,7 +192,11 @@ void CodeEditorCoordinator::showSelection(SourceRange selection) {
 void CodeEditorCoordinator::highlightVisibleLines() {
     if (m_textView != nullptr) {
         const DocumentTree* tree = m_session.isTreeCurrent() ? &m_session.tree() : nullptr;
-        SyntaxHighlighter::highlight(*m_textView, m_session.buffer(), tree);
+        // Until the next parse the declaration moves along with the edits in it and before it.
+        const SourceRange declaration = m_session.parsed()->doctype.declaration;
+        const auto now = m_session.editsSinceParse().now(declaration);
+        SyntaxHighlighter::highlight(*m_textView, m_session.buffer(), tree,
+                                     DoctypeReading{now.value_or(SourceRange())});
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DoctypeReading.h"
 #include "DocumentTree.h"
 #include "IndentStyle.h"
 #include "LineIndex.h"
@@ -12,6 +13,7 @@
 /// it; whoever lets go of it last, it is not freed on the main thread.
 struct ParsedDocument {
     DocumentTree tree;
+    DoctypeReading doctype; ///< With which `tree` was parsed.
     LineIndex lines;
     IndentStyle indent;
     NodeErrors errorNodes;

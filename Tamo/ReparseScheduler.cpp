@@ -52,7 +52,8 @@ struct ReparseScheduler::Job {
         const SourceText text = flattener->flattened(std::exchange(snapshot.text, {}));
         if (!stop.stop_requested()) {
             const auto interval = signposter.interval("Parse");
-            document.tree = TreeParser::parse(text, stop, std::move(document.tree));
+            document.doctype = DoctypeReading::of(text);
+            document.tree = TreeParser::parse(text, stop, std::move(document.tree), document.doctype);
         }
         if (!stop.stop_requested()) {
             document.lines = LineIndex(text);

@@ -56,10 +56,12 @@ bool goesOn(SourceRange from, SourceRange to, const DocumentTree* tree, Offset l
 }
 
 /// Adds the runs of `visible`, read in one go from `start` on.
-void read(const Rope& text, Offset start, std::span<const SourceRange> visible, std::vector<Run>& runs) {
+void read(const Rope& text, Offset start, std::span<const SourceRange> visible, DoctypeReading doctype,
+          std::vector<Run>& runs) {
     const std::u16string units = text.units({start, visible.back().upper});
     UnitIndex index;
     Lexer lexer(units, index);
+    lexer.doctype = doctype.after(start);
     auto stretch = visible.begin();
     while (const auto token = lexer.next()) {
         const SourceRange range = token->range.shifted(start);
@@ -91,7 +93,7 @@ TemporaryAttributes SyntaxHighlighter::attributes(Token::Kind of, const QPalette
 }
 
 std::vector<Run> SyntaxHighlighter::runs(const Rope& text, std::span<const SourceRange> visible,
-                                         const DocumentTree* tree) {
+                                         const DocumentTree* tree, DoctypeReading doctype) {
     std::vector<Run> runs;
     Offset room = longestLookBack; // What may be read between the stretches yet.
     for (std::size_t first = 0; first < visible.size();) {
@@ -104,13 +106,14 @@ std::vector<Run> SyntaxHighlighter::runs(const Rope& text, std::span<const Sourc
             room -= visible[end].lower - visible[end - 1].upper;
             ++end;
         }
-        read(text, start, visible.subspan(first, end - first), runs);
+        read(text, start, visible.subspan(first, end - first), doctype, runs);
         first = end;
     }
     return runs;
 }
 
-void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree) {
+void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree,
+                                  DoctypeReading doctype) {
     const std::vector<SourceRange> stretches = view.visibleStretches(longestWholeLine);
     Offset count = 0;
     for (const SourceRange stretch : stretches) {
@@ -124,7 +127,7 @@ void SyntaxHighlighter::highlight(TextView& view, const TextBuffer& buffer, cons
     for (std::size_t kind = 0; kind < kinds; ++kind) {
         looks[kind] = attributes(static_cast<Token::Kind>(kind), view.palette());
     }
-    const std::vector<Run> found = runs(buffer.text(), stretches, tree);
+    const std::vector<Run> found = runs(buffer.text(), stretches, tree, doctype);
     auto run = found.begin();
     std::vector<AttributeRuns::Run> coloured;
     for (const SourceRange stretch : stretches) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DoctypeReading.h"
 #include "DocumentTree.h"
 #include "Rope.h"
 #include "SystemColor.h"
@@ -50,13 +51,16 @@ inline constexpr Offset longestLine = 32'768;
 /// with its stretch. They are read on from where `tree` says that content begins or goes on, unless that is
 /// too far back; then, and without a tree, as if the first of the lines began in content. Units between two
 /// stretches are read along unless the tree makes that unnecessary or there are too many; after these the
-/// rule begins anew. The tree is that of this very text.
-std::vector<Run> runs(const Rope& text, std::span<const SourceRange> visible, const DocumentTree* tree);
+/// rule begins anew. The tree is that of this very text. `doctype` is the reading of the text.
+std::vector<Run> runs(const Rope& text, std::span<const SourceRange> visible, const DocumentTree* tree,
+                      DoctypeReading doctype = {});
 
 /// Lines of more units than this are coloured around what shows of them only.
 inline constexpr Offset longestWholeLine = 2048;
 
 /// Colours the text that `view` shows, which is that of `buffer`. The tree may be null, or that of the text.
-void highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree);
+/// `doctype` is the reading of the text, or the last known one where its end was not looked for again yet.
+void highlight(TextView& view, const TextBuffer& buffer, const DocumentTree* tree,
+               DoctypeReading doctype = {});
 
 } // namespace SyntaxHighlighter

@@ -1,5 +1,7 @@
 #include "Lexer.h"
 
+#include "DeclarationEnd.h"
+
 #include <algorithm>
 
 namespace {
@@ -14,36 +16,11 @@ bool isReferenceDigit(char16_t unit) {
            (u'A' <= unit && unit <= u'F') || unit == u'x' || unit == u'X';
 }
 
-/// Just after the first `>` outside quotes and brackets.
-std::ptrdiff_t declarationEnd(const char16_t* units, std::ptrdiff_t from, std::ptrdiff_t end) {
-    std::ptrdiff_t depth = 0;
-    std::ptrdiff_t position = from;
-    while ((position = UnitScan::findAny(units, position, end, u'>', u'"', u'\'', u'[', u']')) < end) {
-        switch (units[position]) {
-        case u'>':
-            if (depth <= 0) {
-                return position + 1;
-            }
-            break;
-        case u'[':
-            ++depth;
-            break;
-        case u']':
-            --depth;
-            break;
-        default:
-            position = UnitScan::findAny(units, position + 1, end, units[position]);
-            break;
-        }
-        ++position;
-    }
-    return end;
-}
-
 } // namespace
 
 /// The token that starts with the `<` at `start`.
-Lexer::Rare Lexer::markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end) {
+Lexer::Rare Lexer::markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end,
+                          DoctypeReading doctype) {
     const std::u16string_view rest = units.substr(start, end - start);
     const char16_t next = rest.size() > 1 ? rest[1] : u'\0';
     if (UnitScan::isNameStart(next)) {
@@ -65,7 +42,12 @@ Lexer::Rare Lexer::markup(std::u16string_view units, std::ptrdiff_t start, std::
         if (rest.starts_with(cdataOpener)) {
             return {Token::Kind::cdata, UnitScan::findAfter(units.data(), after(cdataOpener), end, u"]]>")};
         }
-        return {Token::Kind::doctype, declarationEnd(units.data(), after(u"<!"), end)};
+        if (const SourceRange known = doctype.declaration; !known.isEmpty() && start == known.lower) {
+            return {Token::Kind::doctype, std::min<std::ptrdiff_t>(known.upper, end)};
+        }
+        return {Token::Kind::doctype,
+                DeclarationEnd::find(units.data(), after(u"<!"), end, DeclarationEnd::Skipping::quotesOnly)
+                    .value_or(end)};
     default:
         return {Token::Kind::invalid, start + 1};
     }
@@ -87,10 +69,11 @@ Lexer::Rare Lexer::reference(std::u16string_view units, std::ptrdiff_t start, st
     return {Token::Kind::invalid, first};
 }
 
-std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range) {
+std::vector<Token> Lexer::tokens(const SourceText& in, SourceRange range, DoctypeReading doctype) {
     precondition(range.upper <= in.count(), "the range to tokenize lies inside the text");
     UnitIndex index;
     Lexer lexer(in.units(), index, range.lower, range.upper, Mode::content);
+    lexer.doctype = doctype;
     std::vector<Token> tokens;
     while (const auto token = lexer.next()) {
         tokens.push_back(*token);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DoctypeReading.h"
 #include "SourceText.h"
 #include "Token.h"
 #include "UnitIndex.h"
@@ -29,6 +30,8 @@ public:
     std::ptrdiff_t end = 0;      ///< Where lexing stops.
     std::ptrdiff_t position = 0; ///< The next offset to read.
     Mode mode = Mode::content;
+    /// Where the document type declaration of `units` ends; by default that is found by the letter.
+    DoctypeReading doctype;
 
     /// A lexer over all of `wholeText`, in content. `index` is its working space, borrowed: nobody else may
     /// use it meanwhile, and what an earlier lexer left in it does not matter.
@@ -81,7 +84,7 @@ public:
 
     /// All tokens of `range` of the text, read from its start as content. Stops the program when the range
     /// reaches beyond the text.
-    static std::vector<Token> tokens(const SourceText& in, SourceRange range);
+    static std::vector<Token> tokens(const SourceText& in, SourceRange range, DoctypeReading doctype = {});
     static std::vector<Token> tokens(const SourceText& in) { return tokens(in, in.fullRange()); }
 
     /// Whether `name` is a name for elements and attributes: not empty, a name-start unit first, name units
@@ -102,7 +105,8 @@ private:
         Token::Kind kind;
         std::ptrdiff_t upper;
     };
-    static Rare markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end);
+    static Rare markup(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end,
+                       DoctypeReading doctype);
     static Rare reference(std::u16string_view units, std::ptrdiff_t start, std::ptrdiff_t end);
     Token::Kind takeMarkup();
     Token::Kind takeValue(std::ptrdiff_t from, char16_t quote);
@@ -277,7 +281,7 @@ TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTag(std::ptrdiff_t& start) {
 
 /// The token that starts with the `<` at `position`.
 TAMO_ALWAYS_INLINE Token::Kind Lexer::takeMarkup() {
-    const Rare token = markup(units, position, end);
+    const Rare token = markup(units, position, end, doctype);
     const bool opensTag = token.kind == Token::Kind::openTagStart || token.kind == Token::Kind::closeTagStart;
     mode = opensTag ? Mode::tagName : Mode::content;
     return take(token.kind, token.upper);

@@ -32,7 +32,7 @@ constexpr Delimiters declarationDelimiters{Kind::doctype, 2, u">", Rule::untermi
 /// The working state of one parse.
 class Builder {
 public:
-    Builder(const SourceText& text, DocumentTree recycled);
+    Builder(const SourceText& text, DocumentTree recycled, DoctypeReading doctype);
 
     DocumentTree build(const std::stop_token& stop);
 
@@ -86,6 +86,7 @@ private:
 
     SourceText m_text;
     std::u16string_view m_units;
+    DoctypeReading m_doctype;
     UnitIndex m_index;
     RecordArray<TreeNode> m_nodes;
     RecordArray<AttributeSpan> m_attributes;
@@ -102,8 +103,8 @@ private:
     bool m_hasRoot = false;
 };
 
-Builder::Builder(const SourceText& text, DocumentTree recycled)
-    : m_text(text), m_units(text.units()), m_nodes(std::move(recycled.nodes)),
+Builder::Builder(const SourceText& text, DocumentTree recycled, DoctypeReading doctype)
+    : m_text(text), m_units(text.units()), m_doctype(doctype), m_nodes(std::move(recycled.nodes)),
       m_attributes(std::move(recycled.attributes)), m_diagnostics(recycled.diagnostics.releaseRecords()),
       m_open(m_units), m_attributeNames(m_units) {
     m_nodes.clear();
@@ -124,6 +125,7 @@ TAMO_NEVER_INLINE DocumentTree Builder::build(const std::stop_token& stop) {
     bool isStopped = false;
     // The lexer lives in registers, so nothing may take its address: what is rare has a lexer of its own.
     Lexer lexer(m_units, m_index);
+    lexer.doctype = m_doctype;
     std::ptrdiff_t start = 0;
     for (Token::Kind kind; (kind = lexer.scanContent(start)) != Lexer::noToken;) {
         if (--tokensLeft == 0) {
@@ -520,6 +522,7 @@ void Builder::sortDiagnostics() {
 
 } // namespace
 
-DocumentTree TreeParser::parse(const SourceText& text, std::stop_token stop, DocumentTree recycled) {
-    return Builder(text, std::move(recycled)).build(stop);
+DocumentTree TreeParser::parse(const SourceText& text, std::stop_token stop, DocumentTree recycled,
+                               DoctypeReading doctype) {
+    return Builder(text, std::move(recycled), doctype).build(stop);
 }

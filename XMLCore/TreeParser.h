@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DoctypeReading.h"
 #include "DocumentTree.h"
 
 #include <stop_token>
@@ -12,6 +13,8 @@ namespace TreeParser {
 /// The tree of `text`. Asks `stop` every 16384 tokens; once it was requested, returns the tree as it
 /// stands, which the caller discards. The storage of `recycled`, a tree that nobody needs any more, is used
 /// for the new one, which spares the operating system's work of handing out fresh memory.
-DocumentTree parse(const SourceText& text, std::stop_token stop = {}, DocumentTree recycled = {});
+/// `doctype` is the reading of `text`; by default all declarations are read by the letter.
+DocumentTree parse(const SourceText& text, std::stop_token stop = {}, DocumentTree recycled = {},
+                   DoctypeReading doctype = {});
 
 } // namespace TreeParser

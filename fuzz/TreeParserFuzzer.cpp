@@ -133,25 +133,40 @@ void checkQueries(const DocumentTree& tree, std::size_t seed) {
                  "a preview shows some content");
 }
 
-void checkReference(const DocumentTree& tree, const std::vector<Token>& tokens) {
+void checkReference(const DocumentTree& tree, const std::vector<Token>& tokens, SourceRange doctype) {
     constexpr Offset quickCount = 600;
     if (tree.text.count() > quickCount) {
         return;
     }
-    const ReferenceParser::Result expected = ReferenceParser::parse(tree.text.units());
+    const ReferenceParser::Result expected =
+        ReferenceParser::parse(tree.text.units(), ReferenceParser::Stop::notRequested, doctype);
     precondition(std::ranges::equal(tree.nodes, expected.nodes), "nodes are the reference's");
     precondition(std::ranges::equal(tree.attributes, expected.attributes), "attributes are the reference's");
     precondition(std::equal(tree.diagnostics.begin(), tree.diagnostics.end(), expected.diagnostics.begin(),
                             expected.diagnostics.end()),
                  "diagnostics are the reference's");
-    precondition(tokens == ReferenceParser::tokens(tree.text.units(), tree.text.fullRange()),
+    precondition(tokens == ReferenceParser::tokens(tree.text.units(), tree.text.fullRange(), doctype),
                  "tokens are the reference's");
 }
 
-DocumentTree checkedTree(const std::u16string& units) {
-    DocumentTree tree = TreeParser::parse(SourceText(units));
+DocumentTree checkedTree(const std::u16string& units, DoctypeReading doctype = {}) {
+    DocumentTree tree = TreeParser::parse(SourceText(units), {}, {}, doctype);
     checkTree(tree);
     return tree;
+}
+
+/// The same text, its document type declaration read as the application does.
+void checkReading(const std::u16string& units) {
+    const DoctypeReading reading = DoctypeReading::of(SourceText(units));
+    const SourceRange doctype = reading.declaration;
+    if (doctype.isEmpty()) {
+        return;
+    }
+    const DocumentTree tree = checkedTree(units, reading);
+    precondition(tree[tree.innermostNode(doctype.lower)].range == doctype, "the declaration is a node");
+    const std::vector<Token> tokens = Lexer::tokens(tree.text, tree.text.fullRange(), reading);
+    checkTokens(tokens, tree.text.count());
+    checkReference(tree, tokens, ReferenceParser::doctype(units));
 }
 
 /// Whether a `>` or an end tag inserted at `at` is no markup, because of the token that ends there: a value
@@ -233,11 +248,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const DocumentTree tree = checkedTree(units);
     const std::vector<Token> tokens = Lexer::tokens(tree.text);
     checkTokens(tokens, tree.text.count());
-    checkReference(tree, tokens);
+    checkReference(tree, tokens, {});
+    checkReading(units);
     checkFixes(tree, tokens);
     const std::size_t seed = data[1] * std::size_t{7919};
     checkQueries(tree, seed);
     const DocumentTree prefix = checkedTree(units.substr(0, seed % (units.size() + 1)));
-    checkReference(prefix, Lexer::tokens(prefix.text));
+    checkReference(prefix, Lexer::tokens(prefix.text), {});
     return 0;
 }

@@ -2,8 +2,10 @@
 
 #include "EditorDesk.h"
 #include "Repeated.h"
+#include "SystemColor.h"
 
 #include <QContextMenuEvent>
+#include <QImage>
 #include <QInputMethodEvent>
 #include <QMenu>
 
@@ -74,6 +76,37 @@ QStringList titles(const QMenu* of) {
 }
 
 } // namespace
+
+// Colours
+
+TEST(CodeEditorCoordinator, ColoursBehindADeclarationWithAnApostropheWhileItIsEdited) {
+    EditorDesk desk(u"<!DOCTYPE r [<!-- don't| -->]>\n<r>it's</r>");
+    const QRgb blue = color(SystemColor::systemBlue, desk.view().palette()).rgb();
+    const auto hasBlue = [&] {
+        const QImage image = desk.view().viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const QRect line = desk.view().lineRect(1).toRect() & image.rect();
+        for (int y = line.top(); y <= line.bottom(); ++y) {
+            for (int x = line.left(); x <= line.right(); ++x) {
+                if (image.pixel(x, y) == blue) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    // So large that the stems of the letters are wider than a pixel.
+    QFont font = desk.view().font();
+    font.setPixelSize(48);
+    desk.view().setFont(font);
+    EXPECT_TRUE(hasBlue());
+    EXPECT_TRUE(desk.session.tree().diagnostics.empty());
+    desk.type("x");
+    EXPECT_FALSE(desk.session.isTreeCurrent());
+    EXPECT_TRUE(hasBlue());
+    desk.waitForParse();
+    EXPECT_TRUE(hasBlue());
+    EXPECT_TRUE(desk.session.tree().rootElement().has_value());
+}
 
 // Keys for the typing assistant
 

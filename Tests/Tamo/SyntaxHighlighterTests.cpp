@@ -193,6 +193,28 @@ TEST(SyntaxHighlighter, TakesWhatShowsForContentWithoutATree) {
                                }));
 }
 
+TEST(SyntaxHighlighter, EndsTheDeclarationWhereItsReadingDoes) {
+    const std::u16string declaration = u"<!DOCTYPE r [\n<!-- don't -->\n]>";
+    const std::u16string text = declaration + u"\n<r/>";
+    const auto end = static_cast<std::int64_t>(declaration.size());
+    const DoctypeReading reading = DoctypeReading::of(SourceText(text));
+    const DocumentTree tree = TreeParser::parse(SourceText(text), {}, {}, reading);
+    const Runs root = {{SourceRange::at(end + 1, 1), Kind::openTagStart},
+                       {SourceRange::at(end + 2, 1), Kind::tagName},
+                       {SourceRange::at(end + 3, 2), Kind::selfCloseEnd}};
+    Runs all = root;
+    all.insert(all.begin(), {{0, end}, Kind::doctype});
+    const SourceRange whole(0, std::ssize(text));
+    const SourceRange lastLines(line(text, 2).lower, whole.upper);
+    Runs last = root;
+    last.insert(last.begin(), {{lastLines.lower, end}, Kind::doctype});
+    for (const DocumentTree* const known : {&tree, static_cast<const DocumentTree*>(nullptr)}) {
+        EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), std::array{whole}, known, reading), all);
+        EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), std::array{line(text, 3)}, known, reading), root);
+    }
+    EXPECT_EQ(SyntaxHighlighter::runs(Rope(text), std::array{lastLines}, &tree, reading), last);
+}
+
 TEST(SyntaxHighlighter, DoesNotLookBackTooFar) {
     // A comment whose start is as far above the visible line as may be, or one unit farther.
     for (const bool isTooFar : {false, true}) {

@@ -24,10 +24,54 @@ bool isNameUnit(char16_t unit) {
     return isNameStart(unit) || (u'0' <= unit && unit <= u'9') || unit == u'-' || unit == u'.';
 }
 
+/// Just after the `>` that ends the declaration at `start`, outside quotes and brackets.
+std::optional<std::size_t> endByTheLetter(std::u16string_view units, std::size_t start) {
+    int depth = 0;
+    char16_t quote = u'\0';
+    for (std::size_t at = start; at < units.size(); ++at) {
+        const char16_t unit = units[at];
+        if (quote != u'\0') {
+            quote = unit == quote ? u'\0' : quote;
+        } else if (unit == u'"' || unit == u'\'') {
+            quote = unit;
+        } else if (unit == u'>' && depth <= 0) {
+            return at + 1;
+        } else {
+            depth += unit == u'[' ? 1 : unit == u']' ? -1 : 0;
+        }
+    }
+    return std::nullopt;
+}
+
+/// `units` with dots in the place of the comments and instructions in the brackets of the declaration at
+/// `start`; one that does not end reaches to the end of the text.
+std::u16string blanked(std::u16string units, std::size_t start) {
+    int depth = 0;
+    char16_t quote = u'\0';
+    for (std::size_t at = start; at < units.size(); ++at) {
+        const std::u16string_view rest = std::u16string_view(units).substr(at);
+        const bool isComment = rest.starts_with(u"<!--");
+        if (quote != u'\0') {
+            quote = rest.front() == quote ? u'\0' : quote;
+        } else if (rest.front() == u'"' || rest.front() == u'\'') {
+            quote = rest.front();
+        } else if (depth > 0 && (isComment || rest.starts_with(u"<?"))) {
+            const std::u16string_view closer = isComment ? u"-->" : u"?>";
+            const std::size_t found = units.find(closer, at + (isComment ? 4 : 2));
+            const std::size_t end = std::min(found, units.size() - closer.size()) + closer.size();
+            std::fill(units.begin() + static_cast<std::ptrdiff_t>(at),
+                      units.begin() + static_cast<std::ptrdiff_t>(end), u'.');
+        } else {
+            depth += rest.front() == u'[' ? 1 : rest.front() == u']' ? -1 : 0;
+        }
+    }
+    return units;
+}
+
 class PlainLexer {
 public:
-    PlainLexer(std::u16string_view units, SourceRange range)
-        : m_units(units), m_end(range.upper), m_position(range.lower) {}
+    PlainLexer(std::u16string_view units, SourceRange range, SourceRange doctype)
+        : m_units(units), m_end(range.upper), m_position(range.lower), m_doctype(doctype) {}
 
     std::optional<Token> next() {
         if (m_mode == Mode::tagName) {
@@ -104,6 +148,9 @@ private:
             }
             if (has(u"<![CDATA[", m_position)) {
                 return take(Token::Kind::cdata, after(u"]]>", m_position + 9));
+            }
+            if (!m_doctype.isEmpty() && m_position == m_doctype.lower) {
+                return take(Token::Kind::doctype, std::min<std::int64_t>(m_doctype.upper, m_end));
             }
             return take(Token::Kind::doctype, declarationEnd());
         }
@@ -194,13 +241,14 @@ private:
     std::u16string_view m_units;
     std::int64_t m_end;
     std::int64_t m_position;
+    SourceRange m_doctype;
     Mode m_mode = Mode::content;
 };
 
 class PlainBuilder {
 public:
-    explicit PlainBuilder(std::u16string_view units)
-        : m_units(units), m_count(static_cast<std::int64_t>(units.size())), m_lexer(units, {0, m_count}) {
+    PlainBuilder(std::u16string_view units, SourceRange doctype)
+        : m_units(units), m_count(static_cast<std::int64_t>(units.size())), m_lexer(units, {0, m_count}, doctype) {
         m_result.nodes.push_back(
             {.kind = Kind::document, .range = {0, m_count}, .contentRange = {0, m_count}});
     }
@@ -538,8 +586,9 @@ private:
 
 } // namespace
 
-std::vector<Token> ReferenceParser::tokens(std::u16string_view units, SourceRange range) {
-    PlainLexer lexer(units, range);
+std::vector<Token> ReferenceParser::tokens(std::u16string_view units, SourceRange range,
+                                           SourceRange doctype) {
+    PlainLexer lexer(units, range, doctype);
     std::vector<Token> tokens;
     while (const auto token = lexer.next()) {
         tokens.push_back(*token);
@@ -547,6 +596,22 @@ std::vector<Token> ReferenceParser::tokens(std::u16string_view units, SourceRang
     return tokens;
 }
 
-ReferenceParser::Result ReferenceParser::parse(std::u16string_view units, Stop stop) {
-    return PlainBuilder(units).build(stop);
+ReferenceParser::Result ReferenceParser::parse(std::u16string_view units, Stop stop, SourceRange doctype) {
+    return PlainBuilder(units, doctype).build(stop);
+}
+
+SourceRange ReferenceParser::doctype(std::u16string_view units) {
+    PlainLexer lexer(units, SourceRange(0, std::ssize(units)), {});
+    while (const auto token = lexer.next()) {
+        if (token->kind == Token::Kind::openTagStart) {
+            return {};
+        }
+        if (token->kind == Token::Kind::doctype && units.substr(token->range.lower).starts_with(u"<!DOCTYPE")) {
+            std::optional<std::size_t> end = endByTheLetter(units, token->range.lower);
+            // The same without what comments and instructions hold.
+            end = end ? end : endByTheLetter(blanked(std::u16string(units), token->range.lower), token->range.lower);
+            return end ? SourceRange(token->range.lower, static_cast<std::int64_t>(*end)) : SourceRange();
+        }
+    }
+    return {};
 }

@@ -23,7 +23,12 @@ struct Result {
 /// Whether the parse is asked to stop from its start on.
 enum class Stop : bool { notRequested, requested };
 
-std::vector<Token> tokens(std::u16string_view units, SourceRange range);
-Result parse(std::u16string_view units, Stop stop = Stop::notRequested);
+/// `doctype` is where a document type declaration ends whatever it holds; empty for none.
+std::vector<Token> tokens(std::u16string_view units, SourceRange range, SourceRange doctype = {});
+Result parse(std::u16string_view units, Stop stop = Stop::notRequested, SourceRange doctype = {});
+
+/// The first `<!DOCTYPE` before any start tag, to its end by the letter, else to the end that is found past
+/// comments and instructions in its brackets. Empty when there is none.
+SourceRange doctype(std::u16string_view units);
 
 } // namespace ReferenceParser

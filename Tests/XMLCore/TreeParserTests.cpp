@@ -18,17 +18,26 @@ ReferenceParser::Result resultOf(const DocumentTree& tree) {
             {tree.diagnostics.begin(), tree.diagnostics.end()}};
 }
 
-/// Whether the lexer and the parser say of `units` what the reference says; fails the test when not. The
-/// trees of earlier texts are recycled, so that their storage is in use all the time.
+/// Whether the lexer and the parser say of `units` what the reference says, by the letter and with the reading
+/// of the document type declaration; fails the test when not. The trees of earlier texts are recycled, so
+/// that their storage is in use all the time.
 class Comparison {
 public:
     bool agrees(const std::u16string& units) {
+        const SourceRange doctype = ReferenceParser::doctype(units);
+        EXPECT_EQ(DoctypeReading::of(SourceText(units)).declaration, doctype) << asLiteral(units);
+        return agrees(units, {}) && (doctype.isEmpty() || agrees(units, doctype));
+    }
+
+private:
+    bool agrees(const std::u16string& units, SourceRange doctype) {
         const SourceText text(units);
-        const ReferenceParser::Result expected = ReferenceParser::parse(units);
-        m_tree = TreeParser::parse(text, {}, std::move(m_tree));
+        const auto expected = ReferenceParser::parse(units, ReferenceParser::Stop::notRequested, doctype);
+        m_tree = TreeParser::parse(text, {}, std::move(m_tree), DoctypeReading{doctype});
         const ReferenceParser::Result actual = resultOf(m_tree);
         const bool isSameTree = m_tree.text == text && actual == expected;
-        const bool isSameTokens = Lexer::tokens(text) == ReferenceParser::tokens(units, text.fullRange());
+        const bool isSameTokens = Lexer::tokens(text, text.fullRange(), DoctypeReading{doctype}) ==
+                                  ReferenceParser::tokens(units, text.fullRange(), doctype);
         EXPECT_TRUE(isSameTokens) << asLiteral(units);
         EXPECT_TRUE(isSameTree) << asLiteral(units) << "\nexpected\n"
                                 << treeDump(expected, units) << "\nactual\n"
@@ -36,7 +45,6 @@ public:
         return isSameTree && isSameTokens;
     }
 
-private:
     DocumentTree m_tree;
 };
 
@@ -102,6 +110,13 @@ TEST(TreeParser, AgreesWithReferenceOnAllShortConstructs) {
     for (const char16_t* const prefix : {u"<!", u"<![", u"<![C", u"<![CDATA", u"<!-", u"<a><!", u"<a><?"}) {
         checkAllStrings(u"<!-[>CDA?", 4, prefix);
     }
+}
+
+TEST(TreeParser, AgreesWithReferenceOnAllShortSubsets) {
+    for (const char16_t* const prefix : {u"<!DOCTYPE", u"<!DOCTYPE[<!--", u"<!DOCTYPE[<?", u"<!DOCTYPE['"}) {
+        checkAllStrings(u"<!-[]>?'a", 5, prefix);
+    }
+    checkAllStrings(u"<!-]>?'a", 5, u"<!DOCTYPE a [<!--'");
 }
 
 TEST(TreeParser, AgreesWithReferenceAfterLongStretches) {
