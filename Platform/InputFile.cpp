@@ -9,6 +9,27 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace {
+
+/// Has `read` fill `room` piece by piece, up to the end of the file.
+template <class Read>
+std::expected<std::size_t, FileFailure> fill(std::span<std::uint8_t> room, Read read) {
+    std::size_t size = 0;
+    while (size < room.size()) {
+        const ssize_t count = read(room.data() + size, room.size() - size, size);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return std::unexpected(fileFailure(errno));
+        }
+        size += static_cast<std::size_t>(count > 0 ? count : 0);
+    }
+    return size;
+}
+
+} // namespace
+
 std::expected<InputFile, FileFailure> InputFile::open(const QString& path) {
     const int number = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (number < 0) {
@@ -39,16 +60,14 @@ InputFile::~InputFile() {
 }
 
 std::expected<std::size_t, FileFailure> InputFile::read(std::span<std::uint8_t> room) {
-    std::size_t size = 0;
-    while (size < room.size()) {
-        const ssize_t count = ::read(m_number, room.data() + size, room.size() - size);
-        if (count == 0) {
-            break;
-        }
-        if (count < 0 && errno != EINTR) {
-            return std::unexpected(fileFailure(errno));
-        }
-        size += static_cast<std::size_t>(count > 0 ? count : 0);
-    }
-    return size;
+    return fill(room, [this](std::uint8_t* to, std::size_t size, std::size_t) {
+        return ::read(m_number, to, size);
+    });
+}
+
+std::expected<std::size_t, FileFailure> InputFile::readAt(std::size_t offset,
+                                                          std::span<std::uint8_t> room) const {
+    return fill(room, [this, offset](std::uint8_t* to, std::size_t size, std::size_t done) {
+        return ::pread(m_number, to, size, static_cast<off_t>(offset + done));
+    });
 }

@@ -26,6 +26,9 @@ public:
     /// there is room for only at the end.
     std::expected<std::size_t, FileFailure> read(std::span<std::uint8_t> room);
 
+    /// The same with the bytes from `offset` on; leaves `read` where it is. Several threads may read at once.
+    std::expected<std::size_t, FileFailure> readAt(std::size_t offset, std::span<std::uint8_t> room) const;
+
 private:
     InputFile(int number, std::size_t expectedSize) : m_number(number), m_expectedSize(expectedSize) {}
 

@@ -9,6 +9,13 @@
 void* mapLargeMemory(std::size_t size);
 void unmapLargeMemory(void* memory, std::size_t size);
 
+/// Asks for huge pages where whole ones lie inside the memory.
+void adviseHugePages(const void* begin, std::size_t size);
+
+/// Has the system provide the pages of memory that was never written, whose contents stay what they are. Does
+/// nothing where the system cannot, nor where there is no memory any more.
+void touchMemory(const void* begin, std::size_t size);
+
 /// An array whose elements hold no particular values, for the contents and the text of whole files. Touching
 /// new memory page by page costs more than decoding into it, so that a large array asks for huge pages.
 template <class Element>

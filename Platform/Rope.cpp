@@ -62,6 +62,7 @@ Rope Rope::replaced(SourceRange range, const Rope& units) const {
 }
 
 Rope Rope::joined(const Rope& next) const {
+    requireRoom(SourceRange::empty(size()), next.size());
     if (isEmpty() || next.isEmpty()) {
         return isEmpty() ? next : *this;
     }

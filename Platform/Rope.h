@@ -41,6 +41,10 @@ public:
     /// The same with the units of another rope, whose chunks are shared: takes logarithmic time only.
     Rope replaced(SourceRange range, const Rope& units) const;
 
+    /// This text and `next` after it; chunks are shared, and none that is half full is copied. Takes
+    /// logarithmic time. Stops the program when the text would get more than 4294967295 units.
+    Rope joined(const Rope& next) const;
+
     /// The units of `range` as a rope of their own, which shares the chunks; takes logarithmic time.
     Rope part(SourceRange range) const;
 
@@ -84,7 +88,6 @@ private:
     explicit Rope(std::shared_ptr<const RopeNode> root) : m_root(std::move(root)) {}
 
     TextSums sums() const;
-    Rope joined(const Rope& next) const;
     void requireInside(SourceRange range) const;
     void requireRoom(SourceRange inPlaceOf, std::size_t units) const;
     Offset countBefore(Offset at, Offset TextSums::* what) const;

@@ -3,6 +3,8 @@
 #include "ByteVector.h"
 #include "UTF16.h"
 
+#include <algorithm>
+
 namespace {
 
 /// A character as it stands in the bytes; one of length 0 is illegal.
@@ -124,6 +126,25 @@ UTF8::Progress UTF8::decode(Bytes bytes, char16_t* to) {
     UnitWriter writer{to};
     const std::uint8_t* const end = decodeInto(writer, bytes);
     return {static_cast<std::size_t>(end - bytes.data()), static_cast<std::size_t>(writer.at - to)};
+}
+
+std::size_t UTF8::unitCount(Bytes bytes) {
+    // Counters of one byte are what the compiler counts sixteen at a time with.
+    constexpr std::size_t mostCounted = 240;
+    const std::size_t size = bytes.size();
+    std::size_t count = 0;
+    while (!bytes.empty()) {
+        const Bytes block = bytes.first(std::min(bytes.size(), mostCounted));
+        std::uint8_t sequences = 0;
+        std::uint8_t pairs = 0;
+        for (const std::uint8_t byte : block) {
+            sequences = static_cast<std::uint8_t>(sequences + (isContinuation(byte) ? 0 : 1));
+            pairs = static_cast<std::uint8_t>(pairs + (byte >= 0xF0 ? 1 : 0));
+        }
+        count += std::size_t(sequences) + pairs;
+        bytes = bytes.subspan(block.size());
+    }
+    return std::min(count, size);
 }
 
 bool UTF8::isValid(Bytes bytes) {

@@ -19,6 +19,10 @@ struct Progress {
 /// Writes the units of `bytes` at `to`, which must have room for as many units as there are bytes.
 Progress decode(Bytes bytes, char16_t* to);
 
+/// How many units `decode` writes for `bytes` when they are legal. Never more than there are bytes, nor fewer
+/// than `decode` writes when they are not.
+std::size_t unitCount(Bytes bytes);
+
 /// Whether `bytes` are UTF-8 from the first to the last.
 bool isValid(Bytes bytes);
 

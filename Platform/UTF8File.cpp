@@ -1,9 +1,12 @@
 #include "UTF8File.h"
 
 #include "LargeArray.h"
+#include "ThreadTeam.h"
 #include "UTF8.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <limits>
 #include <new>
 #include <utility>
@@ -11,44 +14,138 @@
 
 namespace {
 
-/// The longest start of a sequence that a piece can end in.
-constexpr std::size_t longestStart = 3;
+constexpr std::size_t longestSequence = 4;
 
-std::optional<SourceText> decodeInto(const std::shared_ptr<char16_t[]>& units, std::size_t capacity,
-                                     Bytes start, InputFile& file) {
-    std::vector<std::uint8_t> piece(longestStart + std::max(UTF8File::pieceSize, start.size()));
-    std::size_t available = std::ranges::copy(start, piece.begin()).out - piece.begin();
-    std::size_t taken = available;
-    std::size_t count = 0;
-    for (;;) {
-        const auto progress = UTF8::decode({piece.data(), available}, units.get() + count);
-        count += progress.written;
-        const std::size_t rest = available - progress.read;
-        if (rest > longestStart) {
-            return std::nullopt;
-        }
-        std::copy_n(piece.begin() + static_cast<std::ptrdiff_t>(progress.read), rest, piece.begin());
-        const auto added = file.read(std::span(piece).subspan(rest));
-        taken += added.value_or(0);
-        if (!added || taken > capacity) {
-            return std::nullopt;
-        }
-        if (*added == 0) {
-            return rest == 0 ? std::optional(SourceText(units, count)) : std::nullopt;
-        }
-        available = rest + *added;
-    }
+constexpr bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
+
+/// How many bytes at the start of `bytes` continue a sequence that began before them.
+std::size_t continuationCount(Bytes bytes) {
+    const Bytes start = bytes.first(std::min(bytes.size(), longestSequence - 1));
+    return static_cast<std::size_t>(std::ranges::find_if_not(start, isContinuation) - start.begin());
 }
+
+/// One decoding of a file. The place of a piece in the text is known once the units of all pieces before it
+/// have been counted, which takes far less time than to decode them: so each thread reads and counts a piece,
+/// tells where the next one starts, and then decodes its own.
+class PieceDecoder {
+public:
+    PieceDecoder(const InputFile& file, std::size_t start, const UTF8File::PieceStep& decoded)
+        : m_file(file), m_start(start), m_size(file.expectedSize() - start), m_decoded(decoded),
+          m_pieceCount(UTF8File::pieceCount(file, start)), m_units(makeLargeArray<char16_t>(m_size)),
+          m_unitStarts(m_pieceCount + 1) {
+        std::ranges::fill(m_unitStarts, unknown);
+        m_unitStarts[0] = 0;
+    }
+
+    std::optional<SourceText> decode() {
+        runInParallel(parallelism(m_pieceCount), [this](unsigned) { decodePieces(); });
+        if (m_hasFailed) {
+            return std::nullopt;
+        }
+        return SourceText(m_units, m_unitStarts[m_pieceCount]);
+    }
+
+private:
+    static constexpr std::size_t unknown = std::numeric_limits<std::size_t>::max();
+
+    void decodePieces() {
+        std::vector<std::uint8_t> buffer(std::min(UTF8File::pieceSize, m_size) + longestSequence);
+        for (std::size_t piece; (piece = m_nextPiece++) < m_pieceCount;) {
+            if (!decodePiece(piece, buffer)) {
+                m_hasFailed = true;
+            }
+        }
+    }
+
+    bool decodePiece(std::size_t piece, std::vector<std::uint8_t>& buffer) {
+        const std::optional<Bytes> bytes = m_hasFailed ? std::nullopt : read(piece, buffer);
+        const std::size_t count = bytes ? UTF8::unitCount(*bytes) : 0;
+        // Also after a failure, so that no other thread waits for this one.
+        const std::size_t start = unitStart(piece);
+        setUnitStart(piece + 1, start + count);
+        if (!bytes || !decodeInto(m_units.get() + start, *bytes, count)) {
+            return false;
+        }
+        m_decoded(piece, SourceText({m_units, m_units.get() + start}, count));
+        return true;
+    }
+
+    std::size_t byteStart(std::size_t piece) const { return m_size * piece / m_pieceCount; }
+
+    /// The sequences that begin in the piece, whole.
+    std::optional<Bytes> read(std::size_t piece, std::vector<std::uint8_t>& buffer) const {
+        const std::size_t begin = byteStart(piece);
+        const std::size_t end = byteStart(piece + 1);
+        const std::size_t wanted = std::min(end + longestSequence - 1, m_size) - begin;
+        // Past the end of the file one byte more: there must be none.
+        const std::size_t room = wanted + (begin + wanted == m_size ? 1 : 0);
+        const auto read = m_file.readAt(m_start + begin, {buffer.data(), room});
+        if (read != wanted) {
+            return std::nullopt;
+        }
+        const Bytes bytes(buffer.data(), wanted);
+        const std::size_t first = piece == 0 ? 0 : continuationCount(bytes);
+        const std::size_t last = end - begin + continuationCount(bytes.subspan(end - begin));
+        return bytes.subspan(std::min(first, last), last - std::min(first, last));
+    }
+
+    std::size_t unitStart(std::size_t piece) {
+        const std::atomic_ref<std::size_t> start(m_unitStarts[piece]);
+        start.wait(unknown);
+        return start.load();
+    }
+    void setUnitStart(std::size_t piece, std::size_t units) {
+        const std::atomic_ref<std::size_t> start(m_unitStarts[piece]);
+        start.store(units);
+        start.notify_all();
+    }
+
+    /// The decoder stores sixteen units at once, some of them beyond the last one, where the next piece may
+    /// stand already. So the end of each piece, which has more units than that, is copied to its place.
+    static bool decodeInto(char16_t* to, Bytes bytes, std::size_t count) {
+        constexpr std::size_t tailSize = 64;
+        std::size_t headSize = bytes.size() - std::min(bytes.size(), tailSize);
+        while (headSize > 0 && isContinuation(bytes[headSize])) {
+            --headSize;
+        }
+        if (bytes.size() - headSize >= tailSize + longestSequence) {
+            return false;
+        }
+        std::array<char16_t, tailSize + longestSequence> tail{};
+        const auto head = UTF8::decode(bytes.first(headSize), to);
+        const auto rest = UTF8::decode(bytes.subspan(headSize), tail.data());
+        if (head.read + rest.read < bytes.size()) {
+            return false;
+        }
+        std::copy_n(tail.begin(), rest.written, to + head.written);
+        return head.written + rest.written == count;
+    }
+
+    const InputFile& m_file;
+    std::size_t m_start;
+    std::size_t m_size;
+    const UTF8File::PieceStep& m_decoded;
+    std::size_t m_pieceCount;
+    std::shared_ptr<char16_t[]> m_units;
+    std::vector<std::size_t> m_unitStarts; ///< Of each piece, and the end; `unknown` until it was counted.
+    std::atomic<std::size_t> m_nextPiece = 0;
+    std::atomic<bool> m_hasFailed = false;
+};
 
 } // namespace
 
-std::optional<SourceText> UTF8File::decode(Bytes start, InputFile& file) {
-    const std::size_t capacity = std::max(file.expectedSize(), start.size());
-    if (capacity > std::numeric_limits<Offset>::max()) {
+std::size_t UTF8File::pieceCount(const InputFile& file, std::size_t start) {
+    const std::size_t size = file.expectedSize() - std::min(file.expectedSize(), start);
+    return std::max<std::size_t>(1, (size + pieceSize - 1) / pieceSize);
+}
+
+std::optional<SourceText> UTF8File::decode(const InputFile& file, std::size_t start,
+                                           const PieceStep& decoded) {
+    if (file.expectedSize() < start || file.expectedSize() > std::numeric_limits<Offset>::max()) {
         return std::nullopt;
     }
     try {
-        return decodeInto(makeLargeArray<char16_t>(capacity), capacity, start, file);
+        return PieceDecoder(file, start, decoded).decode();
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }

@@ -1,21 +1,30 @@
 #pragma once
 
-#include "Bytes.h"
 #include "InputFile.h"
 #include "SourceText.h"
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 
-/// Reading a file in UTF-8 straight into its text. The bytes pass through a small buffer: touching memory for
-/// all of them costs as much again as decoding them.
+/// Reading a file in UTF-8 straight into its text. The bytes pass through small buffers: touching memory for
+/// all of them costs as much again as decoding them. A large file is cut into pieces that are decoded side by
+/// side.
 namespace UTF8File {
 
-/// How many bytes of the file are read at once.
-constexpr std::size_t pieceSize = std::size_t{1} << 18;
+/// How many bytes a piece has at most. Each thread has a buffer of this size; smaller pieces would have the
+/// threads touch the same huge page of the text at the same time.
+constexpr std::size_t pieceSize = std::size_t{2} << 20;
 
-/// The text of what is in `start`, the bytes already read, and in the rest of `file`. Nothing when that is
-/// not UTF-8, when reading fails, when the file has grown since it was opened, or is too large: whoever reads
-/// it whole learns which.
-std::optional<SourceText> decode(Bytes start, InputFile& file);
+/// Into how many pieces of about the same size the bytes of `file` from `start` on are cut.
+std::size_t pieceCount(const InputFile& file, std::size_t start);
+
+/// Given a piece as soon as it is decoded, by its number, counted from 0, on the thread that decoded it.
+using PieceStep = std::function<void(std::size_t piece, const SourceText& text)>;
+
+/// The text of `file` from its byte `start` on; the pieces are parts of the one array that it has. Nothing
+/// when that is not UTF-8, when reading fails, when the file has another size than when it was opened, or is
+/// too large: who reads it whole learns which.
+std::optional<SourceText> decode(const InputFile& file, std::size_t start, const PieceStep& decoded);
 
 } // namespace UTF8File

@@ -2,8 +2,10 @@
 
 #include "ApplicationIdentifier.h"
 #include "Signposter.h"
+#include "ThreadTeam.h"
 #include "TreeParser.h"
-#include "UTF16.h"
+#include "TreeStorage.h"
+#include "UTF8Length.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -16,6 +18,7 @@ namespace {
 
 constexpr Signposter signposter(applicationIdentifier, "Parse");
 constexpr int linesThatTellTheIndent = 2000;
+constexpr Offset longText = 4'000'000; ///< Of a shorter one the first parse takes no longer than a thread's start.
 
 /// Frees `value`, which may be large, on a worker thread.
 template <class Value>
@@ -49,25 +52,53 @@ struct ReparseScheduler::Job {
         // Gives the text's array back first, so that the new text can be written there.
         document.tree.text = {};
         document.tree.diagnostics = {{}, document.tree.diagnostics.releaseRecords()};
+        const bool hasStorage = document.tree.nodes.size() > 1;
         const SourceText text = flattener->flattened(std::exchange(snapshot.text, {}));
-        if (!stop.stop_requested()) {
-            const auto interval = signposter.interval("Parse");
-            document.doctype = DoctypeReading::of(text);
-            document.tree = TreeParser::parse(text, stop, std::move(document.tree), document.doctype);
+        if (!hasStorage && text.count() >= longText) {
+            // Most of the time would go into fresh memory.
+            TreeStorage storage(text);
+            document.tree = storage.take();
+            runInParallel(2, [&](unsigned thread) {
+                if (thread == 0) {
+                    parse(text);
+                } else {
+                    storage.touch();
+                    derive(text);
+                }
+            });
+        } else {
+            parse(text);
+            derive(text);
         }
         if (!stop.stop_requested()) {
-            document.lines = LineIndex(text);
-            document.indent = IndentStyle::detect(text, linesThatTellTheIndent);
+            const auto interval = signposter.interval("Outline");
             document.errorNodes = NodeErrors(document.tree);
-            document.byteCount = UTF16::utf8Length(text.units());
-        }
-        if (!stop.stop_requested()) {
             result.outline =
                 OutlineContents::make(std::move(snapshot.outline), document.tree, stop, std::move(rows));
         }
     }
 
 private:
+    void parse(const SourceText& text) {
+        if (!stop.stop_requested()) {
+            const auto interval = signposter.interval("Parse");
+            ParsedDocument& document = *result.document;
+            document.doctype = DoctypeReading::of(text);
+            document.tree = TreeParser::parse(text, stop, std::move(document.tree), document.doctype);
+        }
+    }
+
+    /// What depends on the text alone.
+    void derive(const SourceText& text) {
+        if (!stop.stop_requested()) {
+            const auto interval = signposter.interval("Derive");
+            ParsedDocument& document = *result.document;
+            document.lines = LineIndex(text);
+            document.indent = IndentStyle::detect(text, linesThatTellTheIndent);
+            document.byteCount = utf8LengthOfText(text.units());
+        }
+    }
+
     static bool isFree(const std::shared_ptr<ParsedDocument>& document) {
         if (document.use_count() > 1) {
             return false;

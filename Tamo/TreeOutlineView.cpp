@@ -1,5 +1,7 @@
 #include "TreeOutlineView.h"
 
+#include "ApplicationIdentifier.h"
+#include "Signposter.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TreeOutlineAccessibility.h"
@@ -21,6 +23,8 @@
 namespace {
 
 using Kind = TreeNode::Kind;
+
+constexpr Signposter signposter(applicationIdentifier, "Outline");
 
 constexpr int rowHeight = TreeRowView::height;
 constexpr int margin = 8; ///< Above the first row and below the last.
@@ -198,6 +202,7 @@ void TreeOutlineView::resizeEvent(QResizeEvent*) {
 }
 
 void TreeOutlineView::paintEvent(QPaintEvent* event) {
+    const auto interval = signposter.interval("Paint", std::to_string(rowCount()) + " rows");
     QPainter painter(viewport());
     painter.fillRect(event->rect(), color(SystemColor::textBackground, palette()));
     const std::size_t end = visibleEnd();

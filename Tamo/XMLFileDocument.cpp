@@ -17,6 +17,7 @@ namespace {
 using Action = DocumentError::Action;
 
 constexpr Signposter signposter(applicationIdentifier, "Document");
+constexpr std::size_t announcementSize = 4096; ///< More than a file says its encoding in.
 
 template <class Cause>
 std::unexpected<DocumentError> failure(Action action, const Cause& cause) {
@@ -40,11 +41,12 @@ std::span<const ContentType> XMLFileDocument::contentTypes() {
     return types;
 }
 
-XMLFileDocument::XMLFileDocument() : XMLFileDocument(StringEncoding::utf8(), {}, {}) {}
+XMLFileDocument::XMLFileDocument() : XMLFileDocument(StringEncoding::utf8(), {}, {}, {}) {}
 
-XMLFileDocument::XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText)
+/// `rope` has the units of `initialText`.
+XMLFileDocument::XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText, Rope rope)
     : m_encoding(encoding), m_bom(bom.begin(), bom.end()), m_initialText(std::move(initialText)),
-      m_mirror(std::make_shared<TextMirror>(Rope(m_initialText))) {}
+      m_mirror(std::make_shared<TextMirror>(std::move(rope))) {}
 
 XMLFileDocument::~XMLFileDocument() = default;
 
@@ -65,17 +67,27 @@ std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const QString& path) 
     if (!file) {
         return nullptr;
     }
-    std::vector<std::uint8_t> start(UTF8File::pieceSize);
+    std::vector<std::uint8_t> start(announcementSize);
     start.resize(file->read(start).value_or(0));
     const Detection detection = TextEncodingDetector::announced(start).value_or(Detection());
     if (detection.encoding != StringEncoding::utf8()) {
         return nullptr;
     }
     const Signposter::Interval interval = signposter.interval("Decode");
-    auto text = UTF8File::decode(Bytes(start).subspan(detection.bom.size()), *file);
-    return text ? std::unique_ptr<XMLFileDocument>(
-                      new XMLFileDocument(detection.encoding, detection.bom, std::move(*text)))
-                : nullptr;
+    // A chunk is summed up while the processor still has it at hand.
+    std::vector<Rope> pieces(UTF8File::pieceCount(*file, detection.bom.size()));
+    auto text = UTF8File::decode(*file, detection.bom.size(), [&](std::size_t piece, const SourceText& part) {
+        pieces[piece] = Rope(part);
+    });
+    if (!text) {
+        return nullptr;
+    }
+    Rope rope;
+    for (const Rope& piece : pieces) {
+        rope = rope.joined(piece);
+    }
+    return std::unique_ptr<XMLFileDocument>(
+        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text), std::move(rope)));
 }
 
 std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
@@ -91,8 +103,9 @@ XMLFileDocument::decode(const FileContents& contents) {
     if (!text) {
         return failure(Action::read, text.error());
     }
+    Rope rope(*text);
     std::unique_ptr<XMLFileDocument> document(
-        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text)));
+        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text), std::move(rope)));
     if (isLegal && !document->givesBack(contents.bytes())) {
         document->m_original = contents;
     }

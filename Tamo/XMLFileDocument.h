@@ -79,7 +79,7 @@ public:
     std::expected<std::string, DocumentError> encode(const Rope& snapshot) const;
 
 private:
-    XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText);
+    XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText, Rope rope);
 
     static std::unique_ptr<XMLFileDocument> readUTF8(const QString& path);
 

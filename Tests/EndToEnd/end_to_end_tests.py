@@ -213,6 +213,18 @@ class EndToEnd(unittest.TestCase):
         app.wait_for(role="label", name="El documento tiene errores")
         self.assertIsNone(app.find(role="label", name="Sin errores"))
 
+    def test_reads_past_an_apostrophe_in_a_comment_of_the_internal_subset(self):
+        path = self.document("<!DOCTYPE r [<!-- don't --><!ELEMENT r ANY>]>\n<r><b>it's</b></r>\n")
+        app = self.start_with_tree(path)
+        self.assertEqual(app.rows()[-3:], ["r", "b", "it's"])
+        app.wait_for(role="label", name="Sin errores")
+        self.choose(app, "b")
+        app.press("Return")
+        app.type("c")
+        app.press("Return")
+        self.save(app, path, "<!DOCTYPE r [<!-- don't --><!ELEMENT r ANY>]>\n<r><c>it's</c></r>\n")
+        wait_until(lambda: app.rows()[-3:] == ["r", "c", "it's"], "rows with the new name")
+
     def test_counts_the_problems_of_a_broken_file_and_leads_to_them(self):
         app = self.start_with_text(self.sample("inventario-roto.xml"))
         app.wait_for(role="push button", name="14 errores, 0 advertencias")

@@ -27,6 +27,26 @@ TEST(InputFile, ReadsPieceByPiece) {
     EXPECT_EQ(file->read(room), 0U);
 }
 
+TEST(InputFile, ReadsAnyPlaceWithoutLosingItsOwn) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+    written.write("12345");
+    written.close();
+
+    auto file = InputFile::open(path);
+    ASSERT_TRUE(file);
+    std::array<std::uint8_t, 3> room{};
+    EXPECT_EQ(file->read(std::span(room).first(1)), 1U);
+    EXPECT_EQ(file->readAt(2, room), 3U);
+    EXPECT_EQ(room, (std::array<std::uint8_t, 3>{'3', '4', '5'}));
+    EXPECT_EQ(file->readAt(4, room), 1U);
+    EXPECT_EQ(file->readAt(5, room), 0U);
+    EXPECT_EQ(file->read(std::span(room).first(1)), 1U);
+    EXPECT_EQ(room.front(), '2');
+}
+
 TEST(InputFile, TellsWhyItCannotBeOpened) {
     const QTemporaryDir folder;
     EXPECT_EQ(InputFile::open(folder.path()).error(), FileFailure::folder);

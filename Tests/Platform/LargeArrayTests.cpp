@@ -27,3 +27,17 @@ TEST(LargeArray, TakesNoMemoryUntilItIsWritten) {
 TEST(LargeArray, ThrowsWhenThereAreNotAsManyAddresses) {
     EXPECT_THROW(makeLargeArray<std::uint8_t>(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
 }
+
+TEST(LargeArray, KeepsWhatIsWrittenWhenItIsTouched) {
+    constexpr std::size_t count = std::size_t{8} << 20;
+    const auto array = makeLargeArray<std::uint8_t>(count);
+    array[5] = 7;
+    array[count / 2] = 9;
+    adviseHugePages(array.get() + 3, count - 5);
+    touchMemory(array.get() + 3, count - 5);
+    touchMemory(array.get(), 0);
+    touchMemory(array.get() + 1, 2);
+    EXPECT_EQ(array[5], 7);
+    EXPECT_EQ(array[count / 2], 9);
+    EXPECT_EQ(array[count - 1], 0);
+}

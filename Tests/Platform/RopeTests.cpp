@@ -279,6 +279,20 @@ TEST(Rope, SharesTheChunksOfAnInsertedRope) {
     EXPECT_GE(shared, text.count() - 4 * 2048);
 }
 
+TEST(Rope, KeepsJoinedPiecesOfOneTextInOneArray) {
+    const SourceText text(repeated(u"line\n", 30'000));
+    constexpr std::size_t pieces = 7;
+    Rope joined;
+    for (std::size_t i = 0; i < pieces; ++i) {
+        const SourceRange range(text.count() * i / pieces, text.count() * (i + 1) / pieces);
+        joined = joined.joined(
+            Rope(SourceText({text.storage(), text.units().data() + range.lower}, range.length())));
+    }
+    EXPECT_EQ(joined.contiguous().units().data(), text.units().data());
+    EXPECT_EQ(joined.contiguous(), text);
+    EXPECT_EQ(Rope().joined(joined).joined(Rope()), joined);
+}
+
 TEST(Rope, AnswersAsAPlainStringDoes) {
     for (unsigned seed = 1; seed <= 30; ++seed) {
         SCOPED_TRACE(testing::Message() << "seed " << seed);

@@ -5,53 +5,97 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
+#include <mutex>
 #include <string>
 
 namespace {
 
 class UTF8FileTest : public testing::Test {
 protected:
-    /// What is read from a file of those contents, the first `startSize` bytes given as already read.
-    std::optional<std::u16string> decode(const std::string& contents, std::size_t startSize = 0) {
+    /// What is read from byte `start` on of a file of those contents, which then has `added` after them. The
+    /// pieces must be parts of it, in order.
+    std::optional<std::u16string> decode(const std::string& contents, std::size_t start = 0,
+                                         const std::string& added = {}) {
         const QString path = folder.filePath(QStringLiteral("texto.xml"));
         std::ofstream(path.toStdString(), std::ios::binary) << contents;
-        auto file = InputFile::open(path);
-        std::vector<std::uint8_t> start(startSize);
-        EXPECT_EQ(file->read(start), startSize);
-        const auto text = UTF8File::decode(start, *file);
-        return text ? std::optional(std::u16string(text->units())) : std::nullopt;
+        const auto file = InputFile::open(path);
+        std::ofstream(path.toStdString(), std::ios::binary | std::ios::app) << added;
+        std::mutex mutex;
+        std::map<std::size_t, SourceText> pieces;
+        const auto text = UTF8File::decode(*file, start, [&](std::size_t piece, const SourceText& part) {
+            const std::lock_guard lock(mutex);
+            EXPECT_TRUE(pieces.emplace(piece, part).second);
+        });
+        if (!text) {
+            return std::nullopt;
+        }
+        EXPECT_EQ(pieces.size(), UTF8File::pieceCount(*file, start));
+        const char16_t* end = text->units().data();
+        for (const auto& [number, part] : pieces) {
+            EXPECT_EQ(part.units().data(), end) << number;
+            end = part.units().data() + part.count();
+        }
+        EXPECT_EQ(end, text->units().data() + text->count());
+        return std::u16string(text->units());
     }
 
     QTemporaryDir folder;
 };
+
+/// `part` again and again, at least `size` bytes long.
+std::string filled(std::string_view part, std::size_t size) {
+    std::string text;
+    while (text.size() < size) {
+        text += part;
+    }
+    return text;
+}
 
 } // namespace
 
 TEST_F(UTF8FileTest, ReadsAFileOfAnySize) {
     EXPECT_EQ(decode(""), u"");
     EXPECT_EQ(decode("día"), u"día");
-    EXPECT_EQ(decode("día", 2), u"día");
-    EXPECT_EQ(decode("día", 4), u"día");
-    for (const std::size_t size : {UTF8File::pieceSize - 1, UTF8File::pieceSize, UTF8File::pieceSize + 9}) {
+    EXPECT_EQ(decode("<>día", 2), u"día");
+    EXPECT_EQ(decode("día", 4), u"");
+    EXPECT_EQ(decode("día", 5), std::nullopt);
+    for (const std::size_t size : {UTF8File::pieceSize - 1, UTF8File::pieceSize, UTF8File::pieceSize + 9,
+                                   3 * UTF8File::pieceSize + 1}) {
         EXPECT_EQ(decode(std::string(size, 'x')), std::u16string(size, u'x'));
     }
 }
 
 TEST_F(UTF8FileTest, JoinsTheCharactersThatPiecesDivide) {
-    for (std::size_t shift = 0; shift < 8; ++shift) {
-        const std::string before(UTF8File::pieceSize - shift, 'x');
-        const std::u16string unitsBefore(before.size(), u'x');
-        EXPECT_EQ(decode(before + "\xF0\x9F\x98\x80€é."), unitsBefore + u"\U0001F600€é.") << shift;
+    const std::u16string_view units[] = {u"x", u"é", u"€", u"\U0001F600", u"é€\U0001F600x"};
+    const std::string_view bytes[] = {"x", "é", "€", "\U0001F600", "é€\U0001F600x"};
+    for (std::size_t i = 0; i < std::size(units); ++i) {
+        for (std::size_t shift = 0; shift < 4; ++shift) {
+            const std::string text = std::string(shift, '.') + filled(bytes[i], 3 * UTF8File::pieceSize);
+            std::u16string expected(shift, u'.');
+            for (std::size_t times = (text.size() - shift) / bytes[i].size(); times > 0; --times) {
+                expected += units[i];
+            }
+            EXPECT_TRUE(decode(text) == expected) << i << ' ' << shift;
+        }
     }
 }
 
 TEST_F(UTF8FileTest, ReadsNothingElse) {
     for (const char* bytes :
-         {"\xE9", "caf\xE9", "\xE9 largo texto", "\xE2\x82", "\xF0\x9F\x98", "\xC0\x80"}) {
+         {"\xE9", "caf\xE9", "\xE9 largo texto", "\xE2\x82", "\xF0\x9F\x98", "\xC0\x80", "\x80\x80\x80\x80"}) {
         EXPECT_EQ(decode(bytes), std::nullopt) << bytes;
         for (std::size_t shift = 0; shift < 5; ++shift) {
             EXPECT_EQ(decode(std::string(UTF8File::pieceSize - shift, 'x') + bytes), std::nullopt)
                 << bytes << ' ' << shift;
         }
     }
+    // Each byte announces more units than there is room for.
+    EXPECT_EQ(decode(std::string(3 * UTF8File::pieceSize, '\xF0')), std::nullopt);
+    EXPECT_EQ(decode(std::string(3 * UTF8File::pieceSize, '\x80')), std::nullopt);
+}
+
+TEST_F(UTF8FileTest, ReadsNoFileThatHasGrown) {
+    EXPECT_EQ(decode("día", 0, "s"), std::nullopt);
+    EXPECT_EQ(decode(std::string(2 * UTF8File::pieceSize, 'x'), 0, "s"), std::nullopt);
 }
