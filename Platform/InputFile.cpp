@@ -60,9 +60,8 @@ InputFile::~InputFile() {
 }
 
 std::expected<std::size_t, FileFailure> InputFile::read(std::span<std::uint8_t> room) {
-    return fill(room, [this](std::uint8_t* to, std::size_t size, std::size_t) {
-        return ::read(m_number, to, size);
-    });
+    return fill(
+        room, [this](std::uint8_t* to, std::size_t size, std::size_t) { return ::read(m_number, to, size); });
 }
 
 std::expected<std::size_t, FileFailure> InputFile::readAt(std::size_t offset,

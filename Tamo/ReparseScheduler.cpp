@@ -18,7 +18,7 @@ namespace {
 
 constexpr Signposter signposter(applicationIdentifier, "Parse");
 constexpr int linesThatTellTheIndent = 2000;
-constexpr Offset longText = 4'000'000; ///< Of a shorter one the first parse takes no longer than a thread's start.
+constexpr Offset longText = 4'000'000; ///< The memory for the tree of a shorter one takes a few milliseconds.
 
 /// Frees `value`, which may be large, on a worker thread.
 template <class Value>

@@ -82,8 +82,8 @@ TEST_F(UTF8FileTest, JoinsTheCharactersThatPiecesDivide) {
 }
 
 TEST_F(UTF8FileTest, ReadsNothingElse) {
-    for (const char* bytes :
-         {"\xE9", "caf\xE9", "\xE9 largo texto", "\xE2\x82", "\xF0\x9F\x98", "\xC0\x80", "\x80\x80\x80\x80"}) {
+    for (const char* bytes : {"\xE9", "caf\xE9", "\xE9 largo texto", "\xE2\x82", "\xF0\x9F\x98", "\xC0\x80",
+                              "\x80\x80\x80\x80"}) {
         EXPECT_EQ(decode(bytes), std::nullopt) << bytes;
         for (std::size_t shift = 0; shift < 5; ++shift) {
             EXPECT_EQ(decode(std::string(UTF8File::pieceSize - shift, 'x') + bytes), std::nullopt)

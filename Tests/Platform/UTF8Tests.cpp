@@ -155,7 +155,8 @@ TEST(UTF8, ConvertsRandomTextsAsICU) {
 }
 
 TEST(UTF8, CountsUnitsWithoutDecoding) {
-    const std::u16string pieces[] = {u"", u"x", u"é", u"€", u"\U0001F600", u"año 2024 \U0001F600\U0001F600 €"};
+    const std::u16string pieces[] = {u"",  u"x",          u"é",
+                                     u"€", u"\U0001F600", u"año 2024 \U0001F600\U0001F600 €"};
     for (const std::u16string& piece : pieces) {
         for (const std::size_t times : {1U, 15U, 16U, 17U, 239U, 240U, 241U, 1000U}) {
             std::u16string units;

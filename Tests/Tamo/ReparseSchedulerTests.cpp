@@ -1,5 +1,6 @@
 #include "ReparseScheduler.h"
 
+#include "Repeated.h"
 #include "Signposter.h"
 
 #include <gtest/gtest.h>
@@ -85,6 +86,27 @@ TEST(ReparseScheduler, DeliversTheTreeWithWhatDerivesFromTheText) {
     EXPECT_EQ(session.last->document->lines.starts, (std::vector<Offset>{0, 4, 10, 16}));
     EXPECT_EQ(session.last->document->indent, IndentStyle::tabs());
     EXPECT_EQ(session.last->document->generation, 1);
+}
+
+TEST(ReparseScheduler, DeliversTheSameOfALongText) {
+    const std::u16string line = u"<é a='b'>x</é>\n";
+    constexpr std::size_t lines = 300'000;
+    const std::u16string text = u"<r>\n" + repeated(line, lines) + u"</r>";
+    Session session;
+    // First with fresh memory, beside the first tree again, and then with the memory of the first.
+    for (std::size_t round = 1; round <= 3; ++round) {
+        session.schedule(0ms, text);
+        ASSERT_TRUE(runUntil([&] { return session.delivered.size() == round; }));
+        const ParsedDocument& document = *session.last->document;
+        EXPECT_EQ(document.tree.nodes.size(), 2 + 2 * lines);
+        EXPECT_EQ(document.tree.attributes.size(), lines);
+        EXPECT_TRUE(document.tree.diagnostics.empty());
+        EXPECT_EQ(document.lines.lineCount(), lines + 2);
+        EXPECT_EQ(document.byteCount, text.size() + 2 * lines);
+        if (round == 2) {
+            session.scheduler->recycle(std::move(*session.last));
+        }
+    }
 }
 
 TEST(ReparseScheduler, ParsesOnlyTheLastOfABurst) {

@@ -6,7 +6,8 @@
 #include <gtest/gtest.h>
 
 TEST(TreeStorage, HasRoomForTheTreeOfAnEvenText) {
-    const SourceText text(u"<r>" + repeated(u"<a b='c'>text &amp; text</a>\n<!-- note --><d/>", 100'000) + u"</r>");
+    const SourceText text(u"<r>" + repeated(u"<a b='c'>text &amp; text</a>\n<!-- note --><d/>", 100'000) +
+                          u"</r>");
     TreeStorage storage(text);
     DocumentTree recycled = storage.take();
     const std::size_t nodes = recycled.nodes.capacity();
@@ -22,8 +23,8 @@ TEST(TreeStorage, HasRoomForTheTreeOfAnEvenText) {
 }
 
 TEST(TreeStorage, TakesAnyText) {
-    for (const std::u16string& units : {std::u16string(), std::u16string(u"<a/>"), std::u16string(1'000'000, u'<'),
-                                        repeated(u"x='", 500'000)}) {
+    for (const std::u16string& units : {std::u16string(), std::u16string(u"<a/>"),
+                                        std::u16string(1'000'000, u'<'), repeated(u"x='", 500'000)}) {
         const SourceText text(units);
         TreeStorage storage(text);
         const DocumentTree tree = TreeParser::parse(text, {}, storage.take());

@@ -129,8 +129,8 @@ TEST(DoctypeReading, ReadsHostileTextsOnce) {
     // By the letter the second one closes the quote of the first, and both are one declaration.
     EXPECT_EQ(DoctypeReading::of(SourceText(repeated(closed, many))).declaration,
               SourceRange::at(0, 2 * std::ssize(closed)));
-    const std::u16string large = u"<!DOCTYPE r [<!-- don't -->" +
-                                 repeated(u"<!-- \" ]> --><?x ]>?><!ENTITY e \"<\">", many) + u"]>";
+    const std::u16string large =
+        u"<!DOCTYPE r [<!-- don't -->" + repeated(u"<!-- \" ]> --><?x ]>?><!ENTITY e \"<\">", many) + u"]>";
     EXPECT_EQ(DoctypeReading::of(SourceText(large + u"<r/>")).declaration,
               SourceRange::at(0, std::ssize(large)));
     const DocumentTree tree = parsed(repeated(closed, many + 1) + u"<r/>");

@@ -248,7 +248,8 @@ private:
 class PlainBuilder {
 public:
     PlainBuilder(std::u16string_view units, SourceRange doctype)
-        : m_units(units), m_count(static_cast<std::int64_t>(units.size())), m_lexer(units, {0, m_count}, doctype) {
+        : m_units(units), m_count(static_cast<std::int64_t>(units.size())),
+          m_lexer(units, {0, m_count}, doctype) {
         m_result.nodes.push_back(
             {.kind = Kind::document, .range = {0, m_count}, .contentRange = {0, m_count}});
     }
@@ -606,10 +607,13 @@ SourceRange ReferenceParser::doctype(std::u16string_view units) {
         if (token->kind == Token::Kind::openTagStart) {
             return {};
         }
-        if (token->kind == Token::Kind::doctype && units.substr(token->range.lower).starts_with(u"<!DOCTYPE")) {
+        if (token->kind == Token::Kind::doctype &&
+            units.substr(token->range.lower).starts_with(u"<!DOCTYPE")) {
             std::optional<std::size_t> end = endByTheLetter(units, token->range.lower);
             // The same without what comments and instructions hold.
-            end = end ? end : endByTheLetter(blanked(std::u16string(units), token->range.lower), token->range.lower);
+            end =
+                end ? end
+                    : endByTheLetter(blanked(std::u16string(units), token->range.lower), token->range.lower);
             return end ? SourceRange(token->range.lower, static_cast<std::int64_t>(*end)) : SourceRange();
         }
     }

@@ -18,9 +18,9 @@ ReferenceParser::Result resultOf(const DocumentTree& tree) {
             {tree.diagnostics.begin(), tree.diagnostics.end()}};
 }
 
-/// Whether the lexer and the parser say of `units` what the reference says, by the letter and with the reading
-/// of the document type declaration; fails the test when not. The trees of earlier texts are recycled, so
-/// that their storage is in use all the time.
+/// Whether the lexer and the parser say of `units` what the reference says, by the letter and with the
+/// reading of the document type declaration; fails the test when not. The trees of earlier texts are
+/// recycled, so that their storage is in use all the time.
 class Comparison {
 public:
     bool agrees(const std::u16string& units) {

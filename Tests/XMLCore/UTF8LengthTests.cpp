@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 TEST(UTF8Length, IsThatOfUnitByUnit) {
-    constexpr char16_t units[] = {u'\0',   u'a',    u'\x7F', u'\x80', u'\x7FF', 0x800,
-                                  0xD7FF,  0xD800,  0xDBFF,  0xDC00,  0xDFFF,   0xE000, 0xFFFF};
+    constexpr char16_t units[] = {u'\0',  u'a',   u'\x7F', u'\x80', u'\x7FF', 0x800, 0xD7FF,
+                                  0xD800, 0xDBFF, 0xDC00,  0xDFFF,  0xE000,   0xFFFF};
     Random random;
     for (int round = 0; round < 2000; ++round) {
         std::u16string text;
