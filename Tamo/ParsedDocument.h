@@ -13,12 +13,12 @@
 /// it; whoever lets go of it last, it is not freed on the main thread.
 struct ParsedDocument {
     DocumentTree tree;
-    DoctypeReading doctype; ///< With which `tree` was parsed.
     LineIndex lines;
     IndentStyle indent;
     NodeErrors errorNodes;
     std::uint64_t byteCount = 0;  ///< Of the text in UTF-8.
     std::int64_t generation = -1; ///< Of the text in its buffer; -1 for the text before any parse.
+    DoctypeReading doctype;       ///< With which `tree` was parsed.
 
     /// A document to fill in, for the owner of the only reference.
     static std::shared_ptr<ParsedDocument> make();

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -218,7 +219,8 @@ TEST(ReparseScheduler, MarksEachParse) {
     session.schedule(0ms, u"<a/>");
     ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
     Signposter::setRecording(false);
-    const std::vector<Signposter::Record> records = Signposter::takeRecords();
+    std::vector<Signposter::Record> records = Signposter::takeRecords();
+    std::erase_if(records, [](const auto& record) { return std::string_view(record.name) != "Parse"; });
     ASSERT_EQ(records.size(), 1);
     EXPECT_STREQ(records[0].name, "Parse");
     EXPECT_STREQ(records[0].category, "Parse");
