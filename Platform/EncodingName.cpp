@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <set>
 #include <string_view>
+
+#include <unicode/ucnv.h>
 
 namespace {
 
@@ -104,7 +108,71 @@ constexpr std::array names{
     Name{"euc-tw-2014", "Chino tradicional (EUC)"},
 };
 
+/// Where in the table each group starts, by its first converter.
+struct Group {
+    std::string_view first;
+    const char* title;
+};
+
+constexpr std::array groups{
+    Group{"UTF-8", "Unicode"},
+    Group{"US-ASCII", "Europa occidental y del norte"},
+    Group{"ibm-912_P100-1995", "Europa central y países bálticos"},
+    Group{"ibm-915_P100-1995", "Cirílico"},
+    Group{"ibm-9005_X110-2007", "Griego, turco, hebreo, árabe y del sudeste de Asia"},
+    Group{"ibm-943_P15A-2003", "Japonés, coreano y chino"},
+};
+
+constexpr std::array usual{"UTF-8",        "UTF-16LE",    "UTF-16BE", "ISO-8859-1",
+                           "windows-1252", "ISO-8859-15", "US-ASCII"};
+
+EncodingGroup groupNamed(const char* title) { return {QString::fromUtf8(title), {}}; }
+
+/// Adds the encoding `name` to `group` unless it is in `taken`.
+void add(const char* name, EncodingGroup& group, std::set<std::string_view>& taken) {
+    const auto encoding = StringEncoding::named(name);
+    if (encoding && !encoding->isPlainUTF16() && taken.insert(encoding->converterName()).second) {
+        group.encodings.push_back(*encoding);
+    }
+}
+
+/// Whether documents have a name for the encoding of the converter `name`.
+bool hasStandardName(const char* name) {
+    UErrorCode error = U_ZERO_ERROR;
+    const char* const found = ucnv_getStandardName(name, "IANA", &error);
+    return U_SUCCESS(error) && found != nullptr;
+}
+
+std::vector<EncodingGroup> makeGroups() {
+    std::vector<EncodingGroup> all{groupNamed("Habituales")};
+    std::set<std::string_view> taken;
+    for (const char* const name : usual) {
+        add(name, all.front(), taken);
+    }
+    taken.clear();
+    for (const Name& name : names) {
+        const auto* const group = std::ranges::find(groups, name.converter, &Group::first);
+        if (group != groups.end()) {
+            all.push_back(groupNamed(group->title));
+        }
+        add(name.converter.data(), all.back(), taken);
+    }
+    all.push_back(groupNamed("Otras"));
+    for (std::int32_t index = 0; index < ucnv_countAvailable(); ++index) {
+        const char* const name = ucnv_getAvailableName(index);
+        if (hasStandardName(name)) {
+            add(name, all.back(), taken);
+        }
+    }
+    return all;
+}
+
 } // namespace
+
+const std::vector<EncodingGroup>& encodingGroups() {
+    static const std::vector<EncodingGroup> groups = makeGroups();
+    return groups;
+}
 
 QString localizedName(const StringEncoding& encoding) {
     const auto* const known = std::ranges::find(names, encoding.converterName(), &Name::converter);
