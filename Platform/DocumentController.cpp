@@ -1,6 +1,7 @@
 #include "DocumentController.h"
 
 #include "DocumentKeeper.h"
+#include "FileDialog.h"
 #include "OutsideChangeNotice.h"
 #include "RecentFiles.h"
 #include "RecentFilesMenu.h"
@@ -8,7 +9,6 @@
 #include "UndoManager.h"
 
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -193,8 +193,7 @@ void DocumentController::end(Opening& opening) {
 
 void DocumentController::chooseAndOpen(DocumentWindow* from) {
     const QString folder = from->path().isEmpty() ? QString() : QFileInfo(from->path()).path();
-    const QStringList paths = QFileDialog::getOpenFileNames(from, QStringLiteral("Abrir"), folder,
-                                                            m_type->openFilters().join(QStringLiteral(";;")));
+    const QStringList paths = FileDialog::toOpen(folder, m_type->openFilters(), from)->choose();
     if (paths.isEmpty()) {
         return;
     }

@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "DocumentController.h"
+#include "FileDialog.h"
 #include "MenuText.h"
 #include "NoticeBar.h"
 #include "TextStorage.h"
@@ -8,7 +9,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -89,6 +89,12 @@ QString DocumentWindow::documentName() const {
 bool DocumentWindow::isPristine() const {
     return m_document != nullptr && m_path.isEmpty() && !isWindowModified() &&
            m_document->storage().text().isEmpty();
+}
+
+bool DocumentWindow::hasChangesToKeep() const {
+    const bool isNothing =
+        m_path.isEmpty() && m_document != nullptr && m_document->storage().text().isEmpty();
+    return isWindowModified() && !isNothing;
 }
 
 void DocumentWindow::showTitle() {
@@ -249,14 +255,13 @@ void DocumentWindow::saveAs() {
     }
     const DocumentType& type = m_controller.type();
     const QString proposal = m_path.isEmpty() ? type.untitledFileName() : m_path;
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Guardar como"), proposal,
-                                                      type.saveFilters().join(QStringLiteral(";;")));
-    if (path.isEmpty()) {
+    const QStringList chosen = FileDialog::toSave(proposal, type.saveFilters(), this)->choose();
+    if (chosen.isEmpty()) {
         m_closesAfterSaving = false;
         emit closingRefused();
     } else {
         // The dialog has asked about a file that is there.
-        write(QFileInfo(path).absoluteFilePath(), Conflict::overwrite);
+        write(QFileInfo(chosen.front()).absoluteFilePath(), Conflict::overwrite);
     }
 }
 
@@ -431,7 +436,7 @@ DocumentWindow::Closing DocumentWindow::prepareToClose() {
         m_closesAfterSaving = true;
         return Closing::later;
     }
-    if (!isWindowModified()) {
+    if (!hasChangesToKeep()) {
         return Closing::now;
     }
     switch (askAboutChanges()) {

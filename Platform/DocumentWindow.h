@@ -46,6 +46,9 @@ public:
 
     /// Whether this is a new document that nobody touched.
     bool isPristine() const;
+
+    /// Whether closing would lose something: there are changes, and not an empty text that no file has.
+    bool hasChangesToKeep() const;
     bool isSaving() const { return m_saving.isRunning(); }
 
     QMenu& menu(Menu which) const { return *m_menus[static_cast<std::size_t>(which)]; }

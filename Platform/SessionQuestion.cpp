@@ -29,7 +29,7 @@ void SessionQuestion::commitData(QSessionManager& manager) {
 
 bool SessionQuestion::ask() {
     for (const QPointer<DocumentWindow> window : m_controller.windows()) {
-        if (window == nullptr || !window->isWindowModified()) {
+        if (window == nullptr || !window->hasChangesToKeep()) {
             continue;
         }
         DocumentController::raise(*window);

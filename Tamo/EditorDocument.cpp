@@ -8,6 +8,7 @@
 #include "HelpMenu.h"
 #include "RecoveryState.h"
 #include "TextDifference.h"
+#include "XMLFileSuffixes.h"
 
 #include <QMenuBar>
 
@@ -30,12 +31,9 @@ QString encodingName(const XMLFileDocument& file) {
 
 QString allFilesFilter() { return QStringLiteral("Todos los archivos (*)"); }
 
-QStringList patterns(const ContentType& type) {
-    QStringList patterns;
-    for (const QString& suffix : type.fileSuffixes) {
-        patterns += QStringLiteral("*.") + suffix;
-    }
-    return patterns;
+/// "XML (*.xml *.xsd)".
+QString filter(const QString& name, const QStringList& suffixes) {
+    return QStringLiteral("%1 (*.%2)").arg(name, suffixes.join(QStringLiteral(" *.")));
 }
 
 } // namespace
@@ -144,17 +142,14 @@ std::unique_ptr<Document> EditorDocumentType::makeDocument(const RecoveredText& 
 }
 
 QStringList EditorDocumentType::openFilters() const {
-    QStringList all;
-    for (const ContentType& type : XMLFileDocument::contentTypes()) {
-        all += patterns(type);
-    }
-    return {QStringLiteral("Documentos XML (%1)").arg(all.join(u' ')), allFilesFilter()};
+    return {filter(QStringLiteral("Documentos XML"), XMLFileSuffixes::all()), allFilesFilter()};
 }
 
 QStringList EditorDocumentType::saveFilters() const {
     QStringList filters;
     for (const ContentType& type : XMLFileDocument::contentTypes()) {
-        filters += QStringLiteral("%1 (%2)").arg(type.name, patterns(type).join(u' '));
+        const bool isAnyXML = type.fileSuffixes.contains(XMLFileSuffixes::all().front());
+        filters += filter(type.name, isAnyXML ? XMLFileSuffixes::all() : type.fileSuffixes);
     }
     return filters << allFilesFilter();
 }

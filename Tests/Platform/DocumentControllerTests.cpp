@@ -177,6 +177,25 @@ TEST(DocumentWindow, ClosesAnUnchangedDocumentAtOnce) {
     EXPECT_FALSE(desk.controller.hasOpenDocuments());
 }
 
+TEST(DocumentWindow, ClosesAnUntitledDocumentThatIsEmptyAgainAtOnce) {
+    Desk desk;
+    const QPointer<DocumentWindow> window = desk.controller.newDocument();
+    Desk::note(window).type(QStringLiteral("algo"));
+    EXPECT_TRUE(window->hasChangesToKeep());
+    Desk::note(window).type(QString());
+    EXPECT_TRUE(window->isWindowModified());
+    EXPECT_FALSE(window->hasChangesToKeep());
+    window->close();
+    EXPECT_TRUE(isGone(window));
+}
+
+TEST(DocumentWindow, AsksAboutAFileThatWasEmptied) {
+    Desk desk;
+    DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(window).type(QString());
+    EXPECT_TRUE(window->hasChangesToKeep());
+}
+
 TEST(DocumentController, QuitsWhenAllDocumentsMayGo) {
     Desk desk;
     QSignalSpy ready(&desk.controller, &DocumentController::readyToQuit);

@@ -1,0 +1,106 @@
+#include "FileDialog.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QLocale>
+#include <QPointer>
+#include <QSplitter>
+#include <QStyledItemDelegate>
+#include <QTreeView>
+
+namespace {
+
+constexpr QSize usualSize(960, 560);
+constexpr int sidebarWidth = 160;
+constexpr int sizeColumn = 1;
+constexpr int timeColumn = 3;
+
+/// Shows sizes and times as the program writes numbers and dates: the toolkit goes by the desktop's language.
+class FactDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto* const files = qobject_cast<const QFileSystemModel*>(index.model());
+        if (files == nullptr) {
+            return;
+        }
+        if (index.column() == sizeColumn && !files->isDir(index)) {
+            option->text = QLocale().formattedDataSize(files->size(index), 1, QLocale::DataSizeSIFormat);
+        } else if (index.column() == timeColumn) {
+            option->text = files->lastModified(index).toString(QStringLiteral("dd/MM/yyyy HH:mm"));
+        }
+    }
+};
+
+/// Makes each column as wide as what stands in it; the list scrolls where that is wider than the dialog.
+void showWholeNames(QTreeView& list) {
+    list.header()->setStretchLastSection(true);
+    list.header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    for (const int column : {sizeColumn, timeColumn}) {
+        list.setItemDelegateForColumn(column, new FactDelegate(&list));
+    }
+}
+
+} // namespace
+
+FileDialog::FileDialog(const QString& title, const QStringList& filters, QWidget* parent)
+    : QFileDialog(parent, title), m_filters(filters) {
+    setOption(QFileDialog::HideNameFilterDetails);
+    setNameFilters(filters);
+    resize(usualSize);
+    if (auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        showWholeNames(*list);
+    }
+    if (auto* const panes = findChild<QSplitter*>(QStringLiteral("splitter"))) {
+        panes->setSizes({sidebarWidth, usualSize.width() - sidebarWidth});
+    }
+}
+
+FileDialog* FileDialog::toOpen(const QString& folder, const QStringList& filters, QWidget* parent) {
+    auto* const dialog = new FileDialog(QStringLiteral("Abrir"), filters, parent);
+    dialog->setAcceptMode(AcceptOpen);
+    dialog->setFileMode(ExistingFiles);
+    if (!folder.isEmpty()) {
+        dialog->setDirectory(folder);
+    }
+    return dialog;
+}
+
+FileDialog* FileDialog::toSave(const QString& proposal, const QStringList& filters, QWidget* parent) {
+    auto* const dialog = new FileDialog(QStringLiteral("Guardar como"), filters, parent);
+    dialog->setAcceptMode(AcceptSave);
+    dialog->setFileMode(AnyFile);
+    if (const QFileInfo file(proposal); file.isAbsolute()) {
+        dialog->setDirectory(file.path());
+    }
+    dialog->selectFile(QFileInfo(proposal).fileName());
+    connect(dialog, &QFileDialog::filterSelected, dialog, &FileDialog::followFilter);
+    dialog->followFilter();
+    return dialog;
+}
+
+QStringList FileDialog::choose() {
+    const QPointer<FileDialog> dialog(this);
+    const bool isAccepted = exec() == Accepted;
+    if (dialog == nullptr) {
+        return {};
+    }
+    deleteLater();
+    return isAccepted ? selectedFiles() : QStringList();
+}
+
+void FileDialog::followFilter() {
+    const QString chosen = suffix(selectedNameFilter());
+    setDefaultSuffix(chosen.isEmpty() ? suffix(m_filters.value(0)) : chosen);
+}
+
+QString FileDialog::suffix(const QString& filter) {
+    const QString start = QStringLiteral("(*.");
+    const auto at = filter.lastIndexOf(start);
+    return at < 0 ? QString() : filter.mid(at + start.size()).section(u')', 0, 0).section(u' ', 0, 0);
+}
