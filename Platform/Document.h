@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <stop_token>
+#include <utility>
 
 class DocumentWindow;
 class QWidget;
@@ -24,6 +25,17 @@ struct RecoveryFacts;
 class DocumentContents {
 public:
     virtual ~DocumentContents() = default;
+};
+
+/// Why a document could not be written, for the user.
+struct WriteFailure {
+    // Implicit: most failures are a message and nothing else.
+    WriteFailure(QString text, QString remedyTitle = {}) // NOLINT(google-explicit-constructor)
+        : message(std::move(text)), remedy(std::move(remedyTitle)) {}
+
+    QString message;
+    /// The title of what lets the next write succeed: `Document::applyWriteRemedy`. Empty where nothing does.
+    QString remedy;
 };
 
 /// A document as its window, its file and its recovery see it: a text with a history, that a view shows and
@@ -42,8 +54,15 @@ public:
 
     /// Writes the text of this moment to a file, whole or not at all, on any thread, and answers why it could
     /// not, for the user. A stop makes it fail without a word, unless it comes too late.
-    using Write = std::function<std::expected<void, QString>(const QString& path, std::stop_token stop)>;
+    using Write = std::function<std::expected<void, WriteFailure>(const QString& path, std::stop_token stop)>;
     virtual Write write() const = 0;
+
+    /// Called before each write to the file called `name`: asks the user, over `window`, what only the user
+    /// can settle. Returns whether to write.
+    virtual bool settleBeforeWriting(const QString& /*name*/, QWidget* /*window*/) { return true; }
+
+    /// Changes the document so that what made the last write fail does so no longer.
+    virtual void applyWriteRemedy() {}
 
     /// Readies what a file holds for `replaceContents`, on any thread: what takes long in proportion to the
     /// text of this moment. Without it, or after further changes, that takes long itself.
@@ -64,6 +83,8 @@ public:
 
 Q_SIGNALS:
     void textSelectionChanged();
+    /// `recoveryFacts` returns something else now.
+    void recoveryFactsChanged();
     /// The user dropped files on the text.
     void filesDropped(const QList<QUrl>& files);
 };

@@ -12,6 +12,7 @@ DocumentKeeper::DocumentKeeper(DocumentWindow& window, RecoveryStore& store, con
     Document& document = *window.document();
     connect(&document, &Document::textSelectionChanged, this,
             [this] { m_recovery->setSelection(m_window.document()->textSelection().range()); });
+    connect(&document, &Document::recoveryFactsChanged, this, [this] { m_recovery->setFacts(facts()); });
     connect(&document.undoManager(), &UndoManager::cleanChanged, this, &DocumentKeeper::followHistory);
     connect(&window, &DocumentWindow::saved, this, &DocumentKeeper::followSave);
     connect(&window, &DocumentWindow::versionChanged, this, &DocumentKeeper::followVersion);

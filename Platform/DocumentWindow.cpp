@@ -6,6 +6,7 @@
 #include "NoticeBar.h"
 #include "TextStorage.h"
 #include "UndoManager.h"
+#include "WriteFailureQuestion.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -154,10 +155,16 @@ void DocumentWindow::buildFileMenu() {
     file.addAction(QStringLiteral("Guardar &como…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this,
                    &DocumentWindow::saveAs);
     file.addAction(QStringLiteral("&Volver a lo guardado"), this, &DocumentWindow::revert);
-    file.addSeparator();
+    m_fileCommandsEnd = file.addSeparator();
     file.addAction(QStringLiteral("C&errar"), QKeySequence(Qt::CTRL | Qt::Key_W), this, &QWidget::close);
     file.addAction(QStringLiteral("&Salir"), QKeySequence(Qt::CTRL | Qt::Key_Q), &m_controller,
                    &DocumentController::quit);
+}
+
+QAction* DocumentWindow::addFileCommand(const QString& title) {
+    auto* const action = new QAction(title, this);
+    menu(Menu::file).insertAction(m_fileCommandsEnd, action);
+    return action;
 }
 
 void DocumentWindow::buildEditMenu() {
@@ -257,16 +264,24 @@ void DocumentWindow::saveAs() {
     const QString proposal = m_path.isEmpty() ? type.untitledFileName() : m_path;
     const QStringList chosen = FileDialog::toSave(proposal, type.saveFilters(), this)->choose();
     if (chosen.isEmpty()) {
-        m_closesAfterSaving = false;
-        emit closingRefused();
+        giveUpSaving();
     } else {
         // The dialog has asked about a file that is there.
         write(QFileInfo(chosen.front()).absoluteFilePath(), Conflict::overwrite);
     }
 }
 
+void DocumentWindow::giveUpSaving() {
+    m_closesAfterSaving = false;
+    emit closingRefused();
+}
+
 void DocumentWindow::write(const QString& path, Conflict conflict) {
     if (m_document == nullptr || isSaving()) {
+        return;
+    }
+    if (!m_document->settleBeforeWriting(QFileInfo(path).fileName(), this)) {
+        giveUpSaving();
         return;
     }
     m_savingStop = {};
@@ -288,7 +303,7 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
             }
             return result;
         },
-        [this, path](SaveResult result) { finishSaving(path, std::move(result)); });
+        [this, path, conflict](SaveResult result) { finishSaving(path, conflict, std::move(result)); });
     emit savingStarted();
     // What is typed while it is being written is not in the file.
     m_wasCleanBeforeSaving = m_document->undoManager().isClean();
@@ -301,7 +316,7 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
     m_patience.start(patience);
 }
 
-void DocumentWindow::finishSaving(const QString& path, SaveResult result) {
+void DocumentWindow::finishSaving(const QString& path, Conflict conflict, SaveResult result) {
     m_patience.stop();
     if (m_notices->isBusy()) {
         m_notices->dismiss();
@@ -317,7 +332,10 @@ void DocumentWindow::finishSaving(const QString& path, SaveResult result) {
     if (result.isConflict) {
         askAboutConflict(path);
     } else if (!hasSucceeded && !result.isCancelled) {
-        say(result.written.error());
+        if (wantsRemedy(result.written.error(), this)) {
+            m_document->applyWriteRemedy();
+            write(path, conflict);
+        }
     }
     if (closes && isSaving()) {
         m_closesAfterSaving = true;

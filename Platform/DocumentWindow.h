@@ -73,6 +73,12 @@ public:
     /// Says that a file is being read, and offers to give up.
     void showOpening(const QString& path, std::function<void()> cancel);
 
+    /// Tells the user something in a box, and waits until it is read.
+    void say(const QString& text);
+
+    /// Adds a command on the document's file to the menu "Archivo", after those on saving.
+    QAction* addFileCommand(const QString& title);
+
     enum class Answer : std::uint8_t { save, discard, cancel };
 
     /// Asks what is to become of the changes.
@@ -111,7 +117,7 @@ private:
     enum class Closing : std::uint8_t { now, later, refused };
 
     struct SaveResult {
-        std::expected<void, QString> written;
+        std::expected<void, WriteFailure> written;
         bool isConflict = false; ///< The file is not the one that was read; nothing was written.
         bool isCancelled = false;
         std::optional<FileIdentity> version;
@@ -125,11 +131,11 @@ private:
     void listWindows();
 
     void write(const QString& path, Conflict conflict);
-    void finishSaving(const QString& path, SaveResult result);
+    void giveUpSaving();
+    void finishSaving(const QString& path, Conflict conflict, SaveResult result);
     void adoptFile(const QString& path, const std::optional<FileIdentity>& version);
     void askAboutConflict(const QString& path);
     Closing prepareToClose();
-    void say(const QString& text);
     void finishEditing();
     void toEditor(const char* slot);
 
@@ -143,6 +149,7 @@ private:
     QWidget* m_frame = nullptr;
     NoticeBar* m_notices = nullptr;
     std::array<QMenu*, 5> m_menus{};
+    QAction* m_fileCommandsEnd = nullptr; ///< The separator below the commands on the file.
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QPointer<QWidget> m_lastFocus; ///< What had the focus before a menu took it.
