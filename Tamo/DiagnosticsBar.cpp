@@ -159,6 +159,7 @@ DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
         layout->addWidget(fact);
     }
     connect(&session, &EditorSession::treeChanged, this, &DiagnosticsBar::showTree);
+    connect(&session, &EditorSession::encodingNameChanged, this, &DiagnosticsBar::showFacts);
     showTree();
 }
 

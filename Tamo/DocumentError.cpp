@@ -72,3 +72,10 @@ QString message(const DocumentError& error, const QString& path) {
     // Both at once: a file's name may contain what looks like a place for the other.
     return sentence.arg(QFileInfo(path).fileName(), why);
 }
+
+QString remedyTitle(const DocumentError& error) {
+    const auto* const text = std::get_if<UnencodableText>(&error.cause);
+    const bool isSurrogate = text != nullptr && text->character >= 0xD800 && text->character <= 0xDFFF;
+    const bool helps = text != nullptr && !isSurrogate && text->encoding != StringEncoding::utf8();
+    return helps ? QStringLiteral("Guardar en UTF-8") : QString();
+}

@@ -30,3 +30,7 @@ struct DocumentError {
 /// What to tell the user, in Spanish, about `error` with the file `path`: a sentence that names the file and
 /// the cause.
 QString message(const DocumentError& error, const QString& path);
+
+/// The title of the button that has the document saved in UTF-8, where that would do away with `error`; else
+/// empty.
+QString remedyTitle(const DocumentError& error);

@@ -4,6 +4,7 @@
 #include "CodeEditorView.h"
 #include "DocumentWindow.h"
 #include "EditorWindowView.h"
+#include "EncodingCommands.h"
 #include "EncodingName.h"
 #include "HelpMenu.h"
 #include "RecoveryState.h"
@@ -19,9 +20,26 @@ namespace {
 
 /// What a file turned out to hold, on its way from a worker.
 struct FileDocumentContents : DocumentContents {
+    /// What turns a text into that of the file; its units share the chunks of the file's text.
+    struct Difference {
+        SourceRange range;
+        Rope units;
+    };
+
+    QString path;
     std::unique_ptr<XMLFileDocument> file;
     std::optional<std::int64_t> preparedFor; ///< The generation of the text that `difference` is to.
-    std::optional<TextEdit> difference;
+    std::optional<Difference> difference;
+
+    void compare(const Rope& before) {
+        const Rope after = file->snapshot();
+        const auto edit = textDifference(before, after);
+        difference.reset();
+        if (edit) {
+            const auto length = static_cast<std::int64_t>(edit->replacement.size());
+            difference = Difference{edit->range, after.part(SourceRange::at(edit->range.lower, length))};
+        }
+    }
 };
 
 QString encodingName(const XMLFileDocument& file) {
@@ -39,7 +57,7 @@ QString filter(const QString& name, const QStringList& suffixes) {
 } // namespace
 
 EditorDocument::EditorDocument(std::unique_ptr<XMLFileDocument> file)
-    : m_file(std::move(file)),
+    : m_file(std::move(file)), m_doubt(m_file->doubt()),
       m_session(std::make_unique<EditorSession>(m_file->buffer(), encodingName(*m_file))) {
     m_file->buffer().setUndoManager(&m_undoManager);
 }
@@ -58,40 +76,98 @@ QWidget* EditorDocument::makeView(QWidget* parent) {
     if (auto* const window = qobject_cast<DocumentWindow*>(parent->window())) {
         window->menu(DocumentWindow::Menu::edit).addSeparator();
         window->menu(DocumentWindow::Menu::edit).addActions(m_view->findCommands());
+        m_encodingCommands = new EncodingCommands(*this, *window, m_view);
     }
     connect(&m_view->codeEditor().textView(), &TextView::filesDropped, this, &EditorDocument::filesDropped);
     return m_view;
 }
 
 Document::Write EditorDocument::write() const {
-    return [file = m_file, snapshot = m_file->snapshot()](
-               const QString& path, const std::stop_token& stop) -> std::expected<void, QString> {
-        if (const auto written = file->write(snapshot, path, stop); !written) {
-            return std::unexpected(message(written.error(), path));
+    return [form = m_file->form(), snapshot = m_file->snapshot()](
+               const QString& path, const std::stop_token& stop) -> std::expected<void, WriteFailure> {
+        if (const auto written = form.write(snapshot, path, stop); !written) {
+            return std::unexpected(
+                WriteFailure(message(written.error(), path), remedyTitle(written.error())));
         }
         return {};
     };
 }
 
 Document::Preparation EditorDocument::preparation() const {
-    return
-        [text = m_file->snapshot(), generation = m_file->buffer().generation()](DocumentContents& contents) {
-            auto& other = static_cast<FileDocumentContents&>(contents);
-            other.difference = textDifference(text, other.file->snapshot());
-            other.preparedFor = generation;
-        };
+    // What the user chose holds when the file is read again.
+    const auto chosen = m_file->form().isChosen ? std::optional(m_file->encoding()) : std::nullopt;
+    return [text = m_file->snapshot(), generation = m_file->buffer().generation(),
+            chosen](DocumentContents& contents) {
+        auto& other = static_cast<FileDocumentContents&>(contents);
+        if (chosen && !other.file->form().isChosen) {
+            if (auto again = XMLFileDocument::read(other.path, *chosen)) {
+                other.file = std::move(*again);
+            }
+        }
+        other.compare(text);
+        other.preparedFor = generation;
+    };
 }
 
 void EditorDocument::replaceContents(std::unique_ptr<DocumentContents> contents, const QString& actionName) {
     auto& other = static_cast<FileDocumentContents&>(*contents);
     if (other.preparedFor != m_file->buffer().generation()) {
-        other.difference = textDifference(m_file->snapshot(), other.file->snapshot());
+        other.compare(m_file->snapshot());
     }
-    if (other.difference) {
-        m_file->buffer().apply(std::span(&*other.difference, 1), actionName);
+    if (!other.difference && other.file->form().choice == m_file->form().choice) {
+        takeForm(other.file->form());
+    } else {
+        m_undoManager.beginUndoGroup();
+        setForm(other.file->form());
+        if (other.difference) {
+            m_file->buffer().replace(other.difference->range, other.difference->units);
+        }
+        m_undoManager.setActionName(actionName);
+        m_undoManager.endUndoGroup();
     }
-    m_file->adoptEncoding(std::move(*other.file));
+    m_doubt = other.file->doubt();
+    emit contentsReplaced();
+}
+
+EncodingCommands* EditorDocument::encodingCommands() const { return m_encodingCommands; }
+
+void EditorDocument::setForm(const FileForm& form) {
+    m_undoManager.registerUndo([this, before = m_file->form()] { setForm(before); });
+    takeForm(form);
+}
+
+void EditorDocument::keepEncoding() {
+    FileForm form = m_file->form();
+    form.isChosen = true;
+    takeForm(form);
+}
+
+void EditorDocument::takeForm(const FileForm& form) {
+    m_file->setForm(form);
     m_session->setEncodingName(encodingName(*m_file));
+    emit recoveryFactsChanged();
+}
+
+bool EditorDocument::settleBeforeWriting(const QString& name, QWidget*) {
+    return m_encodingCommands == nullptr || m_encodingCommands->settleConflict(name);
+}
+
+void EditorDocument::applyWriteRemedy() {
+    if (m_encodingCommands != nullptr) {
+        m_encodingCommands->change(EncodingChoice::usual(StringEncoding::utf8()));
+    }
+}
+
+std::expected<std::unique_ptr<DocumentContents>, QString>
+EditorDocument::read(const QString& path, const std::optional<StringEncoding>& encoding) {
+    auto file = encoding ? XMLFileDocument::read(path, *encoding) : XMLFileDocument::read(path);
+    if (!file) {
+        return std::unexpected(message(file.error(), path));
+    }
+    auto contents = std::make_unique<FileDocumentContents>();
+    contents->path = path;
+    contents->file = std::move(*file);
+    return contents;
 }
 
 RecoveryFacts EditorDocument::recoveryFacts() const {
@@ -117,13 +193,7 @@ std::unique_ptr<Document> EditorDocumentType::makeUntitled() const {
 
 std::expected<std::unique_ptr<DocumentContents>, QString> EditorDocumentType::read(const QString& path,
                                                                                    std::stop_token) const {
-    auto file = XMLFileDocument::read(path);
-    if (!file) {
-        return std::unexpected(message(file.error(), path));
-    }
-    auto contents = std::make_unique<FileDocumentContents>();
-    contents->file = std::move(*file);
-    return contents;
+    return EditorDocument::read(path, std::nullopt);
 }
 
 std::unique_ptr<Document> EditorDocumentType::makeDocument(std::unique_ptr<DocumentContents> contents) const {
@@ -162,4 +232,5 @@ void EditorDocumentType::buildMenus(DocumentWindow& window) const {
     window.menuBar()->addMenu(AppCommands::makeFormatMenu(&window));
     window.menuBar()->addMenu(AppCommands::makeNodeMenu(&window));
     HelpMenu::fill(window.menu(DocumentWindow::Menu::help), window);
+    EncodingCommands::addTo(window);
 }

@@ -104,6 +104,13 @@ void EditorSession::setNamePrompt(const std::optional<NamePrompt>& prompt) {
     }
 }
 
+void EditorSession::setEncodingName(const QString& encodingName) {
+    if (m_encodingName != encodingName) {
+        m_encodingName = encodingName;
+        emit encodingNameChanged();
+    }
+}
+
 void EditorSession::setErrorMessage(const std::optional<QString>& message) {
     if (m_errorMessage != message) {
         m_errorMessage = message;

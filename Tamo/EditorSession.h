@@ -91,7 +91,7 @@ public:
     TextBuffer& buffer() { return m_buffer; }
     const TextBuffer& buffer() const { return m_buffer; }
     const QString& encodingName() const { return m_encodingName; }
-    void setEncodingName(const QString& encodingName) { m_encodingName = encodingName; }
+    void setEncodingName(const QString& encodingName);
     bool isEmptyDocument() const { return m_isEmptyDocument; }
 
     const DocumentTree& tree() const { return m_parsed->tree; }
@@ -214,6 +214,7 @@ signals:
     void filterChanged();
     void namePromptChanged();
     void errorMessageChanged();
+    void encodingNameChanged();
     void treeChanged(); ///< With it `lines` and `indent`.
     void treeGenerationChanged();
     void errorNodesChanged();

@@ -27,12 +27,12 @@ const QCommandLineOption
     screenshotOption(QStringLiteral("screenshot"),
                      QStringLiteral("Guarda una imagen de la primera ventana y termina."),
                      QStringLiteral("archivo.png"));
-const QCommandLineOption
-    stateOption(QStringLiteral("state"),
-                QStringLiteral("Cómo está la ventana en la imagen: mode=split, select=/0/1, filter=texto, "
-                               "prompt=wrap, rename=1, size=800x500, caret=12, inspector=no, find=texto, menu=problems, "
-                               "menu=node. Se puede repetir."),
-                QStringLiteral("clave=valor"));
+const QCommandLineOption stateOption(
+    QStringLiteral("state"),
+    QStringLiteral("Cómo está la ventana en la imagen: mode=split, select=/0/1, filter=texto, "
+                   "prompt=wrap, rename=1, size=800x500, caret=12, inspector=no, find=texto, menu=problems, "
+                   "menu=node, dialog=open. Se puede repetir."),
+    QStringLiteral("clave=valor"));
 
 const QCommandLineOption appearanceOption(QStringLiteral("appearance"),
                                           QStringLiteral("Claro u oscuro, diga lo que diga el escritorio."),

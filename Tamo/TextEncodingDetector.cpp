@@ -52,7 +52,7 @@ std::optional<std::string_view> assignedName(std::string_view text) {
 }
 
 /// The first encoding name of an XML declaration at the start of `prefix`.
-std::optional<std::string_view> declaredName(std::string_view prefix) {
+std::optional<std::string_view> nameDeclared(std::string_view prefix) {
     constexpr std::string_view attribute = "encoding";
     if (!prefix.starts_with("<?xml")) {
         return std::nullopt;
@@ -67,9 +67,7 @@ std::optional<std::string_view> declaredName(std::string_view prefix) {
 }
 
 std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
-    constexpr std::size_t prefixLength = 256;
-    const Bytes prefix = bytes.first(std::min(bytes.size(), prefixLength));
-    const auto name = declaredName(stringOf(prefix));
+    const auto name = TextEncodingDetector::declaredName(bytes);
     const auto encoding = name ? StringEncoding::named(*name) : std::nullopt;
     return encoding && encoding->isPlainUTF16() ? StringEncoding::utf8() : encoding;
 }
@@ -94,4 +92,9 @@ std::optional<Detection> TextEncodingDetector::announced(Bytes prefix) {
         return Detection{*declared, {}};
     }
     return std::nullopt;
+}
+
+std::optional<std::string_view> TextEncodingDetector::declaredName(Bytes prefix) {
+    constexpr std::size_t longest = 256;
+    return nameDeclared(stringOf(prefix.first(std::min(prefix.size(), longest))));
 }

@@ -3,6 +3,7 @@
 #include "StringEncoding.h"
 
 #include <optional>
+#include <string_view>
 
 /// In which encoding a file is written, and the byte-order mark at its start.
 struct Detection {
@@ -24,5 +25,9 @@ Detection detect(Bytes bytes);
 /// What `detect` goes by before it looks at all bytes: a mark or a declaration at the start. `prefix` is the
 /// start of the file, all of it or at least 256 bytes. Nothing where neither tells.
 std::optional<Detection> announced(Bytes prefix);
+
+/// The name that the XML declaration at the start of `prefix` gives, known or not; nothing where there is
+/// none. Borrowed from `prefix`.
+std::optional<std::string_view> declaredName(Bytes prefix);
 
 } // namespace TextEncodingDetector

@@ -3,7 +3,9 @@
 #include "CodeEditorView.h"
 #include "DiagnosticsBar.h"
 #include "DocumentWindow.h"
+#include "EditorDocument.h"
 #include "EditorWindowView.h"
+#include "EncodingCommands.h"
 #include "FindBar.h"
 #include "TreeEditorView.h"
 
@@ -111,6 +113,20 @@ void WindowPicture::setUp(EditorWindowView& view) {
         view.codeEditor().findBar().findChild<QLineEdit*>()->setText(m_states.value(QStringLiteral("find")));
     }
     openMenu(view, m_states.value(QStringLiteral("menu")));
+    openDialog(m_states.value(QStringLiteral("dialog")));
+}
+
+void WindowPicture::openDialog(const QString& name) {
+    EncodingCommands* const encoding = static_cast<EditorDocument*>(m_window->document())->encodingCommands();
+    if (name == QStringLiteral("open")) {
+        m_window->menu(DocumentWindow::Menu::file).actions().at(1)->trigger();
+    } else if (name == QStringLiteral("saveAs")) {
+        m_window->saveAs();
+    } else if (name == QStringLiteral("reopen") && encoding != nullptr) {
+        encoding->reopen();
+    } else if (name == QStringLiteral("encoding") && encoding != nullptr) {
+        encoding->save();
+    }
 }
 
 void WindowPicture::openMenu(EditorWindowView& view, const QString& name) {

@@ -22,6 +22,7 @@ public:
 private:
     void setUp(EditorWindowView& view);
     static void openMenu(EditorWindowView& view, const QString& name);
+    void openDialog(const QString& name);
     void shoot();
 
     const QString m_path;

@@ -1,14 +1,11 @@
 #include "XMLFileDocument.h"
 
 #include "ApplicationIdentifier.h"
-#include "AtomicFile.h"
 #include "Signposter.h"
 #include "TextBuffer.h"
-#include "TextEncoder.h"
 #include "TextEncodingDetector.h"
 #include "UTF8File.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -24,9 +21,10 @@ std::unexpected<DocumentError> failure(Action action, const Cause& cause) {
     return std::unexpected(DocumentError{action, cause});
 }
 
-UnencodableText unencodable(const UnencodableCharacter& found, const Rope& text,
-                            const StringEncoding& encoding) {
-    return {found.character, text.line(static_cast<Offset>(found.offset)) + 1, encoding};
+/// What a text is written as that was read so.
+FileForm formOf(const Detection& detection, SourceText text) {
+    const EncodingChoice choice{detection.encoding, !detection.bom.empty()};
+    return {.choice = choice, .readText = std::move(text), .readBytes = {}, .readChoice = choice};
 }
 
 } // namespace
@@ -41,12 +39,10 @@ std::span<const ContentType> XMLFileDocument::contentTypes() {
     return types;
 }
 
-XMLFileDocument::XMLFileDocument() : XMLFileDocument(StringEncoding::utf8(), {}, {}, {}) {}
+XMLFileDocument::XMLFileDocument() : XMLFileDocument(FileForm(), {}) {}
 
-/// `rope` has the units of `initialText`.
-XMLFileDocument::XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText, Rope rope)
-    : m_encoding(encoding), m_bom(bom.begin(), bom.end()), m_initialText(std::move(initialText)),
-      m_mirror(std::make_shared<TextMirror>(std::move(rope))) {}
+XMLFileDocument::XMLFileDocument(FileForm form, Rope rope)
+    : m_form(std::move(form)), m_mirror(std::make_shared<TextMirror>(std::move(rope))) {}
 
 XMLFileDocument::~XMLFileDocument() = default;
 
@@ -86,8 +82,10 @@ std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const QString& path) 
     for (const Rope& piece : pieces) {
         rope = rope.joined(piece);
     }
-    return std::unique_ptr<XMLFileDocument>(
-        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text), std::move(rope)));
+    std::unique_ptr<XMLFileDocument> document(
+        new XMLFileDocument(formOf(detection, std::move(*text)), std::move(rope)));
+    document->m_doubt = EncodingDoubt::of(start, detection, EncodingDoubt::Legality::legal);
+    return document;
 }
 
 std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
@@ -105,25 +103,43 @@ XMLFileDocument::decode(const FileContents& contents) {
     }
     Rope rope(*text);
     std::unique_ptr<XMLFileDocument> document(
-        new XMLFileDocument(detection.encoding, detection.bom, std::move(*text), std::move(rope)));
-    if (isLegal && !document->givesBack(contents.bytes())) {
-        document->m_original = contents;
+        new XMLFileDocument(formOf(detection, std::move(*text)), std::move(rope)));
+    if (isLegal && !document->m_form.givesBack(contents.bytes())) {
+        document->m_form.readBytes = contents;
     }
+    document->m_doubt =
+        EncodingDoubt::of(contents.bytes(), detection,
+                          isLegal ? EncodingDoubt::Legality::legal : EncodingDoubt::Legality::illegal);
     return document;
 }
 
-/// Whether encoding the initial text gives `bytes` again. The encodings with paths of their own have one way
-/// to write a text.
-bool XMLFileDocument::givesBack(Bytes bytes) const {
-    if (m_encoding.family() != StringEncoding::Family::converter) {
-        return true;
+std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
+XMLFileDocument::read(const QString& path, const StringEncoding& encoding) {
+    const auto contents = FileContents::read(path);
+    if (!contents) {
+        return failure(Action::read, contents.error());
     }
-    bool isSame = true;
-    const auto result = encodeInto(m_mirror->text(), [&](Bytes encoded) {
-        isSame = isSame && stringOf(bytes).starts_with(stringOf(encoded));
-        bytes = isSame ? bytes.subspan(encoded.size()) : bytes;
-    });
-    return result && isSame && bytes.empty();
+    return decode(*contents, encoding);
+}
+
+std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
+XMLFileDocument::decode(const FileContents& contents, const StringEncoding& encoding) {
+    const Signposter::Interval interval = signposter.interval("Decode");
+    const Bytes mark = EncodingChoice{encoding, EncodingChoice::canHaveMark(encoding)}.bom();
+    const bool hasMark = !mark.empty() && stringOf(contents.bytes()).starts_with(stringOf(mark));
+    const Detection detection{encoding, hasMark ? mark : Bytes()};
+    auto text = encoding.decode(contents.bytes().subspan(detection.bom.size()));
+    if (!text) {
+        return failure(Action::read, text.error());
+    }
+    Rope rope(*text);
+    std::unique_ptr<XMLFileDocument> document(
+        new XMLFileDocument(formOf(detection, std::move(*text)), std::move(rope)));
+    document->m_form.isChosen = true;
+    if (!document->m_form.givesBack(contents.bytes())) {
+        document->m_form.readBytes = contents;
+    }
+    return document;
 }
 
 TextBuffer& XMLFileDocument::buffer() {
@@ -133,61 +149,6 @@ TextBuffer& XMLFileDocument::buffer() {
     return *m_buffer;
 }
 
-template <class Sink>
-std::expected<void, DocumentError> XMLFileDocument::encodeInto(const Rope& snapshot, Sink sink,
-                                                               const std::stop_token& stop) const {
-    if (!m_original.bytes().empty() && snapshot == Rope(m_initialText)) {
-        sink(m_original.bytes());
-        return {};
-    }
-    sink(m_bom);
-    TextEncoder encoder(m_encoding, sink);
-    for (const std::u16string_view chunk : snapshot.chunks()) {
-        if (stop.stop_requested()) {
-            return failure(Action::write, FileFailure::other);
-        }
-        if (const auto result = encoder.append(chunk); !result) {
-            return failure(Action::write, unencodable(result.error(), snapshot, m_encoding));
-        }
-    }
-    if (const auto result = encoder.finish(); !result) {
-        return failure(Action::write, unencodable(result.error(), snapshot, m_encoding));
-    }
-    return {};
-}
-
-std::expected<void, DocumentError> XMLFileDocument::write(const Rope& snapshot, const QString& path,
-                                                          const std::stop_token& stop) const {
-    auto file = AtomicFile::open(path);
-    if (!file) {
-        return failure(Action::write, file.error());
-    }
-    if (auto result = encodeInto(snapshot, [&file](Bytes bytes) { file->write(bytes); }, stop);
-        !result) {
-        return result;
-    }
-    if (const auto result = file->commit(); !result) {
-        return failure(Action::write, result.error());
-    }
-    return {};
-}
-
-void XMLFileDocument::adoptEncoding(XMLFileDocument&& other) {
-    m_encoding = other.m_encoding;
-    m_bom = std::move(other.m_bom);
-    m_initialText = std::move(other.m_initialText);
-    m_original = std::move(other.m_original);
-}
-
 void XMLFileDocument::setEncoding(const StringEncoding& encoding, Bytes bom) {
-    m_encoding = encoding;
-    m_bom.assign(bom.begin(), bom.end());
-    m_original = {};
-}
-
-std::expected<std::string, DocumentError> XMLFileDocument::encode(const Rope& snapshot) const {
-    std::string all;
-    const auto result = encodeInto(snapshot, [&all](Bytes bytes) { all += stringOf(bytes); });
-    return result ? std::expected<std::string, DocumentError>(std::move(all))
-                  : std::unexpected(result.error());
+    m_form.choice = {encoding, !bom.empty() && EncodingChoice::canHaveMark(encoding)};
 }

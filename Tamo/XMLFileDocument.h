@@ -1,21 +1,19 @@
 #pragma once
 
-#include "DocumentError.h"
-#include "FileContents.h"
-#include "Rope.h"
-#include "StringEncoding.h"
+#include "EncodingDoubt.h"
+#include "FileForm.h"
 #include "TextMirror.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <cstdint>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stop_token>
 #include <string>
-#include <vector>
+#include <utility>
 
 class TextBuffer;
 
@@ -47,12 +45,26 @@ public:
     static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
     decode(const FileContents& contents);
 
-    const StringEncoding& encoding() const { return m_encoding; }
+    /// The same in `encoding`, whatever the file shows. Fails where the contents are illegal in it. A mark of
+    /// the encoding is none of the text.
+    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
+    read(const QString& path, const StringEncoding& encoding);
+    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
+    decode(const FileContents& contents, const StringEncoding& encoding);
+
+    const StringEncoding& encoding() const { return m_form.choice.encoding; }
 
     /// The byte-order mark in front of the text; empty when the file had none.
-    Bytes bom() const { return m_bom; }
+    Bytes bom() const { return m_form.choice.bom(); }
 
-    const SourceText& initialText() const { return m_initialText; }
+    const SourceText& initialText() const { return m_form.readText; }
+
+    /// What is doubtful about how the file was read; nothing where all is well.
+    const std::optional<EncodingDoubt>& doubt() const { return m_doubt; }
+
+    /// How the text is written. Belongs to the main thread: a write elsewhere takes a copy along.
+    const FileForm& form() const { return m_form; }
+    void setForm(FileForm form) { m_form = std::move(form); }
 
     /// The latest text, kept by the buffer.
     const std::shared_ptr<TextMirror>& mirror() const { return m_mirror; }
@@ -63,37 +75,28 @@ public:
     /// The latest text, for writing it. Costs a reference.
     Rope snapshot() const { return m_mirror->text(); }
 
-    /// Puts the bytes of `snapshot` in the place of the file `path`, whole or not at all. A text that is
-    /// still the initial one gives the bytes that were read wherever they are legal in the encoding.
-    /// After a request to stop it fails, unless the file stands already.
+    /// Puts the bytes of `snapshot` in the place of the file `path`, as `FileForm::write` does.
     std::expected<void, DocumentError> write(const Rope& snapshot, const QString& path,
-                                             const std::stop_token& stop = {}) const;
-
-    /// From now on writes as `other` does, whose text the buffer was given.
-    void adoptEncoding(XMLFileDocument&& other);
+                                             const std::stop_token& stop = {}) const {
+        return m_form.write(snapshot, path, stop);
+    }
 
     /// Writes in another encoding from now on.
     void setEncoding(const StringEncoding& encoding, Bytes bom);
 
     /// The same bytes in memory.
-    std::expected<std::string, DocumentError> encode(const Rope& snapshot) const;
+    std::expected<std::string, DocumentError> encode(const Rope& snapshot) const {
+        return m_form.encode(snapshot);
+    }
 
 private:
-    XMLFileDocument(const StringEncoding& encoding, Bytes bom, SourceText initialText, Rope rope);
+    /// `rope` has the units of the text that was read.
+    XMLFileDocument(FileForm form, Rope rope);
 
     static std::unique_ptr<XMLFileDocument> readUTF8(const QString& path);
 
-    template <class Sink>
-    std::expected<void, DocumentError> encodeInto(const Rope& snapshot, Sink sink,
-                                                  const std::stop_token& stop = {}) const;
-    bool givesBack(Bytes bytes) const;
-
-    StringEncoding m_encoding;
-    std::vector<std::uint8_t> m_bom;
-    SourceText m_initialText;
-    /// What was read, where encoding the text gives other bytes: some encodings spell one character in
-    /// several ways. Empty otherwise.
-    FileContents m_original;
+    FileForm m_form;
+    std::optional<EncodingDoubt> m_doubt;
     std::shared_ptr<TextMirror> m_mirror;
     std::unique_ptr<TextBuffer> m_buffer;
 };
