@@ -10,6 +10,8 @@
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize usualSize(960, 560);
@@ -95,8 +97,13 @@ QStringList FileDialog::choose() {
 }
 
 void FileDialog::followFilter() {
-    const QString chosen = suffix(selectedNameFilter());
-    setDefaultSuffix(chosen.isEmpty() ? suffix(m_filters.value(0)) : chosen);
+    // The box may know no more of a filter than it shows.
+    const QString shown = selectedNameFilter();
+    const auto chosen = std::ranges::find_if(m_filters, [&](const QString& filter) {
+        return filter == shown || filter.startsWith(shown + QStringLiteral(" ("));
+    });
+    const QString found = chosen == m_filters.end() ? QString() : suffix(*chosen);
+    setDefaultSuffix(found.isEmpty() ? suffix(m_filters.value(0)) : found);
 }
 
 QString FileDialog::suffix(const QString& filter) {

@@ -116,7 +116,7 @@ TEST(FileDialog, SpeaksOneLanguage) {
     const QString all = shown.join(u'|').remove(u'&');
     for (const auto* const spanish :
          {"Buscar en:", "Nombre del archivo:", "Tipo de archivo:", "Guardar", "Cancelar",
-          "Ir a la carpeta superior", "Nombre", "Tamaño", "Tipo", "Modificado"}) {
+          "Carpeta superior", "Nombre", "Tamaño", "Tipo", "Modificado"}) {
         EXPECT_TRUE(all.contains(QString::fromUtf8(spanish))) << spanish << " in " << qUtf8Printable(all);
     }
     for (const auto* const english : {"Look in", "File name", "Files of type", "Save", "Cancel|", "Go back",
