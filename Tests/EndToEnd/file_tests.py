@@ -47,10 +47,10 @@ class Files(unittest.TestCase):
     def wait_for_bytes(self, path, expected):
         wait_until(lambda: path.exists() and path.read_bytes() == expected, f"{expected!r} in the file")
 
-    def insert(self, app, units):
-        """Puts text in front, as a paste would: nothing is completed."""
+    def insert(self, app, units, at=0):
+        """Puts text in, as a paste would: nothing is completed."""
         text = app.wait_for(role="text", name="Texto")
-        accessibility().EditableText.insert_text(text, 0, units, len(units))
+        accessibility().EditableText.insert_text(text, at, units, len(units))
 
     def press_button(self, app, name):
         app.click_on(app.wait_for(role="push button", name=name))
@@ -159,8 +159,7 @@ class Files(unittest.TestCase):
     def test_saving_in_utf_8_is_one_button_away_after_an_unencodable_character(self):
         path = self.document((DECLARATION + "<a>cañón</a>\n").encode("latin-1"))
         app = self.start(path)
-        app.press("ctrl+End")
-        app.type("<!--€-->")
+        self.insert(app, "<!--€-->", len(DECLARATION + "<a>cañón</a>\n"))
         wait_until(lambda: app.title().startswith("documento.xml*"), "mark of an edited document")
         app.press("ctrl+s")
         self.press_button(app, "Guardar en UTF-8")
