@@ -1,9 +1,11 @@
 #include "PrettyPrinter.h"
 
+#include "ReflowTrace.h"
 #include "UnicodeProperties.h"
 #include "UnitScan.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -23,7 +25,8 @@ std::u16string_view trimmed(std::u16string_view text) {
 }
 
 /// Walks the nodes below the document in order and tells `printer` the lines that they become: `startLine`
-/// with its depth, then its pieces as `markup`, to be copied, and `text`, to be trimmed.
+/// with its depth, then its pieces in text order: `markup`, to be copied, `text`, to be trimmed, and
+/// `missingEndTag` of an element without one. What stands before a range lies in the content of `in`.
 template <class Printer>
 class Walk {
 public:
@@ -35,11 +38,11 @@ public:
             const TreeNode& node = m_tree[id];
             m_printer.startLine(m_depth);
             if (isBlock(id)) {
-                m_printer.markup(source(node.startTagRange()));
+                m_printer.markup(node.startTagRange(), node.parent);
                 ++m_depth;
                 id = node.firstChild;
             } else {
-                printLine(node);
+                printLine(id);
                 id = next(id);
             }
         }
@@ -49,25 +52,25 @@ private:
     /// Whether the node's children get lines of their own.
     bool isBlock(NodeID id) const { return m_tree[id].isElement() && !m_tree.hasOnlyTextContent(id); }
 
-    void printLine(const TreeNode& node) {
+    void printLine(NodeID id) {
+        const TreeNode& node = m_tree[id];
         if (node.kind == TreeNode::Kind::text) {
-            m_printer.text(source(node.range));
+            m_printer.text(node.range, node.parent);
         } else if (!node.isElement() || node.flags.contains(TreeNode::selfClosing)) {
-            m_printer.markup(source(node.range));
+            m_printer.markup(node.range, node.parent);
         } else {
-            m_printer.markup(source(node.startTagRange()));
-            m_printer.text(source(node.contentRange));
-            printEndTag(node);
+            m_printer.markup(node.startTagRange(), node.parent);
+            m_printer.text(node.contentRange, id);
+            printEndTag(id);
         }
     }
 
-    void printEndTag(const TreeNode& node) {
+    void printEndTag(NodeID id) {
+        const TreeNode& node = m_tree[id];
         if (node.flags.contains(TreeNode::hasCloseTag)) {
-            m_printer.markup(source({node.contentRange.upper, node.range.upper}));
+            m_printer.markup({node.contentRange.upper, node.range.upper}, id);
         } else {
-            m_printer.markup(u"</");
-            m_printer.markup(source(node.nameRange));
-            m_printer.markup(u">");
+            m_printer.missingEndTag(id);
         }
     }
 
@@ -80,13 +83,9 @@ private:
             }
             --m_depth;
             m_printer.startLine(m_depth);
-            printEndTag(m_tree[id]);
+            printEndTag(id);
         }
         return m_tree[id].nextSibling;
-    }
-
-    std::u16string_view source(SourceRange range) const {
-        return m_tree.text.units().substr(range.lower, range.length());
     }
 
     const DocumentTree& m_tree;
@@ -97,6 +96,8 @@ private:
 /// How many lines there are and of how many units they are made, at most.
 class Measure {
 public:
+    explicit Measure(const DocumentTree& tree) : m_tree(tree) {}
+
     void startLine(std::size_t depth) {
         if (depth == m_linesAtDepth.size()) {
             m_linesAtDepth.push_back(0);
@@ -104,8 +105,9 @@ public:
         ++m_linesAtDepth[depth];
         ++m_lines;
     }
-    void markup(std::u16string_view units) { m_markup += units.size(); }
-    void text(std::u16string_view units) { m_text += units.size(); }
+    void markup(SourceRange range, NodeID) { m_markup += range.length(); }
+    void text(SourceRange range, NodeID) { m_text += range.length(); }
+    void missingEndTag(NodeID of) { m_markup += endTagFrame + m_tree[of].nameRange.length(); }
 
     /// What is to be written, but for the indentation, `perBreak` units a line break.
     std::size_t length(std::size_t perBreak) const { return m_markup + m_text + m_lines * perBreak; }
@@ -134,16 +136,22 @@ public:
     }
 
 private:
+    static constexpr std::size_t endTagFrame = 3; ///< `</` and `>`.
+
+    const DocumentTree& m_tree;
     std::vector<std::size_t> m_linesAtDepth;
     std::size_t m_lines = 0;
     std::size_t m_markup = 0;
     std::size_t m_text = 0;
 };
 
+/// Writes the document down; `trace`, null for none, follows what becomes of the old text.
 class Writer {
 public:
-    Writer(std::u16string_view lineBreak, std::u16string_view indentUnit, const Measure& measure)
-        : m_breakLength(lineBreak.size()), m_unitLength(indentUnit.size()), m_startOfLine(lineBreak) {
+    Writer(const DocumentTree& tree, std::u16string_view lineBreak, std::u16string_view indentUnit,
+           const Measure& measure, ReflowTrace* trace)
+        : m_tree(tree), m_trace(trace), m_breakLength(lineBreak.size()), m_unitLength(indentUnit.size()),
+          m_startOfLine(lineBreak) {
         const Measure::Indentation indentation = measure.indentation(m_unitLength);
         m_deepest = indentation.deepest;
         m_output.reserve(measure.length(m_breakLength) + indentation.length);
@@ -158,12 +166,37 @@ public:
         const std::size_t skipped = m_output.empty() ? m_breakLength : 0;
         m_output.append(m_startOfLine, skipped, m_breakLength - skipped + depth * m_unitLength);
     }
-    void markup(std::u16string_view units) { m_output.append(units); }
-    void text(std::u16string_view units) { m_output.append(trimmed(units)); }
+    void markup(SourceRange range, NodeID in) {
+        if (m_trace != nullptr) {
+            m_trace->keep(range, in, m_output);
+        }
+        m_output.append(source(range));
+    }
+    void text(SourceRange range, NodeID in) {
+        const std::u16string_view kept = trimmed(source(range));
+        const auto lower = static_cast<Offset>(kept.data() - m_tree.text.units().data());
+        markup(SourceRange::at(lower, static_cast<std::int64_t>(kept.size())), in);
+    }
+    void missingEndTag(NodeID of) {
+        const TreeNode& node = m_tree[of];
+        if (m_trace != nullptr) {
+            m_trace->keep(SourceRange::empty(node.contentRange.upper), of, m_output);
+        }
+        m_output.append(u"</").append(source(node.nameRange)).append(u">");
+        if (m_trace != nullptr) {
+            m_trace->skipAdded(m_output);
+        }
+    }
 
     std::u16string take() { return std::move(m_output); }
 
 private:
+    std::u16string_view source(SourceRange range) const {
+        return m_tree.text.units().substr(range.lower, range.length());
+    }
+
+    const DocumentTree& m_tree;
+    ReflowTrace* m_trace;
     std::size_t m_breakLength;
     std::size_t m_unitLength;
     std::size_t m_deepest;
@@ -172,22 +205,42 @@ private:
     std::u16string m_output;
 };
 
-std::u16string print(const DocumentTree& tree, std::u16string_view lineBreak,
-                     std::u16string_view indentUnit) {
-    Measure measure;
+std::u16string print(const DocumentTree& tree, std::u16string_view lineBreak, std::u16string_view indentUnit,
+                     ReflowTrace* trace = nullptr) {
+    Measure measure(tree);
     Walk(tree, measure).run();
-    Writer writer(lineBreak, indentUnit, measure);
+    Writer writer(tree, lineBreak, indentUnit, measure, trace);
     Walk(tree, writer).run();
     return writer.take();
+}
+
+std::u16string formatted(const DocumentTree& tree, IndentStyle indent, ReflowTrace* trace = nullptr) {
+    const std::u16string_view lineBreak = tree.text.lineEnding();
+    return print(tree, lineBreak, indent.unit(), trace).append(lineBreak);
+}
+
+PrettyPrinter::Reflow reflow(const DocumentTree& tree, std::u16string text, ReflowTrace& trace) {
+    trace.finish(text);
+    return {{tree.text.fullRange(), std::move(text)}, trace.places(), trace.changesTextSpace()};
 }
 
 } // namespace
 
 TextEdit PrettyPrinter::format(const DocumentTree& tree, IndentStyle indent) {
-    const std::u16string_view lineBreak = tree.text.lineEnding();
-    return {tree.text.fullRange(), print(tree, lineBreak, indent.unit()).append(lineBreak)};
+    return {tree.text.fullRange(), formatted(tree, indent)};
 }
 
 TextEdit PrettyPrinter::minify(const DocumentTree& tree) {
     return {tree.text.fullRange(), print(tree, {}, {})};
+}
+
+PrettyPrinter::Reflow PrettyPrinter::format(const DocumentTree& tree, IndentStyle indent,
+                                            std::span<const Offset> places) {
+    ReflowTrace trace(tree, places);
+    return reflow(tree, formatted(tree, indent, &trace), trace);
+}
+
+PrettyPrinter::Reflow PrettyPrinter::minify(const DocumentTree& tree, std::span<const Offset> places) {
+    ReflowTrace trace(tree, places);
+    return reflow(tree, print(tree, {}, {}, &trace), trace);
 }

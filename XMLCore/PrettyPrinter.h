@@ -4,6 +4,9 @@
 #include "IndentStyle.h"
 #include "TextEdit.h"
 
+#include <span>
+#include <vector>
+
 /// Lays a whole document out anew: only the white space between nodes changes. Tags, references, comments,
 /// CDATA sections, instructions and declarations are copied as they stand, unit for unit.
 ///
@@ -22,5 +25,20 @@ TextEdit format(const DocumentTree& tree, IndentStyle indent);
 
 /// The same without any indentation and line breaks.
 TextEdit minify(const DocumentTree& tree);
+
+/// A layout and what it does to the old text.
+struct Reflow {
+    TextEdit edit;
+    std::vector<Offset> places; ///< Where the given offsets of the old text are in the new text.
+    /// Whether white space changed that may be part of the text: in an element that holds both text and other
+    /// nodes, or where `xml:space` is `preserve`.
+    bool changesTextSpace = false;
+};
+
+/// The same edits as above, and where `places`, offsets of the text in any order, are found afterwards: an
+/// offset keeps the unit that follows it; one inside white space that is laid out anew moves to the end of
+/// what stands before it, or, behind a line break, to the start of what follows.
+Reflow format(const DocumentTree& tree, IndentStyle indent, std::span<const Offset> places);
+Reflow minify(const DocumentTree& tree, std::span<const Offset> places);
 
 } // namespace PrettyPrinter
