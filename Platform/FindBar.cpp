@@ -427,8 +427,8 @@ void FindBar::applyReplacement(const TextReplacement& replacement) {
     }
     if (replacement.count != 0) {
         m_client.replace(replacement.range, replacement.text,
-                         isAll ? QStringLiteral("Reemplazar todo") : QStringLiteral("Reemplazar"));
-        m_client.select(SourceRange::empty(replacement.caret));
+                         isAll ? QStringLiteral("Reemplazar todo") : QStringLiteral("Reemplazar"),
+                         replacement.caret);
         m_anchor = replacement.caret;
     }
     if (isAll) {

@@ -22,9 +22,9 @@ public:
     /// Selects `range` and scrolls it into view.
     virtual void select(SourceRange range) = 0;
 
-    /// Puts `with` in the place of `range` as one step of undo. The range may be most of the text: `with`
-    /// shares the chunks that stay.
-    virtual void replace(SourceRange range, const Rope& with, const QString& actionName) = 0;
+    /// Puts `with` in the place of `range` as one step of undo, and the caret, in view, at `caret` of the new
+    /// text. The range may be most of the text: `with` shares the chunks that stay.
+    virtual void replace(SourceRange range, const Rope& with, const QString& actionName, Offset caret) = 0;
 
     /// Has the matches that are visible marked, those of `matches` whenever something is painted; none when
     /// it is null. Called again whenever they changed.

@@ -34,18 +34,20 @@ void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionNa
         precondition(edit.range.upper <= text().size(), "an edit lies inside the text");
         replacements.emplace_back(edit.range, std::move(edit.replacement));
     }
-    applyAsOneStep(replacements, actionName);
+    applyAsOneStep(replacements, actionName, std::nullopt);
 }
 
-void TextHistory::replace(SourceRange range, const Rope& units, const QString& actionName) {
+void TextHistory::replace(SourceRange range, const Rope& units, const QString& actionName,
+                          std::optional<TextSelection> after) {
     requireThread();
     precondition(range.upper <= text().size(), "an edit lies inside the text");
-    applyAsOneStep({Replacement(range, units)}, actionName);
+    applyAsOneStep({Replacement(range, units)}, actionName, after);
 }
 
-void TextHistory::applyAsOneStep(const Replacements& replacements, const QString& actionName) {
+void TextHistory::applyAsOneStep(const Replacements& replacements, const QString& actionName,
+                                 std::optional<TextSelection> wanted) {
     if (m_undoManager == nullptr) {
-        replace(replacements);
+        replace(replacements, wanted);
         return;
     }
     m_undoManager->beginUndoGroup();
@@ -55,7 +57,7 @@ void TextHistory::applyAsOneStep(const Replacements& replacements, const QString
     breakUndoCoalescing();
     const TextSelection before = selection();
     Replacements opposite = inverse(replacements);
-    replace(replacements);
+    replace(replacements, wanted);
     const TextSelection after = selectionAfter(opposite);
     registerOpposite(std::move(opposite), {before, after});
     m_undoManager->endUndoGroup();
@@ -126,11 +128,14 @@ void TextHistory::registerTypingRun() {
     m_typing->coalescingMark = m_undoManager->coalescingMark();
 }
 
-void TextHistory::replace(const Replacements& replacements) {
+void TextHistory::replace(const Replacements& replacements, std::optional<TextSelection> after) {
     m_storage.beginEditing();
     for (const Replacement& replacement : replacements) {
         std::visit([&](const auto& units) { m_storage.replaceCharacters(replacement.range, units); },
                    replacement.units);
+    }
+    if (after && m_selectionKeeper.restore) {
+        m_selectionKeeper.restore(*after);
     }
     m_storage.endEditing();
 }
@@ -145,12 +150,7 @@ void TextHistory::registerOpposite(Replacements opposite, Selections selections)
 
 void TextHistory::replaceBack(const Replacements& replacements, Selections selections) {
     registerOpposite(inverse(replacements), {selections.after, selections.before});
-    m_storage.beginEditing();
-    replace(replacements);
-    if (m_selectionKeeper.restore) {
-        m_selectionKeeper.restore(selections.before);
-    }
-    m_storage.endEditing();
+    replace(replacements, selections.before);
 }
 
 TextSelection TextHistory::selectionAfter(const Replacements& opposite) const {

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -43,14 +44,19 @@ public:
     };
     void setSelectionKeeper(SelectionKeeper keeper) { m_selectionKeeper = std::move(keeper); }
 
+    /// What is selected now; the start of the text without a keeper.
+    TextSelection selection() const;
+
     /// Applies `edits`, given in any order in the offsets of the current text, as one undo step. Of two
     /// insertions at one offset the text of the first given ends up last. Stops the program, with the text as
     /// it was, when edits overlap or reach beyond the text. No edits, no step; no name, and a group that is
     /// open already keeps its own. What is typed afterwards is a new step.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
-    /// The same for one edit whose units are a rope already: takes no time in proportion to them.
-    void replace(SourceRange range, const Rope& units, const QString& actionName = {});
+    /// The same for one edit whose units are a rope already: takes no time in proportion to them. `after` is
+    /// selected then, and comes into view; without it the selection follows as it does for any edit.
+    void replace(SourceRange range, const Rope& units, const QString& actionName = {},
+                 std::optional<TextSelection> after = std::nullopt);
 
     /// Replaces what the user types or erases at the caret. Joins the undo step "Escribir", or "Eliminar" when
     /// nothing is put in, before it as long as nothing else happened since, the caret stayed where that step
@@ -90,16 +96,16 @@ private:
     };
 
     void requireThread() const;
-    void applyAsOneStep(const Replacements& replacements, const QString& actionName);
+    void applyAsOneStep(const Replacements& replacements, const QString& actionName,
+                        std::optional<TextSelection> wanted);
     bool canJoinTypingRun(SourceRange range, std::u16string_view units) const;
     void growTypingRun(SourceRange range, SourceRange typed);
     void registerTypingRun();
     void registerOpposite(Replacements opposite, Selections selections);
-    void replace(const Replacements& replacements);
+    void replace(const Replacements& replacements, std::optional<TextSelection> after);
     void replaceBack(const Replacements& replacements, Selections selections);
     TextSelection selectionAfter(const Replacements& opposite) const;
     Replacements inverse(const Replacements& of) const;
-    TextSelection selection() const;
 
     TextStorage& m_storage;
     QPointer<UndoManager> m_undoManager;

@@ -89,6 +89,7 @@ void TextView::followEdit(SourceRange edited, std::int64_t changeInLength) {
     const SourceRange replaced = {edited.lower, edited.upper - changeInLength};
     const Rope before = text();
 
+    notePlace(replaced);
     m_layout.edit(m_history->text(), edited, changeInLength);
     m_isInBatch = true;
     m_selection = m_selection.carriedAlong(replaced, edited.length());
@@ -113,6 +114,7 @@ void TextView::finishBatch() {
     }
     m_selection = clamped(m_selection, text().size());
     updateExtents();
+    restorePlace();
     const bool showsCaret = std::exchange(m_showsCaretAfterEdit, false);
     if (m_delegate != nullptr) {
         m_delegate->textDidChange();
@@ -124,6 +126,26 @@ void TextView::finishBatch() {
     visibleTextMoved();
     if (m_completions != nullptr && m_completions->isVisible()) {
         offerCompletions();
+    }
+}
+
+/// Keeps in mind where a caret in view is seen if `replaced`, of the text before, holds it and the first line
+/// in view: line numbers tell nothing of the place then.
+void TextView::notePlace(SourceRange replaced) {
+    const qint64 top = qint64(text().line(caret())) * lineHeight() - m_vertical.value();
+    const Offset firstVisible = text().lineStart(firstVisibleLine());
+    const bool isAroundCaret = replaced.lower <= caret() && caret() <= replaced.upper;
+    const bool isAroundView = replaced.lower <= firstVisible && firstVisible < replaced.upper;
+    const bool isCaretSeen = top > -lineHeight() && top < viewport()->height();
+    if (!m_isInBatch && isAroundCaret && isAroundView && isCaretSeen) {
+        m_caretTopBeforeEdit = top;
+    }
+}
+
+/// Has the line of the caret seen where it was seen before the edit, as far as the text reaches.
+void TextView::restorePlace() {
+    if (const auto top = std::exchange(m_caretTopBeforeEdit, std::nullopt)) {
+        m_vertical.set(qint64(text().line(caret())) * lineHeight() - *top);
     }
 }
 

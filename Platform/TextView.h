@@ -181,6 +181,8 @@ private:
     // Following the text
     void followEdit(SourceRange edited, std::int64_t changeInLength);
     void finishBatch();
+    void notePlace(SourceRange replaced);
+    void restorePlace();
     void restoreSelection(TextSelection selection);
 
     // The selection
@@ -235,6 +237,7 @@ private:
     TextSelection m_announcedSelection;
     std::optional<TextSelection> m_selectionAfterEdit; ///< Of an edit that the view itself makes.
     bool m_showsCaretAfterEdit = false;
+    std::optional<qint64> m_caretTopBeforeEdit; ///< In the view, while all around it is replaced.
     bool m_isInBatch = false;
     double m_wantedX = -1; ///< Where a caret that moves up and down wants to be; negative when unknown.
     bool m_hasMarkedText = false;

@@ -14,8 +14,9 @@ void TextViewFindClient::select(SourceRange range) {
     m_view.scrollToVisible(range);
 }
 
-void TextViewFindClient::replace(SourceRange range, const Rope& with, const QString& actionName) {
-    m_history.replace(range, with, actionName);
+void TextViewFindClient::replace(SourceRange range, const Rope& with, const QString& actionName,
+                                 Offset caret) {
+    m_history.replace(range, with, actionName, TextSelection::at(caret));
 }
 
 void TextViewFindClient::setMatches(Matches matches) { m_view.setHighlights(std::move(matches)); }

@@ -14,7 +14,7 @@ public:
     TextStorage& storage() override;
     SourceRange selection() const override;
     void select(SourceRange range) override;
-    void replace(SourceRange range, const Rope& with, const QString& actionName) override;
+    void replace(SourceRange range, const Rope& with, const QString& actionName, Offset caret) override;
     void setMatches(Matches matches) override;
     void focus() override;
 

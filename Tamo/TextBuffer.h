@@ -48,10 +48,15 @@ public:
     /// open already keeps its own.
     void apply(std::span<const TextEdit> edits, const QString& actionName = {});
 
-    /// The same for one edit whose units are a rope already: takes no time in proportion to them.
-    void replace(SourceRange range, const Rope& units, const QString& actionName = {}) {
-        m_history.replace(range, units, actionName);
+    /// The same for one edit whose units are a rope already: takes no time in proportion to them. `after` is
+    /// selected then, and comes into view.
+    void replace(SourceRange range, const Rope& units, const QString& actionName = {},
+                 std::optional<TextSelection> after = std::nullopt) {
+        m_history.replace(range, units, actionName, after);
     }
+
+    /// What the view of the text has selected.
+    TextSelection selection() const { return m_history.selection(); }
 
     /// Replaces what the user types, as `TextHistory::type` does.
     void type(SourceRange range, std::u16string_view units) { m_history.type(range, units); }

@@ -23,10 +23,11 @@ public:
     TextStorage& storage() override { return m_storage; }
     SourceRange selection() const override { return m_selection; }
     void select(SourceRange range) override { m_selection = range; }
-    void replace(SourceRange range, const Rope& with, const QString& actionName) override {
+    void replace(SourceRange range, const Rope& with, const QString& actionName, Offset caret) override {
         undo.beginUndoGroup();
         undo.setActionName(actionName);
         change(range, with);
+        m_selection = SourceRange::empty(caret);
         undo.endUndoGroup();
     }
     void setMatches(Matches matches) override { m_matches = std::move(matches); }

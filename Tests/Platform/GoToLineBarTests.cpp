@@ -20,7 +20,7 @@ public:
     TextStorage& storage() override { return m_storage; }
     SourceRange selection() const override { return m_selection; }
     void select(SourceRange range) override { m_selection = range; }
-    void replace(SourceRange, const Rope&, const QString&) override { ADD_FAILURE(); }
+    void replace(SourceRange, const Rope&, const QString&, Offset) override { ADD_FAILURE(); }
     void setMatches(Matches) override { ADD_FAILURE(); }
     void focus() override { setFocus(); }
 

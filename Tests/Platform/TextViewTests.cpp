@@ -342,6 +342,43 @@ TEST(TextView, KeepsWhatIsLookedAtInPlace) {
     EXPECT_EQ(desk.view.lineRect(503).top(), before);
 }
 
+TEST(TextView, KeepsTheLineOfTheCaretInPlaceWhenAllIsReplaced) {
+    std::u16string units;
+    std::u16string replacement;
+    for (int line = 0; line < 1000; ++line) {
+        units += u"x\n";
+        replacement += u"x\n\n\n";
+    }
+    TextDesk desk(units);
+    desk.view.select(SourceRange::empty(1000));
+    desk.view.scrollToVisible(SourceRange::empty(1000));
+    const double before = desk.view.caretRect().top();
+    EXPECT_GT(before, 0);
+    desk.history.replace(desk.storage.text().fullRange(), Rope(replacement), {}, TextSelection::at(2000));
+    EXPECT_EQ(desk.view.caret(), 2000U);
+    EXPECT_EQ(desk.view.caretRect().top(), before);
+    desk.undo.undo();
+    EXPECT_EQ(desk.view.caret(), 1000U);
+    EXPECT_EQ(desk.view.caretRect().top(), before);
+    desk.undo.redo();
+    EXPECT_EQ(desk.view.caret(), 2000U);
+    EXPECT_EQ(desk.view.caretRect().top(), before);
+}
+
+TEST(TextView, ScrollsBackFromTheEndOfALineThatIsGone) {
+    TextDesk desk(std::u16string(100'000, u'x'));
+    desk.view.select(SourceRange::empty(90'000));
+    desk.view.scrollToVisible(SourceRange::empty(90'000));
+    ASSERT_LT(desk.view.caretRect(0).left(), 0);
+    std::u16string lines;
+    for (int line = 0; line < 10'000; ++line) {
+        lines += u"xxxxxxxxxx\n";
+    }
+    desk.history.replace(desk.storage.text().fullRange(), Rope(lines), {}, TextSelection::at(99'005));
+    EXPECT_GE(desk.view.caretRect(99'000).left(), 0);
+    EXPECT_TRUE(desk.view.viewport()->rect().contains(desk.view.caretRect().toRect()));
+}
+
 TEST(TextView, GivesItsRulerTheWidthItHintsAt) {
     struct Ruler : QWidget {
         int width = 40;
