@@ -66,38 +66,36 @@ std::optional<std::size_t> sameLine(Offset at, const Rope& before, SourceRange w
 
 } // namespace
 
-Offset keptPlace(Offset at, const Rope& before, const TextEdit& edit) {
-    const SourceRange replaced = edit.range;
+Offset keptPlace(Offset at, const Rope& before, SourceRange replaced, const Rope& units) {
     if (at <= replaced.lower) {
         return at;
     }
     if (at >= replaced.upper) {
-        return static_cast<Offset>(at + edit.delta());
+        return at - replaced.length() + units.size();
     }
-    const std::u16string_view units = edit.replacement;
-    const std::size_t fromStart = at - replaced.lower;
-    const std::size_t fromEnd = replaced.upper - at;
+    const Offset fromStart = at - replaced.lower;
+    const Offset fromEnd = replaced.upper - at;
+    const Offset count = units.size();
     if (fromStart <= reach) {
-        const auto place =
-            sameTextEnd(before.units({replaced.lower, at}), units.substr(0, 2 * std::size_t{reach}));
-        // Where the unit that follows is the same, the place is right before it.
-        if (place) {
-            const std::size_t next = std::min(units.find_first_not_of(u" \t\r\n", *place), units.size());
+        const std::u16string start = units.units({0, std::min(count, 2 * reach)});
+        if (const auto place = sameTextEnd(before.units({replaced.lower, at}), start)) {
+            // White space before the place goes with it.
+            const std::size_t next = std::min(start.find_first_not_of(u" \t\r\n", *place), start.size());
             const bool followsSpace = UnitScan::isWhitespace(before.unit(at - 1));
             return replaced.lower + static_cast<Offset>(followsSpace ? next : *place);
         }
     }
     if (fromEnd <= reach) {
-        const std::size_t skipped = units.size() - std::min(units.size(), 2 * std::size_t{reach});
-        if (const auto place = sameTextStart(before.units({at, replaced.upper}), units.substr(skipped))) {
-            return replaced.lower + static_cast<Offset>(skipped + *place);
+        const Offset skipped = count - std::min(count, 2 * reach);
+        if (const auto place =
+                sameTextStart(before.units({at, replaced.upper}), units.units({skipped, count}))) {
+            return replaced.lower + skipped + static_cast<Offset>(*place);
         }
     }
-    // A long replacement is looked through near the place only.
-    const std::size_t first = fromStart - std::min<std::size_t>(fromStart, reach);
-    const std::u16string_view around = units.substr(std::min(first, units.size()), 2 * std::size_t{reach});
+    const Offset first = std::min(count, fromStart - std::min(fromStart, reach));
+    const std::u16string around = units.units({first, first + std::min(count - first, 2 * reach)});
     if (const auto place = sameLine(at, before, replaced, around, fromStart - first)) {
-        return replaced.lower + static_cast<Offset>(std::min(first, units.size()) + *place);
+        return replaced.lower + first + static_cast<Offset>(*place);
     }
-    return replaced.lower + static_cast<Offset>(std::min(fromStart, units.size()));
+    return replaced.lower + std::min(fromStart, count);
 }

@@ -1,10 +1,10 @@
 #include "CodeEditorCoordinator.h"
 
 #include "DiagnosticFinder.h"
+#include "FixPlanner.h"
 #include "MenuText.h"
 #include "PairedTagRename.h"
 #include "PatientWait.h"
-#include "ProblemFixes.h"
 #include "ShownText.h"
 #include "SyntaxHighlighter.h"
 #include "SystemColor.h"
@@ -294,7 +294,7 @@ void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
     } else {
         // The lines of a whole document, say, as one replacement.
         const auto [range, units] = answer(buffer, [&](const SourceText& text) {
-            const TextEdit merged = ProblemFixes::merged(edit.edits, text);
+            const TextEdit merged = FixPlanner::merged(edit.edits, text);
             return std::pair(merged.range, Rope(merged.replacement));
         });
         buffer.replace(range, units, actionName);
@@ -385,17 +385,23 @@ std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* pare
     std::vector<Diagnostic::Fix> fixes;
     for (const auto& problem : found | std::views::take(mostFixes)) {
         const Diagnostic diagnostic = diagnostics[problem.index];
-        if (diagnostic.fix && std::ranges::find(fixes, *diagnostic.fix) == fixes.end()) {
-            fixes.push_back(*diagnostic.fix);
-            auto* action = new QAction(menuText(ShownText::shortened(diagnostic.fix->title, longestShown)), parent);
-            connect(action, &QAction::triggered, this, [this, diagnostic] { apply(diagnostic); });
+        const std::vector<Diagnostic::Fix> offered = FixPlanner::fixes(m_session.tree(), problem.index);
+        for (std::size_t choice = 0; choice < offered.size(); ++choice) {
+            if (std::ranges::find(fixes, offered[choice]) != fixes.end()) {
+                continue;
+            }
+            fixes.push_back(offered[choice]);
+            auto* action =
+                new QAction(menuText(ShownText::shortened(offered[choice].title, longestShown)), parent);
+            connect(action, &QAction::triggered, this,
+                    [this, diagnostic, choice] { apply(diagnostic, choice); });
             actions.push_back(action);
         }
     }
     return actions;
 }
 
-void CodeEditorCoordinator::apply(const Diagnostic& diagnostic) {
+void CodeEditorCoordinator::apply(const Diagnostic& diagnostic, std::size_t choice) {
     // The menu was open for a while: what it offered is looked up in the tree of
     // now.
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
@@ -403,7 +409,7 @@ void CodeEditorCoordinator::apply(const Diagnostic& diagnostic) {
     for (std::size_t index = diagnostics.firstIndex(start);
          index < diagnostics.size() && diagnostics.range(index).lower == start; ++index) {
         if (diagnostics[index] == diagnostic) {
-            m_session.applyFix(index);
+            m_session.applyFix(index, choice);
             return;
         }
     }

@@ -74,7 +74,7 @@ private:
     void showSelection(SourceRange selection);
 
     std::vector<QAction*> fixActions(Offset at, QObject* parent);
-    void apply(const Diagnostic& diagnostic);
+    void apply(const Diagnostic& diagnostic, std::size_t choice);
     QString lineToolTip(std::size_t line) const;
     std::vector<TextView::Underline> underlines(SourceRange visible) const;
 

@@ -1,6 +1,7 @@
 #include "DiagnosticsBar.h"
 
 #include "EditorSession.h"
+#include "FixPlanner.h"
 #include "MenuText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
@@ -209,11 +210,12 @@ void DiagnosticsBar::addProblem(std::size_t index) {
             m_session.reveal(range);
         }
     });
-    if (diagnostic.fix) {
-        QAction* const fix = m_menu->addAction(QStringLiteral("    ") + entry(diagnostic.fix->title));
-        connect(fix, &QAction::triggered, this, [this, index, of = m_session.treeGeneration()] {
+    const std::vector<Diagnostic::Fix> fixes = FixPlanner::fixes(m_session.tree(), index);
+    for (std::size_t choice = 0; choice < fixes.size(); ++choice) {
+        QAction* const fix = m_menu->addAction(QStringLiteral("    ") + entry(fixes[choice].title));
+        connect(fix, &QAction::triggered, this, [this, index, choice, of = m_session.treeGeneration()] {
             if (m_session.treeGeneration() == of) {
-                m_session.applyFix(index);
+                m_session.applyFix(index, choice);
             }
         });
     }

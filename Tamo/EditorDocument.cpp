@@ -2,11 +2,13 @@
 
 #include "AppCommands.h"
 #include "CodeEditorView.h"
+#include "CommandNotices.h"
 #include "DocumentWindow.h"
 #include "EditorWindowView.h"
 #include "EncodingCommands.h"
 #include "EncodingName.h"
 #include "HelpMenu.h"
+#include "KeptPlace.h"
 #include "RecoveryState.h"
 #include "TextDifference.h"
 #include "XMLFileSuffixes.h"
@@ -77,6 +79,7 @@ QWidget* EditorDocument::makeView(QWidget* parent) {
         window->menu(DocumentWindow::Menu::edit).addSeparator();
         window->menu(DocumentWindow::Menu::edit).addActions(m_view->findCommands());
         m_encodingCommands = new EncodingCommands(*this, *window, m_view);
+        new CommandNotices(*m_session, m_undoManager, *window, m_view);
     }
     connect(&m_view->codeEditor().textView(), &TextView::filesDropped, this, &EditorDocument::filesDropped);
     return m_view;
@@ -120,7 +123,7 @@ void EditorDocument::replaceContents(std::unique_ptr<DocumentContents> contents,
         m_undoManager.beginUndoGroup();
         setForm(other.file->form());
         if (other.difference) {
-            m_file->buffer().replace(other.difference->range, other.difference->units);
+            replaceText(other.difference->range, other.difference->units);
         }
         m_undoManager.setActionName(actionName);
         m_undoManager.endUndoGroup();
@@ -168,6 +171,20 @@ EditorDocument::read(const QString& path, const std::optional<StringEncoding>& e
     contents->path = path;
     contents->file = std::move(*file);
     return contents;
+}
+
+/// Puts `units` in the place of `replaced`. What is selected within it keeps its place as far as that is known,
+/// and comes into view; anything else moves along.
+void EditorDocument::replaceText(SourceRange replaced, const Rope& units) {
+    TextBuffer& buffer = m_file->buffer();
+    const TextSelection selection = buffer.selection();
+    const auto kept = [&](Offset at) { return keptPlace(at, buffer.text(), replaced, units); };
+    const auto isWithin = [&](Offset at) { return replaced.lower < at && at < replaced.upper; };
+    std::optional<TextSelection> place;
+    if (isWithin(selection.anchor) || isWithin(selection.caret)) {
+        place = {kept(selection.anchor), kept(selection.caret)};
+    }
+    buffer.replace(replaced, units, {}, place);
 }
 
 RecoveryFacts EditorDocument::recoveryFacts() const {

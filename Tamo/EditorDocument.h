@@ -60,6 +60,7 @@ signals:
 
 private:
     void takeForm(const FileForm& form);
+    void replaceText(SourceRange replaced, const Rope& units);
 
     const std::unique_ptr<XMLFileDocument> m_file;
     std::optional<EncodingDoubt> m_doubt;

@@ -3,8 +3,6 @@
 #include "MutationFailureMessage.h"
 #include "NodeCopy.h"
 #include "PatientWait.h"
-#include "PrettyPrinter.h"
-#include "ProblemFixes.h"
 #include "ShownText.h"
 #include "TypingAssistant.h"
 
@@ -25,8 +23,7 @@ using Placement = TreeMutation::Placement;
 
 constexpr auto typingPause = 120ms;
 constexpr auto patience = 200ms;
-constexpr Offset quickText = 256 * 1024; ///< Of a text this long nothing takes time.
-constexpr std::size_t fewEdits = 1000;
+constexpr Offset quickText = 256 * 1024;     ///< Of a text this long nothing takes time.
 constexpr qsizetype longestActionName = 120; ///< Names in the title of a fix may be of any length.
 
 /// How far around the selection a comment is looked for; more before it than after.
@@ -66,9 +63,15 @@ QString EditorSession::rawValue(Mode mode) {
 EditorSession::EditorSession(TextBuffer& buffer, const QString& encodingName, QObject* parent)
     : QObject(parent), m_buffer(buffer), m_encodingName(encodingName),
       m_isEmptyDocument(buffer.text().isEmpty()), m_isUntouched(m_isEmptyDocument),
-      m_showsGallery(m_isEmptyDocument), m_parsed(ParsedDocument::make()), m_outline(m_parsed) {
+      m_showsGallery(m_isEmptyDocument), m_parsed(ParsedDocument::make()), m_fixTask(buffer),
+      m_outline(m_parsed) {
     connect(&buffer.storage(), &TextStorage::editProcessed, this, &EditorSession::noteEdit);
     connect(&m_outline, &OutlineState::rowsChanged, this, &EditorSession::rowsChanged);
+    connect(&m_fixTask, &FixTask::finished, this, [this] {
+        if (!isTreeCurrent()) {
+            reparse(0ms);
+        }
+    });
 }
 
 EditorSession::~EditorSession() { m_buffer.setOnChange({}); }
@@ -363,24 +366,33 @@ void EditorSession::applyEdits(std::span<const TextEdit> edits, const QString& a
     }
 }
 
-void EditorSession::replaceText(const std::function<TextEdit()>& edit, const QString& actionName) {
+/// The selection keeps its place in what is laid out anew.
+void EditorSession::layOut(const Layout& layout, const QString& actionName) {
+    const TextSelection selection = m_buffer.selection();
+    TextSelection after;
     SourceRange range;
     std::int64_t delta = 0;
+    bool changesTextSpace = false;
     std::optional<Rope> units;
     runWork([&] {
-        TextEdit made = edit();
-        range = made.range;
-        delta = made.delta();
-        if (delta == 0 && tree().text.units(range) == made.replacement) {
+        PrettyPrinter::Reflow made = layout(std::array{selection.anchor, selection.caret});
+        range = made.edit.range;
+        delta = made.edit.delta();
+        if (delta == 0 && tree().text.units(range) == made.edit.replacement) {
             return;
         }
-        if (made.replacement.size() <= std::numeric_limits<Offset>::max()) {
-            units = Rope(sourceText(std::move(made.replacement)));
+        if (made.edit.replacement.size() <= std::numeric_limits<Offset>::max()) {
+            units = Rope(sourceText(std::move(made.edit.replacement)));
+            after = {made.places[0], made.places[1]};
+            changesTextSpace = made.changesTextSpace;
         }
     });
     if (hasRoomFor(delta) && units) {
-        m_buffer.replace(range, *units, actionName);
+        m_buffer.replace(range, *units, actionName, after);
         reparse(0ms);
+        if (changesTextSpace) {
+            emit textSpaceChanged(actionName);
+        }
     }
 }
 
@@ -445,12 +457,14 @@ void EditorSession::updateGallery() {
 
 void EditorSession::format() {
     bringTreeUpToDate();
-    replaceText([this] { return PrettyPrinter::format(tree(), indent()); }, QStringLiteral("Formatear"));
+    layOut([this](std::span<const Offset> places) { return PrettyPrinter::format(tree(), indent(), places); },
+           QStringLiteral("Formatear"));
 }
 
 void EditorSession::minify() {
     bringTreeUpToDate();
-    replaceText([this] { return PrettyPrinter::minify(tree()); }, QStringLiteral("Minificar"));
+    layOut([this](std::span<const Offset> places) { return PrettyPrinter::minify(tree(), places); },
+           QStringLiteral("Minificar"));
 }
 
 void EditorSession::moveUp() { moveSelection(-1, Placement::before); }
@@ -584,13 +598,14 @@ std::optional<SourceRange> EditorSession::toggleComment() {
     return m_buffer.generation() != generation ? std::optional(edit->selection.shifted(start)) : std::nullopt;
 }
 
-void EditorSession::applyFix(std::size_t index) {
+void EditorSession::applyFix(std::size_t index, std::size_t choice) {
     if (index >= tree().diagnostics.size()) {
         return;
     }
     const Diagnostic wanted = tree().diagnostics[index];
+    const std::vector<Diagnostic::Fix> offered = FixPlanner::fixes(tree(), index);
     const auto now = m_editsSinceParse.now(wanted.range);
-    if (!wanted.fix || !now) {
+    if (choice >= offered.size() || !now) {
         return;
     }
     bringTreeUpToDate();
@@ -598,21 +613,14 @@ void EditorSession::applyFix(std::size_t index) {
     for (std::size_t at = problems.firstIndex(now->lower);
          at < problems.size() && problems.range(at).lower == now->lower; ++at) {
         const Diagnostic problem = problems[at];
-        if (problem.range == *now && problem.message == wanted.message && problem.fix) {
-            applyEdits(problem.fix->edits, ShownText::shortened(problem.fix->title, longestActionName));
+        if (problem.range != *now || problem.message != wanted.message) {
+            continue;
+        }
+        const auto fixes = FixPlanner::fixes(tree(), at);
+        const auto fix = std::ranges::find(fixes, offered[choice].title, &Diagnostic::Fix::title);
+        if (fix != fixes.end()) {
+            applyEdits(fix->edits, ShownText::shortened(fix->title, longestActionName));
             return;
         }
-    }
-}
-
-void EditorSession::applyAllFixes() {
-    bringTreeUpToDate();
-    const QString actionName = QStringLiteral("Corregir todo");
-    std::vector<TextEdit> edits;
-    runWork([&] { edits = ProblemFixes::edits(tree()); });
-    if (edits.size() <= fewEdits) {
-        applyEdits(edits, actionName);
-    } else {
-        replaceText([&] { return ProblemFixes::merged(edits, tree().text); }, actionName);
     }
 }

@@ -3,9 +3,11 @@
 #include "Breadcrumbs.h"
 #include "DocumentTemplate.h"
 #include "EditedSpan.h"
+#include "FixTask.h"
 #include "MutationPlanner.h"
 #include "OutlineState.h"
 #include "ParsedDocument.h"
+#include "PrettyPrinter.h"
 #include "ReparseScheduler.h"
 #include "TextBuffer.h"
 #include "TreeOutline.h"
@@ -204,10 +206,12 @@ public:
     /// afterwards, none when nothing changed.
     std::optional<SourceRange> toggleComment();
 
-    /// Applies the fix of `tree().diagnostics[index]`, if it has one and the problem is still there.
-    void applyFix(std::size_t index);
-    /// Applies all fixes; of those that are in each other's way the first.
-    void applyAllFixes();
+    /// Applies the fix of `tree().diagnostics[index]` that stands at `choice` in the list of `FixPlanner`, if
+    /// there is one and the problem is still there.
+    void applyFix(std::size_t index, std::size_t choice = 0);
+    /// Mends all that can be mended, in a while.
+    void applyAllFixes() { m_fixTask.start(); }
+    FixTask& fixTask() { return m_fixTask; }
 
 signals:
     void modeChanged();
@@ -224,6 +228,8 @@ signals:
     void isEmptyDocumentChanged();
     void showsGalleryChanged();
     void isBusyChanged();
+    /// A layout under the name `actionName` changed white space that may be part of the text.
+    void textSpaceChanged(const QString& actionName);
 
 private:
     using Work = std::function<void()>;
@@ -242,7 +248,8 @@ private:
 
     bool hasRoomFor(std::int64_t units);
     void applyEdits(std::span<const TextEdit> edits, const QString& actionName);
-    void replaceText(const std::function<TextEdit()>& edit, const QString& actionName);
+    using Layout = std::function<PrettyPrinter::Reflow(std::span<const Offset> places)>;
+    void layOut(const Layout& layout, const QString& actionName);
     void moveSelection(int distance, TreeMutation::Placement placement);
     void runWork(const Work& work) { runWork(work, m_buffer.text().size()); }
     void setBusy(bool isBusy);
@@ -270,6 +277,7 @@ private:
     EditedSpan m_editsSinceParse;
     std::optional<Offset> m_pendingSelectOffset; ///< In the text of now; for the next tree.
     ReparseScheduler m_scheduler;
+    FixTask m_fixTask;
 
     OutlineState m_outline;
 

@@ -98,9 +98,10 @@ public:
     Iterator begin() const;
     Iterator end() const;
 
-    /// The range and the severity alone, without composing anything.
+    /// The range, the severity and the rule alone, without composing anything.
     SourceRange range(std::size_t index) const { return m_records[index].range; }
     Diagnostic::Severity severity(std::size_t index) const { return m_records[index].severity(); }
+    DiagnosticRecord::Rule rule(std::size_t index) const { return m_records[index].rule; }
 
     /// The position of the first diagnostic whose range starts at or after `from`.
     std::size_t firstIndex(Offset from) const;

@@ -17,11 +17,15 @@ Offset taken(std::u16string& marked) {
     return static_cast<Offset>(at);
 }
 
+Offset keptPlace(Offset at, const std::u16string& before, const TextEdit& edit) {
+    return ::keptPlace(at, Rope(before), edit.range, Rope(edit.replacement));
+}
+
 /// `after` with a `|` where that of `before` is found.
 std::u16string kept(std::u16string before, std::u16string after) {
     const Offset at = taken(before);
     const auto difference = textDifference(Rope(before), Rope(after));
-    return after.insert(difference ? keptPlace(at, Rope(before), *difference) : at, 1, u'|');
+    return after.insert(difference ? keptPlace(at, before, *difference) : at, 1, u'|');
 }
 
 TEST(KeptPlace, StaysWithWhatIsAroundIt) {
@@ -61,7 +65,7 @@ TEST(KeptPlace, LiesInsideTheText) {
         const std::u16string after = random.text(alphabet, 20);
         const auto at = static_cast<Offset>(random.below(before.size() + 1));
         if (const auto difference = textDifference(Rope(before), Rope(after))) {
-            EXPECT_LE(keptPlace(at, Rope(before), *difference), after.size());
+            EXPECT_LE(keptPlace(at, before, *difference), after.size());
         }
     }
 }
@@ -79,7 +83,7 @@ TEST(KeptPlace, FindsALineFarFromTheStart) {
     const auto at = static_cast<Offset>(before.find(wanted));
     const auto difference = textDifference(Rope(before + u"1"), Rope(after + u"2"));
     ASSERT_TRUE(difference);
-    EXPECT_EQ(keptPlace(at, Rope(before + u"1"), *difference), after.find(wanted));
+    EXPECT_EQ(keptPlace(at, before + u"1", *difference), after.find(wanted));
 }
 
 } // namespace

@@ -544,6 +544,30 @@ TEST(CodeEditorCoordinator, OffersFixesThatDoTheSameOnce) {
     menu()->close();
 }
 
+TEST(CodeEditorCoordinator, OffersToRenameAnEndTagBesideRemovingIt) {
+    EditorDesk desk(u"<r><item>x</it|m></r>");
+    QTest::keyClick(&desk.view(), Qt::Key_Return, Qt::AltModifier);
+    ASSERT_NE(menu(), nullptr);
+    EXPECT_EQ(titles(menu()),
+              QStringList({QStringLiteral("Eliminar cierre"), QStringLiteral("Cambiar por </item>")}));
+    menu()->actions().back()->trigger();
+    menu()->close();
+    EXPECT_EQ(desk.text(), u"<r><item>x</item></r>");
+}
+
+TEST(CodeEditorCoordinator, KeepsTheCaretInWhatIsLaidOut) {
+    EditorDesk desk(u"<a><b>x|</b><c/></a>");
+    desk.session.format();
+    EXPECT_EQ(desk.state(), u"<a>\n    <b>x|</b>\n    <c/>\n</a>\n");
+    desk.session.minify();
+    EXPECT_EQ(desk.state(), u"<a><b>x|</b><c/></a>");
+    desk.view().undo();
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<a><b>x|</b><c/></a>");
+    desk.view().redo();
+    EXPECT_EQ(desk.state(), u"<a>\n    <b>x|</b>\n    <c/>\n</a>\n");
+}
+
 TEST(CodeEditorCoordinator, OffersNothingWhereThereIsNothingToFix) {
     EditorDesk desk(u"<a>|</a>");
     QTest::keyClick(&desk.view(), Qt::Key_Return, Qt::AltModifier);

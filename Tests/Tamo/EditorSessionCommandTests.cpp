@@ -35,6 +35,11 @@ Command command(void (EditorSession::*simple)()) {
     return [simple](SessionDesk& desk) { (desk.session.*simple)(); };
 }
 
+void fixAll(SessionDesk& desk) {
+    desk.session.applyAllFixes();
+    EXPECT_TRUE(desk.finishFixing());
+}
+
 // What each command does
 
 TEST(EditorSessionCommands, AreOneStepOfUndoUnderTheirName) {
@@ -93,8 +98,8 @@ TEST(EditorSessionCommands, AreOneStepOfUndoUnderTheirName) {
          u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>"},
         {"Escapar como &amp;", [](SessionDesk& desk) { desk.session.applyFix(1); }, u"<a> & & </a>", u"<a>",
          u"<a> & &amp; </a>", u"<a> & &amp; </a>"},
-        {"Corregir todo", command(&EditorSession::applyAllFixes), u"<a> & <b x>", u"<a>",
-         u"<a> &amp; <b x=\"\"></b></a>", u"<a> &amp; <b x=\"\"></b></a>"},
+        {"Corregir todo", fixAll, u"<a> & <b x>", u"<a>", u"<a> &amp; <b x=\"\"></b></a>",
+         u"<a> &amp; <b x=\"\"></b></a>"},
     };
     for (const Row& row : rows) {
         SessionDesk desk(row.text);
@@ -213,7 +218,7 @@ TEST(EditorSessionCommands, LeaveNoStepWhereNothingChanges) {
         onSelection(&EditorSession::setAttribute, "x", "1"),
         onSelection(&EditorSession::setText, "t"),
         command(&EditorSession::format),
-        command(&EditorSession::applyAllFixes),
+        fixAll,
         [](SessionDesk& desk) { desk.session.applyFix(0); },
     };
     const std::u16string_view text = u"<a>\n    <b x=\"1\">t</b>\n</a>\n";
@@ -289,7 +294,7 @@ TEST(EditorSessionCommands, AreParsedWithoutDelay) {
         command(&EditorSession::duplicate),
         command(&EditorSession::format),
         [](SessionDesk& desk) { desk.session.apply(DocumentTemplate::catalogue()[0]); },
-        command(&EditorSession::applyAllFixes),
+        fixAll,
     };
     for (const Command& run : commands) {
         SessionDesk desk(u"<a><b/>&</a>");
@@ -457,11 +462,44 @@ TEST(EditorSessionCommands, FixNoProblemThatIsGone) {
     EXPECT_FALSE(desk.session.errorMessage().has_value());
 }
 
+TEST(EditorSessionCommands, ApplyTheRepairThatWasChosen) {
+    SessionDesk desk(u"<r><item>x</itm></r>");
+    ASSERT_TRUE(desk.open());
+    desk.session.applyFix(1, 1);
+    EXPECT_EQ(desk.text(), u"<r><item>x</item></r>");
+    EXPECT_EQ(desk.undoManager.undoActionName(), QStringLiteral("Cambiar por </item>"));
+    ASSERT_TRUE(desk.settle());
+    desk.session.applyFix(0, 0);
+    EXPECT_EQ(desk.text(), u"<r><item>x</item></r>");
+}
+
+TEST(EditorSessionCommands, TellOfWhiteSpaceThatMayBeText) {
+    struct Row {
+        std::u16string_view text;
+        Command run;
+        QString name;
+    };
+    for (const Row& row : {
+             Row{u"<p>one <b>two</b></p>", command(&EditorSession::format), "Formatear"},
+             Row{u"<p>one <b>two</b></p>", command(&EditorSession::minify), "Minificar"},
+             Row{u"<p><b>two</b></p>", command(&EditorSession::format), {}},
+             Row{u"<p>\n  one\n  <b/>\n</p>\n", command(&EditorSession::format), {}},
+         }) {
+        SessionDesk desk(row.text);
+        ASSERT_TRUE(desk.open());
+        QSignalSpy told(&desk.session, &EditorSession::textSpaceChanged);
+        row.run(desk);
+        ASSERT_EQ(told.count(), row.name.isEmpty() ? 0 : 1);
+        EXPECT_TRUE(row.name.isEmpty() || told[0][0].toString() == row.name);
+    }
+}
+
 TEST(EditorSessionCommands, FixManyProblemsInOneStep) {
     const std::u16string text = u"<r>" + repeated(u"<a>&", 2'000) + u"</r>";
     SessionDesk desk(text);
     ASSERT_TRUE(desk.open());
     desk.session.applyAllFixes();
+    ASSERT_TRUE(desk.finishFixing());
     EXPECT_EQ(desk.text(), u"<r>" + repeated(u"<a>&amp;", 2'000) + repeated(u"</a>", 2'000) + u"</r>");
     ASSERT_TRUE(desk.settle());
     EXPECT_TRUE(desk.session.tree().diagnostics.empty());

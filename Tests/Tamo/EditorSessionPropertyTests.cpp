@@ -1,8 +1,8 @@
 #include "EditorSession.h"
 
+#include "FixPlanner.h"
 #include "NodeCopy.h"
 #include "PrettyPrinter.h"
-#include "ProblemFixes.h"
 #include "RandomDocument.h"
 #include "SessionDesk.h"
 #include "TreeParser.h"
@@ -91,8 +91,9 @@ public:
             session.minify();
             break;
         case 10:
-            expected = TextEdit::apply(ProblemFixes::edits(tree), before);
+            expected = TextEdit::apply(FixPlanner::plan(SourceText(before))->edits, before);
             session.applyAllFixes();
+            ASSERT_TRUE(m_desk.finishFixing());
             break;
         default:
             expected = siblingsExchanged(tree, path, indent, before);

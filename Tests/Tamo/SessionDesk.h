@@ -30,9 +30,14 @@ struct SessionDesk {
         return parses.wait(60'000);
     }
 
-    /// Waits until the tree is that of the current text.
+    /// Waits until nothing changes the text any more and the tree is that of the current one.
     bool settle() {
-        return waitFor([this] { return session.isTreeCurrent(); });
+        return waitFor([this] { return !session.fixTask().isRunning() && session.isTreeCurrent(); });
+    }
+
+    /// Waits until "Corregir todo" is done.
+    bool finishFixing() {
+        return waitFor([this] { return !session.fixTask().isRunning(); });
     }
 
     std::u16string text() const { return buffer.text().units(buffer.text().fullRange()); }

@@ -1,0 +1,83 @@
+#include "EndTagRepair.h"
+
+#include "NameSimilarity.h"
+#include "UnitScan.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+using Rule = DiagnosticRecord::Rule;
+
+/// How many elements of one name, each in the other, are looked at.
+constexpr int mostAncestors = 64;
+
+/// What stands in an end tag between `</` and `>`, without white space around it; nothing if that is no name.
+std::optional<SourceRange> writtenName(const SourceText& text, SourceRange endTag) {
+    std::u16string_view inside = text.units(endTag);
+    if (!inside.ends_with(u'>')) {
+        return std::nullopt;
+    }
+    inside.remove_prefix(2);
+    inside.remove_suffix(1);
+    const auto isSpace = [](char16_t unit) { return UnitScan::isWhitespace(unit); };
+    const auto start = std::ranges::find_if_not(inside, isSpace);
+    const auto end = std::find_if(start, inside.end(), isSpace);
+    if (!std::all_of(start, end, UnitScan::isName) || !std::all_of(end, inside.end(), isSpace)) {
+        return std::nullopt;
+    }
+    return SourceRange::at(endTag.lower + 2 + (start - inside.begin()), end - start);
+}
+
+} // namespace
+
+std::optional<EndTagRepair::Renaming> EndTagRepair::renaming(std::size_t index) const {
+    if (m_tree.diagnostics.rule(index) != Rule::unmatchedEndTag) {
+        return std::nullopt;
+    }
+    // The end tag was kept as text, or as a part of one.
+    const SourceRange endTag = m_tree.diagnostics.range(index);
+    const NodeID element = m_tree[m_tree.node(endTag.lower)].parent;
+    if (element.isNone() || !m_tree[element].isElement()) {
+        return std::nullopt;
+    }
+    const auto written = writtenName(m_tree.text, endTag);
+    const std::u16string_view name = m_tree.text.units(m_tree[element].nameRange);
+    if (!written || !(written->isEmpty() || NameSimilarity::areClose(m_tree.text.units(*written), name))) {
+        return std::nullopt;
+    }
+    const auto unclosed = elementWithoutEndTag(element, endTag);
+    if (!unclosed) {
+        return std::nullopt;
+    }
+    return Renaming{{{endTag.lower + 2, written->upper}, std::u16string(name)}, element, *unclosed};
+}
+
+/// The element, or the next around it of the same name, that lacks an end tag and gets one once another end
+/// tag of its name stands at `endTag`.
+std::optional<NodeID> EndTagRepair::elementWithoutEndTag(NodeID innermost, SourceRange endTag) const {
+    NodeID element = innermost;
+    Offset end = endTag.upper;
+    for (int looked = 0; looked < mostAncestors; ++looked) {
+        const TreeNode& node = m_tree[element];
+        if (node.flags.contains(TreeNode::unclosed)) {
+            const bool mayEnd = node.parent != NodeID::document() || endsDocument(end, element);
+            return mayEnd && !isClaimed(node.nameRange.lower) ? std::optional(element) : std::nullopt;
+        }
+        const TreeNode& parent = m_tree[node.parent];
+        if (!parent.isElement() || !m_tree.text.equals(parent.nameRange, node.nameRange)) {
+            return std::nullopt;
+        }
+        end = node.range.upper;
+        element = node.parent;
+    }
+    return std::nullopt;
+}
+
+/// Whether `element` holds nothing from `from` on: the root may end only where all ends.
+bool EndTagRepair::endsDocument(Offset from, NodeID element) const {
+    const Offset end = m_tree[element].contentRange.upper;
+    const char16_t* const units = m_tree.text.units().data();
+    return UnitScan::findNonWhitespace(units, from, end) >= end;
+}
