@@ -64,14 +64,31 @@ std::array<Position, constructs.size()> lastOpeners(std::u16string_view text) {
     return openers;
 }
 
-/// What the end of `markup` stands in. It starts with the only `<` that it holds, of no open construct.
-Context contextAfter(std::u16string_view markup) {
-    const auto opensMarkup = [markup](const Construct& construct) {
-        return markup.starts_with(construct.opener);
-    };
-    if (std::ranges::any_of(constructs, opensMarkup)) {
-        return Context::content; // Closed, whatever quotes it holds.
+/// A construct with its opener and closer, as far as it hides what stands inside.
+struct HiddenStretch {
+    Position start = nowhere;
+    Position end = nowhere;
+};
+using HiddenStretches = std::array<HiddenStretch, constructs.size()>;
+
+/// Whether `at` lies in one of `stretches`. A stretch that starts inside another one hides nothing: its
+/// opener is none.
+bool isHidden(Position at, HiddenStretches stretches) {
+    std::ranges::sort(stretches, {}, &HiddenStretch::start);
+    Position end = 0;
+    for (const HiddenStretch& stretch : stretches) {
+        if (stretch.start >= end) {
+            end = stretch.end;
+            if (stretch.start <= at && at < end) {
+                return true;
+            }
+        }
     }
+    return false;
+}
+
+/// What the end of `markup` stands in. It starts with the only `<` that it holds, which opens a tag.
+Context contextAfter(std::u16string_view markup) {
     for (Position at = 0;; ++at) {
         at = UnitScan::findAny(markup.data(), at, size(markup), u'>', u'"', u'\'');
         if (at >= size(markup)) {
@@ -168,14 +185,20 @@ private:
 Context TagMatcher::context(Offset at, const SourceText& in) {
     const std::u16string_view before = in.units({0, at});
     const auto openers = lastOpeners(before);
+    HiddenStretches closed;
     for (std::size_t i = 0; i < constructs.size(); ++i) {
         const auto& [context, opener, closer] = constructs[i];
-        if (openers[i] != nowhere && closerEnd(before, openers[i] + size(opener), closer) == nowhere) {
-            return context;
+        if (openers[i] != nowhere) {
+            const Position end = closerEnd(before, openers[i] + size(opener), closer);
+            if (end == nowhere) {
+                return context;
+            }
+            closed[i] = {openers[i], end};
         }
     }
     const Position start = findLastAny(before.data(), 0, size(before), u'<');
-    return start == nowhere ? Context::content : contextAfter(before.substr(start));
+    return start == nowhere || isHidden(start, closed) ? Context::content
+                                                       : contextAfter(before.substr(start));
 }
 
 std::optional<std::u16string> TagMatcher::openTagName(Offset endingAt, const SourceText& in) {

@@ -21,8 +21,9 @@ enum class Context : std::uint8_t {
     instruction,
 };
 
-/// What a caret at `at` stands in: just after `<!--` it is a comment, just after `-->` no longer. Only the
-/// nearest `<!--`, `<![CDATA[`, `<?` and `<` before the caret are looked at.
+/// What a caret at `at` stands in: just after `<!--` it is a comment, just after `-->` it is content,
+/// whatever stands inside the comment. Only the nearest `<!--`, `<![CDATA[`, `<?` and `<` before the caret
+/// are looked at: an opener that stands inside another construct, as in `<![CDATA[<!--]]>`, counts too.
 Context context(Offset at, const SourceText& in);
 
 /// The name of the start tag that a `>` typed at `endingAt` would end, the whole of it also when it goes on

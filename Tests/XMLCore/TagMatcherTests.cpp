@@ -5,6 +5,8 @@
 #include "Random.h"
 #include "Repeated.h"
 
+#include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <map>
 #include <vector>
@@ -86,6 +88,23 @@ bool isOpen(std::u16string_view before, std::u16string_view opener, std::u16stri
     return start != npos && (end == npos || end < start + opener.size());
 }
 
+/// Colours the units of the closed constructs, from the start of the text on.
+bool isInClosedConstruct(std::size_t at, std::u16string_view before) {
+    std::vector<bool> isInside(before.size());
+    const std::size_t openers[] = {before.rfind(u"<!--"), before.rfind(u"<![CDATA["), before.rfind(u"<?")};
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const auto kind = std::ranges::find(openers, i) - std::begin(openers);
+        if (kind == std::ssize(openers) || isInside[i]) {
+            continue;
+        }
+        const std::size_t openerLength = std::array{4, 9, 2}[kind];
+        const std::u16string_view closer = std::array{u"-->", u"]]>", u"?>"}[kind];
+        const std::size_t end = before.find(closer, i + openerLength) + closer.size();
+        std::fill(isInside.begin() + i, isInside.begin() + end, true);
+    }
+    return isInside[at];
+}
+
 Context context(std::u16string_view before) {
     if (isOpen(before, u"<!--", u"-->")) {
         return Context::comment;
@@ -100,10 +119,10 @@ Context context(std::u16string_view before) {
     if (start == npos) {
         return Context::content;
     }
-    const std::u16string_view markup = before.substr(start);
-    if (markup.starts_with(u"<!--") || markup.starts_with(u"<![CDATA[") || markup.starts_with(u"<?")) {
+    if (isInClosedConstruct(start, before)) {
         return Context::content;
     }
+    const std::u16string_view markup = before.substr(start);
     char16_t quote = 0;
     for (const char16_t unit : markup) {
         if (quote != 0) {
@@ -115,6 +134,37 @@ Context context(std::u16string_view before) {
         }
     }
     return quote != 0 ? Context::attributeValue : Context::tag;
+}
+
+/// What the tokens of the text before a caret say.
+Context lexedContext(std::u16string_view before) {
+    UnitIndex index;
+    Lexer lexer(before, index);
+    std::optional<Token> last;
+    while (const auto token = lexer.next()) {
+        last = token;
+    }
+    const std::u16string_view end = last ? before.substr(last->range.lower, last->range.length()) : u"";
+    const auto isOpen = [&](std::u16string_view closer, std::size_t shortest) {
+        return end.size() < shortest || !end.ends_with(closer);
+    };
+    if (last && last->kind == Token::Kind::comment) {
+        return isOpen(u"-->", 7) ? Context::comment : Context::content;
+    }
+    if (last && last->kind == Token::Kind::cdata) {
+        return isOpen(u"]]>", 12) ? Context::cdata : Context::content;
+    }
+    if (last && last->kind == Token::Kind::instruction) {
+        return isOpen(u"?>", 4) ? Context::instruction : Context::content;
+    }
+    const bool isInDeclaration = last && last->kind == Token::Kind::doctype && isOpen(u">", 3);
+    const bool isAtBracket = last && last->kind == Token::Kind::invalid && end == u"<";
+    if (lexer.mode == Lexer::Mode::content) {
+        return isInDeclaration || isAtBracket ? Context::tag : Context::content;
+    }
+    const bool isInValue = last->kind == Token::Kind::attributeValue && last->range.upper == before.size() &&
+                           (end.size() < 2 || end.back() != end.front());
+    return isInValue ? Context::attributeValue : Context::tag;
 }
 
 Name openTagName(std::size_t at, std::u16string_view text) {
@@ -238,8 +288,11 @@ std::u16string randomTags(Random& random, std::size_t longest) {
                                                     u"<c/>",
                                                     u"text",
                                                     u"<!-- <a> ' -->",
+                                                    u"<!--<'-->",
                                                     u"<![CDATA[</a>]]>",
+                                                    u"<![CDATA[<\"]]>",
                                                     u"<?x <b> ?>",
+                                                    u"<?<'?>",
                                                     u"</>",
                                                     u" -> "};
     std::u16string text;
@@ -306,6 +359,23 @@ TEST(TagMatcher, TellsTheContextInComments) {
         {u"<!-- a --> b -->|", Context::content},
         {u"<!-- a --> <!-- b|", Context::comment},
         {u"<![CDATA[ <!-- ]]>|", Context::comment},
+    });
+}
+
+TEST(TagMatcher, TellsTheContextAfterWhateverWasClosed) {
+    checkContexts({
+        {u"<!--<'-->|", Context::content},
+        {u"<!--<'-->text|", Context::content},
+        {u"<!-- if a < b, don't -->ul>li|", Context::content},
+        {u"<!-- \"a\" > b -->|", Context::content},
+        {u"<![CDATA[<\"]]>|", Context::content},
+        {u"<?<'?>|", Context::content},
+        {u"<?x a<b ?> \"|", Context::content},
+        {u"<!--<'--><b c='|", Context::attributeValue},
+        {u"<!--<?'?>-->|", Context::content},
+        {u"<!--<?x--><b c='?>|", Context::attributeValue}, // The comment hides the `<?`.
+        {u"<!--<'--|>", Context::comment},
+        {u"<![CDATA[<!--]]>|", Context::comment}, // The nearest opener counts wherever it stands.
     });
 }
 
@@ -493,6 +563,21 @@ TEST(TagMatcher, AgreesWithSlowSearches) {
         ASSERT_EQ(TagMatcher::openTagName(at, text), Model::openTagName(at, text.units())) << shown;
         ASSERT_EQ(TagMatcher::unclosedElement(at, text), Model::unclosedElement(before)) << shown;
     }
+}
+
+/// Wherever no construct holds another one's opener, what the tokens before the caret say is true.
+TEST(TagMatcher, TellsTheContextThatTheLexerTells) {
+    Random random;
+    std::map<Context, int> seen;
+    for (int round = 0; round < 5'000; ++round) {
+        const SourceText text(randomTags(random, 12));
+        const auto at = static_cast<Offset>(random.below(text.count() + 1));
+        const Context expected = Model::lexedContext(text.units({0, at}));
+        ASSERT_EQ(TagMatcher::context(at, text), expected)
+            << ::testing::PrintToString(std::u16string(text.units({0, at})));
+        ++seen[expected];
+    }
+    EXPECT_EQ(seen.size(), 6U);
 }
 
 TEST(TagMatcher, PairsTagsAsOnePassOverTheTextDoes) {
