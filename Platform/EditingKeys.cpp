@@ -13,11 +13,6 @@ using StandardKey = QKeySequence::StandardKey;
 
 Offset lineStart(Offset caret, const Rope& text) { return text.lineStart(text.line(caret)); }
 Offset lineEnd(Offset caret, const Rope& text) { return TextNavigation::lineEnd(text.line(caret), text); }
-/// The end of the line, or beyond its line feed from there.
-Offset lineEndOrFeed(Offset caret, const Rope& text) {
-    const Offset end = lineEnd(caret, text);
-    return caret == end ? TextNavigation::nextCharacter(caret, text) : end;
-}
 Offset textStart(Offset, const Rope&) { return 0; }
 Offset textEnd(Offset, const Rope& text) { return text.size(); }
 
@@ -57,13 +52,12 @@ constexpr struct {
     {QKeySequence::Delete, TextNavigation::nextCharacter},
     {QKeySequence::DeleteStartOfWord, TextNavigation::previousWord},
     {QKeySequence::DeleteEndOfWord, TextNavigation::nextWord},
-    {QKeySequence::DeleteEndOfLine, lineEndOrFeed},
 };
 
 /// Done by the view itself.
 constexpr StandardKey commands[] = {
     QKeySequence::Cut,      QKeySequence::Copy, QKeySequence::Paste, QKeySequence::SelectAll,
-    QKeySequence::Deselect, QKeySequence::Undo, QKeySequence::Redo,  QKeySequence::DeleteCompleteLine,
+    QKeySequence::Deselect, QKeySequence::Undo, QKeySequence::Redo,
 };
 
 } // namespace
@@ -93,8 +87,10 @@ EditingKeys::Target EditingKeys::erasure(const QKeyEvent& event) {
     if (event.key() == Qt::Key_Backspace && !(event.modifiers() & ~Qt::ShiftModifier)) {
         return TextNavigation::previousCharacter;
     }
+    // Some desktops have letters erase too, such as Ctrl+D: those are for menus.
+    const bool isErasingKey = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Delete;
     for (const auto& each : erasures) {
-        if (event.matches(each.key)) {
+        if (isErasingKey && event.matches(each.key)) {
             return each.target;
         }
     }

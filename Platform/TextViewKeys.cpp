@@ -1,6 +1,5 @@
 #include "TextViewKeys.h"
 
-#include "DragSelection.h"
 #include "EditingKeys.h"
 #include "TextNavigation.h"
 #include "TextView.h"
@@ -49,15 +48,8 @@ bool TextViewKeys::handleErasure(const QKeyEvent& event) {
     const auto target = EditingKeys::erasure(event);
     if (target != nullptr) {
         m_view.erase(target(m_view.caret(), m_view.text()));
-    } else if (event.matches(QKeySequence::DeleteCompleteLine)) {
-        m_view.type(DragSelection(m_view.caret(), DragSelection::Granularity::line, m_view.text())
-                        .selection(m_view.caret(), m_view.text())
-                        .range(),
-                    {});
-    } else {
-        return false;
     }
-    return true;
+    return target != nullptr;
 }
 
 bool TextViewKeys::handleStandardKey(const QKeyEvent& event) {
