@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "DocumentController.h"
+#include "FieldUndo.h"
 #include "FileDialog.h"
 #include "MenuText.h"
 #include "NoticeBar.h"
@@ -203,6 +204,9 @@ void DocumentWindow::showHistory() {
 /// Undo and redo are the document's where nothing else does them.
 void DocumentWindow::toEditor(const char* slot) {
     QWidget* editor = m_lastFocus;
+    if (FieldUndo::isForDocument(editor, slot)) {
+        editor = nullptr;
+    }
     const QByteArray signature = QByteArray(slot) + "()";
     while (editor != nullptr && editor->metaObject()->indexOfSlot(signature) < 0) {
         editor = editor->isWindow() ? nullptr : editor->parentWidget();

@@ -1,5 +1,6 @@
 #include "FindBar.h"
 
+#include "FieldUndo.h"
 #include "GroupedNumber.h"
 
 #include <QAction>
@@ -176,6 +177,7 @@ QLineEdit* FindBar::addField(const QString& name) {
     field->setMinimumWidth(shortestField);
     field->setMaximumWidth(longestField);
     field->installEventFilter(this);
+    FieldUndo::shareWithDocument(*field);
     return field;
 }
 

@@ -1,6 +1,7 @@
 #include "TreeEditorView.h"
 
 #include "EmptyStateView.h"
+#include "FieldUndo.h"
 #include "InsertionPrompts.h"
 #include "MutationPlanner.h"
 #include "NodeClipboard.h"
@@ -81,6 +82,7 @@ void TreeEditorView::makeFilterField() {
     m_filterField->addAction(Symbol::icon(u"magnifyingglass", SystemColor::secondaryLabel),
                              QLineEdit::LeadingPosition);
     m_filterField->installEventFilter(this);
+    FieldUndo::shareWithDocument(*m_filterField);
     connect(m_filterField, &QLineEdit::textChanged, &m_session, &EditorSession::setFilter);
 }
 
