@@ -19,14 +19,17 @@ TextHistory::TextHistory(TextStorage& storage, QObject* parent) : QObject(parent
 
 void TextHistory::setUndoManager(UndoManager* undoManager) {
     m_undoManager = undoManager;
-    m_typing.reset();
+    breakUndoCoalescing();
 }
 
 void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionName) {
     requireThread();
-    if (edits.empty()) {
-        return;
+    if (!edits.empty()) {
+        applyAsOneStep(replacements(edits), actionName, std::nullopt);
     }
+}
+
+TextHistory::Replacements TextHistory::replacements(std::span<const TextEdit> edits) const {
     Replacements replacements;
     for (TextEdit& edit : TextEdit::applicationOrder(edits)) {
         precondition(replacements.empty() || edit.range.upper <= replacements.back().range.lower,
@@ -34,7 +37,7 @@ void TextHistory::apply(std::span<const TextEdit> edits, const QString& actionNa
         precondition(edit.range.upper <= text().size(), "an edit lies inside the text");
         replacements.emplace_back(edit.range, std::move(edit.replacement));
     }
-    applyAsOneStep(replacements, actionName, std::nullopt);
+    return replacements;
 }
 
 void TextHistory::replace(SourceRange range, const Rope& units, const QString& actionName,
@@ -78,6 +81,7 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
         m_typing = std::make_shared<TypingRun>(typed, text().part(range), selection(), units.empty());
         registerTypingRun();
     }
+    m_together.reset();
     if (!isPlain) {
         m_typing.reset();
     }
@@ -85,9 +89,60 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
     m_storage.replaceCharacters(range, units);
 }
 
+void TextHistory::typeTogether(std::span<const TextEdit> edits, Offset caret, const QString& actionName) {
+    requireThread();
+    if (edits.empty()) {
+        return;
+    }
+    const Replacements made = replacements(edits);
+    const bool isErasing =
+        std::ranges::all_of(edits, [](const TextEdit& edit) { return edit.replacement.empty(); });
+    m_typing.reset();
+    if (m_undoManager != nullptr && !canJoinTogetherRun(isErasing, actionName)) {
+        m_together = std::make_shared<TogetherRun>();
+        m_together->selections.before = selection();
+        m_together->actionName = actionName;
+        m_together->isErasing = isErasing;
+        registerTogetherRun();
+    }
+    if (m_together != nullptr) {
+        m_together->opposites.push_back(inverse(made));
+        m_together->selections.after = TextSelection::at(caret);
+    }
+    m_sinceTyping.start();
+    replace(made, TextSelection::at(caret));
+}
+
+bool TextHistory::canJoinTogetherRun(bool isErasing, const QString& actionName) const {
+    return m_together != nullptr && m_sinceTyping.elapsed() < m_longestPause.count() &&
+           m_together->isErasing == isErasing && m_together->actionName == actionName &&
+           m_together->coalescingMark == m_undoManager->coalescingMark() &&
+           m_together->selections.after == selection();
+}
+
+void TextHistory::registerTogetherRun() {
+    m_undoManager->beginUndoGroup();
+    m_undoManager->setActionName(m_together->actionName);
+    m_undoManager->registerUndo([self = QPointer(this), run = m_together] {
+        if (self == nullptr) {
+            return;
+        }
+        self->m_storage.beginEditing();
+        for (const Replacements& opposite : run->opposites | std::views::reverse) {
+            self->replaceBack(opposite, run->selections);
+        }
+        self->m_storage.endEditing();
+    });
+    m_undoManager->endUndoGroup();
+    m_together->coalescingMark = m_undoManager->coalescingMark();
+}
+
 void TextHistory::selectionMoved(TextSelection selection) {
     if (m_typing != nullptr && selection != TextSelection::at(m_typing->range.upper)) {
-        breakUndoCoalescing();
+        m_typing.reset();
+    }
+    if (m_together != nullptr && selection != m_together->selections.after) {
+        m_together.reset();
     }
 }
 

@@ -63,11 +63,20 @@ public:
     /// left it, no new word begins, there was no pause, and neither holds a line feed.
     void type(SourceRange range, std::u16string_view units);
 
+    /// Applies what one key of the user changes in several places at once, as `apply` does, and puts the
+    /// caret at `caret` of the text afterwards. Joins the step before it if that was made in this way too,
+    /// under the same name, and nothing else happened since, the caret stayed, there was no pause, and both
+    /// put something in or both erase.
+    void typeTogether(std::span<const TextEdit> edits, Offset caret, const QString& actionName);
+
     /// A pause as long as this ends what is typed in one go; two seconds at first.
     void setLongestPause(std::chrono::milliseconds pauseLength) { m_longestPause = pauseLength; }
 
     /// What is typed next is a new step.
-    void breakUndoCoalescing() { m_typing.reset(); }
+    void breakUndoCoalescing() {
+        m_typing.reset();
+        m_together.reset();
+    }
 
     /// The same, unless `selection` is the caret as typing left it.
     void selectionMoved(TextSelection selection);
@@ -95,7 +104,19 @@ private:
         std::uint64_t coalescingMark = 0;
     };
 
+    /// What `typeTogether` did since the last break, as one step.
+    struct TogetherRun {
+        std::vector<Replacements> opposites; ///< Of one key after the other.
+        Selections selections;
+        QString actionName;
+        bool isErasing = false;
+        std::uint64_t coalescingMark = 0;
+    };
+
     void requireThread() const;
+    Replacements replacements(std::span<const TextEdit> edits) const;
+    bool canJoinTogetherRun(bool isErasing, const QString& actionName) const;
+    void registerTogetherRun();
     void applyAsOneStep(const Replacements& replacements, const QString& actionName,
                         std::optional<TextSelection> wanted);
     bool canJoinTypingRun(SourceRange range, std::u16string_view units) const;
@@ -111,6 +132,7 @@ private:
     QPointer<UndoManager> m_undoManager;
     SelectionKeeper m_selectionKeeper;
     std::shared_ptr<TypingRun> m_typing; ///< Shared with its undo step; null when nothing was typed.
+    std::shared_ptr<TogetherRun> m_together; ///< Likewise.
     QElapsedTimer m_sinceTyping;
     std::chrono::milliseconds m_longestPause{2000};
 };

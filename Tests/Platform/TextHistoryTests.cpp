@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <chrono>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -158,6 +160,80 @@ TEST(TextHistory, NamesTypingAndRestoresTheSavedState) {
     document.undo.undo();
     EXPECT_TRUE(document.undo.isClean());
     EXPECT_EQ(document.text(), u"ab");
+}
+
+TEST(TextHistory, JoinsWhatIsTypedTogetherInSeveralPlaces) {
+    Document document(u"a-a");
+    const QString name = QStringLiteral("Cambiar");
+    const auto typeTogether = [&](char16_t unit, Offset length) {
+        const std::vector<TextEdit> edits{TextEdit::insert({unit}, length),
+                                          TextEdit::insert({unit}, 2 * length + 1)};
+        document.history.typeTogether(edits, length + 1, name);
+        document.history.selectionMoved(document.selection);
+    };
+    document.selection = TextSelection::at(1);
+    typeTogether(u'b', 1);
+    typeTogether(u'c', 2);
+    EXPECT_EQ(document.text(), u"abc-abc");
+    EXPECT_EQ(document.selection, TextSelection::at(3));
+    EXPECT_EQ(document.undo.undoActionName(), name);
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"a-a");
+    EXPECT_EQ(document.selection, TextSelection::at(1));
+    EXPECT_FALSE(document.undo.canUndo());
+    document.undo.redo();
+    EXPECT_EQ(document.text(), u"abc-abc");
+    EXPECT_EQ(document.selection, TextSelection::at(3));
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"a-a");
+}
+
+TEST(TextHistory, KeepsApartWhatIsTypedTogetherAfterAnythingElse) {
+    const auto steps = [](const std::function<void(Document&)>& between) {
+        Document document(u"a-a");
+        document.selection = TextSelection::at(1);
+        for (const Offset length : {1, 2}) {
+            const std::vector<TextEdit> edits{TextEdit::insert(u"b", length),
+                                              TextEdit::insert(u"b", 2 * length + 1)};
+            document.history.typeTogether(edits, length + 1, QStringLiteral("Cambiar"));
+            if (length == 1) {
+                between(document);
+            }
+        }
+        int count = 0;
+        for (; document.undo.canUndo(); ++count) {
+            document.undo.undo();
+        }
+        EXPECT_EQ(document.text(), u"a-a");
+        return count;
+    };
+    EXPECT_EQ(steps([](Document&) {}), 1);
+    EXPECT_EQ(steps([](Document& document) { document.history.selectionMoved(TextSelection::at(0)); }), 2);
+    EXPECT_EQ(steps([](Document& document) { document.history.breakUndoCoalescing(); }), 2);
+    EXPECT_EQ(steps([](Document& document) { document.undo.setClean(); }), 2);
+    EXPECT_EQ(
+        steps([](Document& document) { document.history.setLongestPause(std::chrono::milliseconds(0)); }), 2);
+    EXPECT_EQ(steps([](Document& document) {
+                  document.type(u"x");
+                  document.deleteBackward();
+              }),
+              4);
+}
+
+TEST(TextHistory, KeepsErasingTogetherApartFromTyping) {
+    Document document(u"a-a");
+    document.selection = TextSelection::at(1);
+    const QString name = QStringLiteral("Cambiar");
+    const std::vector<TextEdit> typed{TextEdit::insert(u"b", 1), TextEdit::insert(u"b", 3)};
+    document.history.typeTogether(typed, 2, name);
+    const std::vector<TextEdit> erased{TextEdit::deleteRange({1, 2}), TextEdit::deleteRange({4, 5})};
+    document.history.typeTogether(erased, 1, name);
+    EXPECT_EQ(document.text(), u"a-a");
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"ab-ab");
+    document.undo.undo();
+    EXPECT_EQ(document.text(), u"a-a");
+    EXPECT_FALSE(document.undo.canUndo());
 }
 
 TEST(TextHistory, GoesBackAndForthThroughAnyTyping) {
