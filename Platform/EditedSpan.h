@@ -16,6 +16,9 @@ public:
     /// Where a range of then is now; nothing when it touches the inside of the stretch.
     std::optional<SourceRange> now(SourceRange then) const;
 
+    /// Where the stretch starts, then as now; none as long as there is no edit.
+    std::optional<Offset> start() const { return m_isEmpty ? std::nullopt : std::optional(m_then.lower); }
+
     /// The least range of then that holds all of a range of now, the stretch taken as a whole.
     SourceRange then(SourceRange now) const;
 
