@@ -4,18 +4,15 @@
 #include "FixPlanner.h"
 #include "MenuText.h"
 #include "PairedTagRename.h"
-#include "PatientWait.h"
 #include "ShownText.h"
 #include "SyntaxHighlighter.h"
 #include "SystemColor.h"
 #include "TagMatcher.h"
-#include "UnitScan.h"
+#include "TextAid.h"
 
-#include <QGuiApplication>
 #include <QMenu>
 
 #include <algorithm>
-#include <chrono>
 #include <ranges>
 #include <utility>
 
@@ -23,11 +20,6 @@ namespace {
 
 using TypingAssistant::Input;
 
-using namespace std::chrono_literals;
-
-constexpr auto patience = 200ms;
-constexpr Offset quickLength = 1'000'000;  ///< No aid takes long over so much text.
-constexpr Offset slowLength = 300'000'000; ///< Just to put so much text into one array takes long.
 constexpr Offset completionLookBack = 65'536;
 constexpr std::size_t fewEdits = 1000;   ///< Of so many everybody may be told one by one.
 constexpr std::size_t mostMessages = 10; ///< In one tool tip.
@@ -36,65 +28,6 @@ constexpr qsizetype longestShown = 120;  ///< Units of a message or title.
 
 QString string(std::u16string_view units) {
     return QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
-}
-
-/// Whether the assistant may act on a typed character, as far as the units next
-/// to the caret tell: most quotes and slashes are just text, and cost nothing
-/// in a text of any size.
-bool mayAct(char16_t typed, Offset caret, const Rope& text) {
-    const char16_t before = caret > 0 ? text.unit(caret - 1) : u'\0';
-    switch (typed) {
-    case u'>':
-        return before != u'/';
-    case u'/':
-        return before == u'<';
-    case u'=':
-        return UnitScan::isName(before);
-    case u'"':
-    case u'\'':
-        return caret < text.size() && text.unit(caret) == typed;
-    default:
-        return false;
-    }
-}
-
-/// The wait cursor, once it is shown, as long as this lives.
-class WaitCursor {
-public:
-    WaitCursor() = default;
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() {
-        if (m_isShown) {
-            QGuiApplication::restoreOverrideCursor();
-        }
-    }
-
-    void show() {
-        if (!std::exchange(m_isShown, true)) {
-            QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-        }
-    }
-
-private:
-    bool m_isShown = false;
-};
-
-/// What `aid` answers for the text of `buffer`. A key waits for it; whoever
-/// waits long sees that.
-template <class Aid>
-auto answer(const TextBuffer& buffer, Aid aid) {
-    WaitCursor cursor;
-    if (buffer.text().size() > slowLength) {
-        cursor.show();
-    }
-    const SourceText text = buffer.sourceText();
-    if (text.count() <= quickLength) {
-        return aid(text);
-    }
-    decltype(aid(text)) answer;
-    runPatiently([&] { answer = aid(text); }, patience, [&] { cursor.show(); });
-    return answer;
 }
 
 QString messages(const std::vector<DiagnosticFinder::Found>& found, const DiagnosticList& diagnostics) {
@@ -138,7 +71,7 @@ void CodeEditorCoordinator::connectViews(TextView& textView, LineNumberRuler& ru
     textView.setUnderlines([this](SourceRange visible) { return underlines(visible); });
     ruler.setToolTips([this](std::size_t line) { return lineToolTip(line); });
     connect(&m_session.buffer().storage(), &TextStorage::editProcessed, this,
-            &CodeEditorCoordinator::adjustPlaceholders);
+            &CodeEditorCoordinator::followEdit);
     connect(&textView, &TextView::visibleTextChanged, this, &CodeEditorCoordinator::visibleTextChanged);
     connect(&m_session, &EditorSession::treeGenerationChanged, this, &CodeEditorCoordinator::update);
     connect(&m_session, &EditorSession::revealRequestChanged, this, &CodeEditorCoordinator::update);
@@ -220,6 +153,7 @@ void CodeEditorCoordinator::visibleTextChanged() {
 
 void CodeEditorCoordinator::selectionDidChange() {
     if (m_textView != nullptr) {
+        m_insertions.followSelection(m_textView->selection());
         m_session.setTextSelection(m_textView->selection());
         m_session.followCaret();
     }
@@ -233,10 +167,12 @@ bool CodeEditorCoordinator::doCommand(TextCommand command) {
     }
     switch (command) {
     case TextCommand::insertTab:
+        insertUndecided();
         return handle(TypingAssistant::Tab());
     case TextCommand::insertBacktab:
         return handle(TypingAssistant::Backtab());
     case TextCommand::insertNewline:
+        insertUndecided();
         return handle(TypingAssistant::Newline());
     case TextCommand::cancelOperation: {
         const bool wasActive = m_placeholders.isActive();
@@ -253,7 +189,10 @@ bool CodeEditorCoordinator::shouldChangeText(SourceRange range, std::u16string_v
     }
     // A character that is dropped elsewhere is none that is typed.
     const bool isTyped = range.isEmpty() && replacement.size() == 1 && range == m_textView->selection();
-    if (isTyped && mayAct(replacement.front(), range.lower, m_textView->text()) &&
+    if (isTyped ? typeOver(replacement.front()) : replacement.empty() && eraseTyped(range)) {
+        return false;
+    }
+    if (isTyped && TextAid::mayAct(replacement.front(), range.lower, m_textView->text()) &&
         handle(TypingAssistant::Character{std::u16string(replacement)})) {
         return false;
     }
@@ -262,8 +201,9 @@ bool CodeEditorCoordinator::shouldChangeText(SourceRange range, std::u16string_v
 
 bool CodeEditorCoordinator::handle(const Input& input) {
     while (true) {
-        const auto action = answer(m_session.buffer(), [&](const SourceText& text) {
-            return TypingAssistant::handle(input, text, m_textView->selection(), m_session.indent(),
+        const SourceRange selection = m_textView->selection();
+        const auto action = TextAid::answer(m_session, selection.lower, [&](const SourceText& text) {
+            return TypingAssistant::handle(input, text, selection, m_session.indent(),
                                            m_placeholders.isActive());
         });
         if (!action) {
@@ -271,6 +211,7 @@ bool CodeEditorCoordinator::handle(const Input& input) {
         }
         if (const auto* edit = std::get_if<TypingAssistant::Edit>(&*action)) {
             perform(*edit);
+            remember(input, *edit);
             return true;
         }
         const bool isNext = std::holds_alternative<TypingAssistant::NextPlaceholder>(*action);
@@ -293,7 +234,7 @@ void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
         buffer.apply(edit.edits, actionName);
     } else {
         // The lines of a whole document, say, as one replacement.
-        const auto [range, units] = answer(buffer, [&](const SourceText& text) {
+        const auto [range, units] = TextAid::answer(buffer, [&](const SourceText& text) {
             const TextEdit merged = FixPlanner::merged(edit.edits, text);
             return std::pair(merged.range, Rope(merged.replacement));
         });
@@ -305,22 +246,68 @@ void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
     showSelection(edit.selection);
 }
 
+void CodeEditorCoordinator::remember(const Input& input, const TypingAssistant::Edit& edit) {
+    if (edit.edits.size() != 1) {
+        return;
+    }
+    if (const auto* typed = std::get_if<TypingAssistant::Character>(&input)) {
+        m_insertions.add(typed->string.front(), edit.edits.front(), edit.selection.lower);
+    } else if (std::holds_alternative<TypingAssistant::Newline>(input)) {
+        m_insertions.addLineBreak(edit.edits.front(), edit.selection.lower);
+    }
+}
+
+bool CodeEditorCoordinator::typeOver(char16_t typed) {
+    const auto isBalanced = [this](SourceRange range) {
+        return TextAid::answer(m_session.buffer(), [range](const SourceText& text) {
+            return AutomaticInsertions::isBalanced(text.units(range));
+        });
+    };
+    return perform(m_insertions.type(typed, m_textView->caret(), m_textView->text(), isBalanced));
+}
+
+bool CodeEditorCoordinator::eraseTyped(SourceRange range) {
+    const Offset caret = m_textView->caret();
+    const bool isBackspace = m_textView->selection().isEmpty() && range.length() == 1 && range.upper == caret;
+    return isBackspace && perform(m_insertions.erase(caret, m_textView->text()));
+}
+
+bool CodeEditorCoordinator::perform(std::optional<AutomaticInsertions::Reply> reply) {
+    if (!reply) {
+        return false;
+    }
+    if (reply->edit) {
+        m_session.buffer().type(reply->edit->range, reply->edit->replacement);
+    }
+    showSelection(SourceRange::empty(reply->caret));
+    m_insertions.done(std::move(*reply));
+    return true;
+}
+
+void CodeEditorCoordinator::insertUndecided() {
+    const std::u16string typed = m_insertions.takeUndecided();
+    if (!typed.empty()) {
+        m_textView->insertText(typed);
+    }
+}
+
 bool CodeEditorCoordinator::rename(SourceRange range, std::u16string_view replacement) {
     TextBuffer& buffer = m_session.buffer();
     if (!PairedTagRename::mayApply(buffer.text(), range, replacement)) {
         return false;
     }
-    const auto rename = answer(
-        buffer, [&](const SourceText& text) { return PairedTagRename::rename(text, range, replacement); });
+    const auto rename = TextAid::answer(m_session, range.lower, [&](const SourceText& text) {
+        return PairedTagRename::rename(text, range, replacement);
+    });
     if (!rename) {
         return false;
     }
-    buffer.apply(rename->edits, QStringLiteral("Renombrar etiqueta"));
-    showSelection(SourceRange::empty(rename->caret));
+    buffer.history().typeTogether(rename->edits, rename->caret, QStringLiteral("Renombrar etiqueta"));
     return true;
 }
 
-void CodeEditorCoordinator::adjustPlaceholders(SourceRange edited, std::int64_t changeInLength) {
+void CodeEditorCoordinator::followEdit(SourceRange edited, std::int64_t changeInLength) {
+    m_insertions.followEdit(edited, changeInLength);
     if (m_placeholders.isActive()) {
         const std::int64_t replaced = edited.length() - changeInLength;
         m_placeholders.adjust(
@@ -335,8 +322,10 @@ QStringList CodeEditorCoordinator::completions(SourceRange partialWord) {
     using TagMatcher::Context;
     const Rope& text = m_session.buffer().text();
     const Offset start = std::min(partialWord.lower, text.size());
-    const SourceText before(text.units({start - std::min(start, completionLookBack), start}));
-    const Context context = TagMatcher::context(before.count(), before);
+    const Offset from = start - std::min(start, completionLookBack);
+    const SourceText before(text.units({from, start}));
+    const Context context =
+        TagMatcher::context(before.count(), TextAid::readable(m_session, before, from, before.count()));
     if (context != Context::content && context != Context::tag) {
         return {};
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AutomaticInsertions.h"
 #include "EditorSession.h"
 #include "LineNumberRuler.h"
 #include "PlaceholderTracker.h"
@@ -66,10 +67,15 @@ private:
     void showParse();
     void reveal(const EditorSession::RevealRequest& request);
     void visibleTextChanged();
-    void adjustPlaceholders(SourceRange edited, std::int64_t changeInLength);
+    void followEdit(SourceRange edited, std::int64_t changeInLength);
 
     bool handle(const TypingAssistant::Input& input);
     void perform(const TypingAssistant::Edit& edit);
+    void remember(const TypingAssistant::Input& input, const TypingAssistant::Edit& edit);
+    bool typeOver(char16_t typed);
+    bool eraseTyped(SourceRange range);
+    bool perform(std::optional<AutomaticInsertions::Reply> reply);
+    void insertUndecided();
     bool rename(SourceRange range, std::u16string_view replacement);
     void showSelection(SourceRange selection);
 
@@ -82,6 +88,7 @@ private:
     QPointer<TextView> m_textView;
     QPointer<LineNumberRuler> m_ruler;
     PlaceholderTracker m_placeholders;
+    AutomaticInsertions m_insertions;
     std::function<bool()> m_mayTakeFocus;
     std::vector<SourceRange>
         m_highlightedStretches; ///< By an edit that the view has not told the end of yet.

@@ -496,6 +496,80 @@ class EndToEnd(unittest.TestCase):
         app.press("Return")
         self.wait_for_text(app, "<raiz>\n  <elemento\n  <elemento/>\n</raiz>\n")
 
+    def test_gives_what_was_typed(self):
+        typed = "<x href=\"y\" z='w'>hola <b>a</b>, <br/><!-- it's <b> --></x>"
+        path = self.document("<a/>\n")
+        app = self.start_with_text(path)
+        app.press("ctrl+a")
+        for piece in (typed[:20], typed[20:35], typed[35:]):
+            # Between two pieces there may be a parse.
+            app.type(piece)
+            app.wait_for(role="text", name="Texto")
+        self.wait_for_text(app, typed)
+        self.save(app, path, typed)
+
+    def test_completes_an_end_tag_that_is_typed_on(self):
+        path = self.document("<a><b>uno")
+        app = self.start_with_text(path)
+        app.press("ctrl+End")
+        app.type("</b></a>")
+        self.save(app, path, "<a><b>uno</b></a>")
+
+    def test_duplicates_and_erases_nothing_with_letters(self):
+        path = self.document("<a><b/></a>\n")
+        app = self.start_with_text(path)
+        app.press("ctrl+Home", "Right", "Right", "Right", "Right")
+        app.press("ctrl+k", "ctrl+u")
+        app.wait_for(role="push button", name="b")
+        app.press("ctrl+d")
+        self.wait_for_text(app, "<a><b/><b/></a>\n")
+
+    def test_undoes_the_document_from_the_find_field(self):
+        path = self.document("<a>uno</a>\n")
+        app = self.start_with_text(path)
+        app.press("ctrl+Home", "Right", "Right", "Right")
+        app.type("dos ")
+        self.wait_for_text(app, "<a>dos uno</a>\n")
+        app.press("ctrl+f")
+        field = app.wait_for(role="text", name="Buscar", state="focused")
+        app.type("uno")
+        api = accessibility()
+        wait_until(lambda: api.Text.get_text(field, 0, -1) == "uno", "pattern")
+        app.press("ctrl+z")
+        wait_until(lambda: api.Text.get_text(field, 0, -1) == "", "pattern taken back")
+        self.wait_for_text(app, "<a>dos uno</a>\n")
+        app.press("ctrl+z")
+        self.wait_for_text(app, "<a>uno</a>\n")
+        app.press("ctrl+shift+z")
+        wait_until(lambda: api.Text.get_text(field, 0, -1) == "uno", "pattern again")
+        app.press("ctrl+shift+z")
+        self.wait_for_text(app, "<a>dos uno</a>\n")
+
+    def test_undoes_the_document_from_the_filter_field(self):
+        app = self.start_with_tree(self.document("<a>\n    <b/>\n    <c/>\n</a>\n"))
+        self.choose(app, "c")
+        app.press("Delete")
+        wait_until(lambda: app.rows() == ["a", "b"], "row gone")
+        app.press("shift+Tab")
+        field = app.wait_for(role="text", name="Filtrar nodos", state="focused")
+        app.type("b")
+        api = accessibility()
+        wait_until(lambda: api.Text.get_text(field, 0, -1) == "b", "filter")
+        app.press("ctrl+z")
+        wait_until(lambda: api.Text.get_text(field, 0, -1) == "", "filter taken back")
+        self.assertEqual(app.rows(), ["a", "b"])
+        app.press("ctrl+z")
+        wait_until(lambda: app.rows() == ["a", "b", "c"], "row back")
+
+    def test_undoes_a_renaming_in_one_step(self):
+        path = self.document("<item>x</item>\n")
+        app = self.start_with_text(path)
+        app.press("ctrl+Home", *["Right"] * 5)
+        app.type("libro")
+        self.wait_for_text(app, "<itemlibro>x</itemlibro>\n")
+        app.press("ctrl+z")
+        self.wait_for_text(app, "<item>x</item>\n")
+
     def test_closes_tags_and_renames_both_at_once(self):
         path = self.document("")
         path.write_text("\n")

@@ -308,12 +308,58 @@ TEST(CodeEditorCoordinator, RenamesLetterByLetter) {
     EditorDesk desk(u"<a|>x</a>");
     desk.type("bcd\b");
     EXPECT_EQ(desk.state(), u"<abc|>x</abc>");
-    for (const std::u16string_view before :
-         {u"<abcd|>x</abcd>", u"<abc|>x</abc>", u"<ab|>x</ab>", u"<a|>x</a>"}) {
+    // What is typed in one go is one step, and so is what is erased.
+    for (const std::u16string_view before : {u"<abcd|>x</abcd>", u"<a|>x</a>"}) {
+        EXPECT_EQ(desk.undoManager.undoActionName(), renaming);
         desk.view().undo();
         EXPECT_EQ(desk.state(), before);
     }
     EXPECT_FALSE(desk.undoManager.canUndo());
+    desk.view().redo();
+    EXPECT_EQ(desk.state(), u"<abcd|>x</abcd>");
+    desk.view().redo();
+    EXPECT_EQ(desk.state(), u"<abc|>x</abc>");
+}
+
+TEST(CodeEditorCoordinator, BeginsANewStepOfRenamingOnceTheCaretHasMoved) {
+    EditorDesk desk(u"<a|>x</a>");
+    desk.type("b");
+    QTest::keyClick(&desk.view(), Qt::Key_Left);
+    QTest::keyClick(&desk.view(), Qt::Key_Right);
+    desk.type("c");
+    EXPECT_EQ(desk.state(), u"<abc|>x</abc>");
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<ab|>x</ab>");
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<a|>x</a>");
+    EXPECT_FALSE(desk.undoManager.canUndo());
+}
+
+TEST(CodeEditorCoordinator, AsksTheTreeWhatHidesAnOpener) {
+    for (const auto& [before, keys, after] : {
+             Row{u"<r><![CDATA[<!--]]><b|</r>", ">", u"<r><![CDATA[<!--]]><b>|</b></r>"},
+             Row{u"<r><![CDATA[<!--]]><b c|></b></r>", "=", u"<r><![CDATA[<!--]]><b c=\"|\"></b></r>"},
+             Row{u"<r><![CDATA[<!--]]><|", "/", u"<r><![CDATA[<!--]]></r>|"},
+             Row{u"<r><!-- <? -->ul>li|</r>", "\t", u"<r><!-- <? --><ul>\n    <li>|</li>\n</ul></r>"},
+             Row{u"<r><!-- <? --><b>|</b></r>", "\n", u"<r><!-- <? --><b>\n    |\n</b></r>"},
+             Row{u"<r><!-- <? --><b|>x</b></r>", "c", u"<r><!-- <? --><bc|>x</bc></r>"},
+             // What was typed since the parse changes nothing before it.
+             Row{u"<r><![CDATA[<!--]]>|</r>", "<b c=\"d\">", u"<r><![CDATA[<!--]]><b c=\"d\">|</b></r>"},
+         }) {
+        EditorDesk desk(before);
+        desk.type(keys);
+        EXPECT_EQ(desk.state(), after) << ::testing::PrintToString(before);
+    }
+    EXPECT_EQ(completions(u"<item/><!-- <? --><|it|"), QStringList(QStringLiteral("item")));
+}
+
+TEST(CodeEditorCoordinator, HelpsAfterAClosedCommentWithMarkupInIt) {
+    EditorDesk desk(u"<r><!-- if a < b, don't -->ul>li|</r>");
+    desk.type("\t");
+    EXPECT_EQ(desk.state(), u"<r><!-- if a < b, don't --><ul>\n    <li>|</li>\n</ul></r>");
+    EditorDesk quote(u"<r><!-- < ' -->|'</r>");
+    quote.type("'");
+    EXPECT_EQ(quote.state(), u"<r><!-- < ' -->'|'</r>");
 }
 
 TEST(CodeEditorCoordinator, RenamesNothingWithOtherChanges) {
