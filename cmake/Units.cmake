@@ -14,6 +14,13 @@ if(TAMO_SANITIZERS)
         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(tamo_options INTERFACE -fsanitize=${TAMO_SANITIZERS})
 endif()
+if(TAMO_FUZZERS)
+    set(TAMO_FUZZED -fsanitize=fuzzer-no-link)
+endif()
+
+# What nearly every unit includes; read once for a target that precompiles it.
+set(TAMO_STANDARD_HEADERS
+    <algorithm> <array> <expected> <functional> <memory> <optional> <ranges> <span> <string> <unordered_map> <variant> <vector>)
 
 # tamo_units(TARGET): compiles every .cpp of the current folder into TARGET, a static library.
 function(tamo_units target)
@@ -24,4 +31,5 @@ function(tamo_units target)
     add_library(${target} STATIC ${units})
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PRIVATE tamo_options)
+    target_compile_options(${target} PRIVATE ${TAMO_FUZZED})
 endfunction()
