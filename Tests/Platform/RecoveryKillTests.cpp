@@ -16,6 +16,7 @@
 #include <iostream>
 #include <mutex>
 #include <optional>
+#include <shared_mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,23 +25,20 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t ticksPerSecond = 10; ///< Of the typist, which says how long its seconds last.
 
-std::int64_t now() {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return second * time.tv_sec + time.tv_nsec;
-}
+/// A new process has the locks of this one until its program starts, and another process would find them taken:
+/// no store is open while one is started.
+std::shared_mutex starts;
 
 /// What a killed program said.
 struct Life {
-    std::vector<std::int64_t> changes; ///< When each change was made.
-    std::int64_t killed = 0;
+    std::vector<std::int64_t> changes; ///< When each change was made, in ticks.
+    std::int64_t ticks = 0;            ///< When it was killed.
 };
 
 /// Starts the typist, kills it some time after its first change, and hears what it said.
@@ -57,7 +55,11 @@ std::optional<Life> killedTypist(const QString& folder, std::uint64_t seed, std:
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
     pid_t process = 0;
-    const int error = posix_spawn(&process, list[0], &actions, nullptr, list.data(), environ);
+    int error = 0;
+    {
+        const std::lock_guard guard(starts);
+        error = posix_spawn(&process, list[0], &actions, nullptr, list.data(), environ);
+    }
     posix_spawn_file_actions_destroy(&actions);
     close(ends[1]);
     if (error != 0) {
@@ -68,13 +70,16 @@ std::optional<Life> killedTypist(const QString& folder, std::uint64_t seed, std:
     poll(&output, 1, -1);
     std::this_thread::sleep_for(after);
     Life life;
-    life.killed = now();
     kill(process, SIGKILL);
     int status = 0;
     waitpid(process, &status, 0);
-    std::int64_t time = 0;
-    while (read(ends[0], &time, sizeof time) == sizeof time) {
-        life.changes.push_back(time);
+    std::int64_t tick = 0;
+    while (read(ends[0], &tick, sizeof tick) == sizeof tick) {
+        if (tick < 0) {
+            life.ticks = -tick;
+        } else {
+            life.changes.push_back(tick);
+        }
     }
     close(ends[0]);
     return WIFSIGNALED(status) ? std::optional(std::move(life)) : std::nullopt;
@@ -126,6 +131,7 @@ private:
             return;
         }
         m_changes += life->changes.size();
+        const std::shared_lock guard(starts);
         RecoveryStore store(m_folder.path());
         const Recoverables left = store.recoverable();
         // Only the first log of all is written where there is nothing better to recover.
@@ -157,10 +163,10 @@ private:
     /// What was not kept of the life was done in its last second.
     void checkState(std::size_t kept, const Life& life) {
         if (kept < life.changes.size()) {
-            const std::int64_t age = life.killed - life.changes[kept];
+            const std::int64_t age = life.ticks - life.changes[kept];
             m_oldestLoss = std::max(m_oldestLoss, age);
-            if (age > second) {
-                m_complaint = "a change of " + std::to_string(age / 1'000'000) + " ms before was lost";
+            if (age > ticksPerSecond) {
+                m_complaint = "a change of " + std::to_string(age) + " ticks before was lost";
             }
         }
     }
@@ -211,5 +217,5 @@ TEST(RecoveryKill, NothingIsLostButTheLastSecond) {
     }
     EXPECT_GT(recoveries, kills / 2);
     std::cout << chains.size() * ((kills + 7) / 8) << " kills, " << recoveries << " recoveries, " << changes
-              << " changes, oldest change lost " << oldestLoss / 1'000'000 << " ms before the kill\n";
+              << " changes, oldest change lost " << oldestLoss << " ticks before the kill\n";
 }
