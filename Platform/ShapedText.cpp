@@ -2,6 +2,7 @@
 
 #include "DisplayText.h"
 #include "GraphemeBreaker.h"
+#include "StandIns.h"
 #include "StringUnits.h"
 
 #include <QPainter>
@@ -71,7 +72,12 @@ void append(std::vector<ShapedText::Box>& boxes, ShapedText::Box box) {
 ShapedText::ShapedText(std::u16string_view units, const QFont& font, double tabWidth)
     : m_size(static_cast<int>(std::min(units.size(), longestShown))),
       m_isPlain(std::ranges::all_of(units, isPrintableASCII)) {
-    shape(displayText(units.substr(0, longestShown)), font, tabWidth);
+    const std::u16string_view shown = units.substr(0, longestShown);
+    QString text = displayText(shown);
+    if (!m_isPlain) {
+        m_standIns = StandIns::blankOut(text, shown);
+    }
+    shape(text, font, tabWidth);
 }
 
 void ShapedText::shape(const QString& text, const QFont& font, double tabWidth) {
@@ -88,6 +94,7 @@ void ShapedText::shape(const QString& text, const QFont& font, double tabWidth) 
     m_layout.setFont(chosen);
     m_layout.setText(text);
     m_layout.setTextOption(option);
+    m_layout.setFormats(StandIns::formats(m_standIns, chosen));
     m_layout.setCacheEnabled(true);
     m_layout.beginLayout();
     const QTextLine line = m_layout.createLine();
@@ -248,6 +255,25 @@ void ShapedText::draw(QPainter& painter, QPointF origin, double baseline,
     for (const ColoredRun& run : m_runs) {
         painter.setPen(run.color == 0 ? pen : QPen(QColor::fromRgba(run.color)));
         painter.drawGlyphRun(at, run.glyphs);
+    }
+    painter.setPen(pen);
+    drawStandIns(painter, origin, baseline);
+}
+
+void ShapedText::drawStandIns(QPainter& painter, QPointF origin, double baseline) const {
+    constexpr double height = 0.7; // Of the ascent, about that of a capital.
+    if (m_standIns.empty()) {
+        return;
+    }
+    measureCells();
+    const QPen pen = painter.pen();
+    for (const int at : m_standIns) {
+        const Cell& place = m_cells[cell(at)];
+        const QRgb color =
+            static_cast<std::size_t>(at) < m_colors.size() ? m_colors[static_cast<std::size_t>(at)] : 0;
+        painter.setPen(color == 0 ? pen : QPen(QColor::fromRgba(color)));
+        StandIns::draw(painter, QRectF(origin + QPointF(place.left, baseline - height * m_ascent),
+                                       origin + QPointF(place.right, baseline)));
     }
     painter.setPen(pen);
 }

@@ -68,11 +68,13 @@ private:
     void spreadLigatures(std::span<const std::int32_t> order) const;
     void measureCarets() const;
     std::size_t cell(int holding) const;
+    void drawStandIns(QPainter& painter, QPointF origin, double baseline) const;
     void color(std::span<const QRgb> colors) const;
     void colorGlyphByGlyph(const QGlyphRun& glyphs) const;
     void colorStretches() const;
 
     QTextLayout m_layout;
+    std::vector<int> m_standIns; ///< Their offsets.
     int m_size = 0;
     double m_width = 0;
     double m_ascent = 0;

@@ -97,12 +97,34 @@ TEST(ShapedText, StopsTabsEveryFourColumns) {
     EXPECT_NEAR(text.width(), 20 * column(), 0.02);
 }
 
-TEST(ShapedText, KeepsStandInsOneColumnWide) {
+TEST(ShapedText, KeepsStandInsOneColumnWideInEveryFont) {
     const char16_t units[] = {0,      1,      0x1B,   0x7F,   0x85,   u'\r',     0x200B,
                               0x202E, 0x2028, 0xFEFF, 0xFFFC, 0xD83D, 0xDE00 - 1};
-    for (const char16_t unit : units) {
-        EXPECT_NEAR(shaped(std::u16string(1, unit)).width(), column(), 0.01) << std::hex << int(unit);
+    // In the second a dotted box, a blank and a digit are of three widths.
+    for (const QFont::StyleHint style : {QFont::Monospace, QFont::SansSerif}) {
+        QFont chosen = font();
+        if (style == QFont::SansSerif) {
+            chosen.setFamilies(QFontDatabase::systemFont(QFontDatabase::GeneralFont).families());
+        }
+        const double width = QFontMetricsF(chosen).horizontalAdvance(u'0');
+        for (const char16_t unit : units) {
+            const ShapedText text(std::u16string(1, unit), chosen, 4 * width);
+            EXPECT_NEAR(text.width(), width, 0.02) << std::hex << int(unit);
+            EXPECT_NEAR(text.x(1), width, 0.02) << std::hex << int(unit);
+        }
     }
+}
+
+TEST(ShapedText, DrawsStandInsInTheirColorAndColumn) {
+    const ShapedText text = shaped(u"a\u0001 \u202E ");
+    const QRgb colors[] = {0, 0xFFFF0000, 0, 0xFF0000FF, 0};
+    const QImage image = drawn(text, colors);
+    const auto end = [](int count) { return 4 + int(count * column()); };
+    EXPECT_EQ(hues(image, end(1) + 1, end(2)), std::set{'r'});
+    EXPECT_EQ(hues(image, end(2), end(3) + 1), std::set<char>{});
+    EXPECT_EQ(hues(image, end(3) + 1, end(4)), std::set{'b'});
+    EXPECT_EQ(hues(image, end(4) + 1, end(5)), std::set<char>{});
+    EXPECT_EQ(hues(drawn(text, {}), end(1) + 1, end(5)), std::set{'k'});
 }
 
 TEST(ShapedText, NeverStopsInsideACharacter) {
