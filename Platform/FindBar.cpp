@@ -27,10 +27,6 @@ constexpr int longestField = 480;
 constexpr int patienceInterval = 200;
 constexpr Offset longestProposal = 1000;
 
-QString counted(std::uint64_t count, const QString& one, const QString& many) {
-    return QStringLiteral("%1 %2").arg(groupedNumber(count), count == 1 ? one : many);
-}
-
 /// `text` as an expression that matches it.
 QString escaped(const QString& text) {
     QString expression;
@@ -120,7 +116,7 @@ void FindBar::buildLookingRow(QGridLayout& grid) {
     m_message = new ElidedLabel;
     m_message->setTextFormat(Qt::PlainText);
     m_message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_message->setMinimumWidth(m_message->fontMetrics().horizontalAdvance(QStringLiteral("Sin resultados")));
+    m_message->setMinimumWidth(m_message->fontMetrics().horizontalAdvance(QStringLiteral("99 de 99")));
     row->addWidget(m_message, 1);
 
     QToolButton* close = addButton(QStringLiteral("Cerrar"), QKeySequence(Qt::Key_Escape));

@@ -18,3 +18,7 @@ QString groupedNumber(std::uint64_t number) {
     }
     return text;
 }
+
+QString counted(std::uint64_t number, const QString& one, const QString& many) {
+    return QStringLiteral("%1 %2").arg(groupedNumber(number), number == 1 ? one : many);
+}

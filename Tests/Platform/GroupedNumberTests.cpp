@@ -22,3 +22,13 @@ TEST(GroupedNumber, GroupsLongNumbersByThree) {
         EXPECT_EQ(groupedNumber(row.number).toStdString(), row.text);
     }
 }
+
+TEST(GroupedNumber, CountsOneInTheSingular) {
+    const auto errors = [](std::uint64_t number) {
+        return counted(number, QStringLiteral("error"), QStringLiteral("errores")).toStdString();
+    };
+    EXPECT_EQ(errors(0), "0 errores");
+    EXPECT_EQ(errors(1), "1 error");
+    EXPECT_EQ(errors(2), "2 errores");
+    EXPECT_EQ(errors(12'345), "12.345 errores");
+}
