@@ -99,7 +99,7 @@ void CodeEditorCoordinator::showParse() {
     const std::shared_ptr<const ParsedDocument> parsed = m_session.parsed();
     const std::shared_ptr<const LineIndex> lines(parsed, &parsed->lines);
     m_ruler->setLines(lines);
-    m_ruler->setErrorLines({{parsed, &parsed->tree.diagnostics}, lines});
+    m_ruler->setErrorLines({{parsed, &parsed->problemStarts}, lines});
     m_ruler->updateThickness();
     highlightVisibleLines();
     m_textView->viewport()->update();
@@ -356,8 +356,8 @@ QString CodeEditorCoordinator::toolTip(Offset at) {
 QString CodeEditorCoordinator::lineToolTip(std::size_t line) const {
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const SourceRange range = m_session.buffer().text().lineRange(line);
-    return messages(DiagnosticFinder(diagnostics, m_session.editsSinceParse()).startingIn(range),
-                    diagnostics);
+    const DiagnosticFinder finder(diagnostics, m_session.editsSinceParse());
+    return messages(finder.startingIn(range, m_session.problemStarts()), diagnostics);
 }
 
 /// One for each of the first fixes, owned by `parent`. Of those that do the same, as for the elements of one
@@ -368,7 +368,7 @@ std::vector<QAction*> CodeEditorCoordinator::fixActions(Offset at, QObject* pare
     const Rope& text = m_session.buffer().text();
     auto found = finder.touching({at, at});
     if (found.empty()) {
-        found = finder.startingIn(text.lineRange(text.line(at)));
+        found = finder.startingIn(text.lineRange(text.line(at)), m_session.problemStarts());
     }
     std::vector<QAction*> actions;
     std::vector<Diagnostic::Fix> fixes;

@@ -21,8 +21,13 @@ std::vector<DiagnosticFinder::Found> DiagnosticFinder::touching(SourceRange rang
     return found;
 }
 
-std::vector<DiagnosticFinder::Found> DiagnosticFinder::startingIn(SourceRange range) const {
+std::vector<DiagnosticFinder::Found> DiagnosticFinder::startingIn(SourceRange range,
+                                                                  const ProblemStarts& starts) const {
     std::vector<Found> found = touching(range);
-    std::erase_if(found, [&](const Found& diagnostic) { return diagnostic.range.lower < range.lower; });
+    std::erase_if(found, [&](const Found& diagnostic) {
+        const Offset blank = starts.start(diagnostic.index) - m_diagnostics.range(diagnostic.index).lower;
+        const Offset start = diagnostic.range.lower + blank;
+        return start < range.lower || start > range.upper;
+    });
     return found;
 }

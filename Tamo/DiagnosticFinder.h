@@ -2,6 +2,7 @@
 
 #include "Diagnostic.h"
 #include "EditedSpan.h"
+#include "ProblemStarts.h"
 
 #include <cstddef>
 #include <vector>
@@ -28,8 +29,9 @@ public:
     /// inside has no place any more.
     std::vector<Found> touching(SourceRange range) const;
 
-    /// Those of them that start in `range` or right at its end, as those of a line without its LF do.
-    std::vector<Found> startingIn(SourceRange range) const;
+    /// Those of them that are shown to start in `range` or right at its end, as those of a line without its
+    /// LF do. `starts` are those of the same diagnostics.
+    std::vector<Found> startingIn(SourceRange range, const ProblemStarts& starts) const;
 
 private:
     const DiagnosticList& m_diagnostics;

@@ -1,7 +1,7 @@
 #include "DiagnosticsBar.h"
 
 #include "EditorSession.h"
-#include "FixPlanner.h"
+#include "GroupedNumber.h"
 #include "MenuText.h"
 #include "Symbol.h"
 #include "SystemColor.h"
@@ -26,7 +26,12 @@ constexpr int symbolSize = 14;
 constexpr std::size_t mostProblems = 100; ///< In the menu.
 constexpr qsizetype longestEntry = 120;   ///< Units of a message in it.
 
-QString digits(std::size_t number) { return QString::number(number); }
+/// "1 byte", "999 bytes", "1,2 MB".
+QString dataSize(std::uint64_t bytes) {
+    return bytes < 1000
+               ? counted(bytes, QStringLiteral("byte"), QStringLiteral("bytes"))
+               : QLocale().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
+}
 
 /// Text from a document as an entry of a menu: on one line, of a bounded length, without what a menu reads
 /// into it.
@@ -102,9 +107,11 @@ public:
     }
 
     void show(std::size_t errors, std::size_t warnings) {
-        m_errors->setText(digits(errors));
-        m_warnings->setText(digits(warnings));
-        setAccessibleName(QStringLiteral("%1 errores, %2 advertencias").arg(errors).arg(warnings));
+        m_errors->setText(groupedNumber(errors));
+        m_warnings->setText(groupedNumber(warnings));
+        setAccessibleName(QStringLiteral("%1, %2").arg(
+            counted(errors, QStringLiteral("error"), QStringLiteral("errores")),
+            counted(warnings, QStringLiteral("advertencia"), QStringLiteral("advertencias"))));
         setToolTip(accessibleName());
         updateGeometry();
     }
@@ -178,8 +185,7 @@ void DiagnosticsBar::showFacts() {
     const bool usesCRLF = TextNavigation::lineEnding(m_session.buffer().text()) == u"\r\n";
     m_lineEnding->setText(usesCRLF ? QStringLiteral("CRLF") : QStringLiteral("LF"));
     m_encoding->setText(m_session.encodingName());
-    const auto bytes = static_cast<qint64>(m_session.parsed()->byteCount);
-    m_size->setText(QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat));
+    m_size->setText(dataSize(m_session.parsed()->byteCount));
 }
 
 void DiagnosticsBar::fillMenu() {
@@ -190,7 +196,8 @@ void DiagnosticsBar::fillMenu() {
         addProblem(index);
     }
     if (shown < diagnostics.size()) {
-        m_menu->addAction(QStringLiteral("y %1 más…").arg(diagnostics.size() - shown))->setEnabled(false);
+        m_menu->addAction(QStringLiteral("y %1 más…").arg(groupedNumber(diagnostics.size() - shown)))
+            ->setEnabled(false);
     }
     m_menu->addSeparator();
     m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
@@ -198,12 +205,12 @@ void DiagnosticsBar::fillMenu() {
 
 void DiagnosticsBar::addProblem(std::size_t index) {
     const Diagnostic diagnostic = m_session.tree().diagnostics[index];
-    const std::size_t line = m_session.lines().line(diagnostic.range.lower) + 1;
+    const std::size_t line = m_session.lines().line(m_session.problemStarts().start(index)) + 1;
     const bool isError = diagnostic.severity == Diagnostic::Severity::error;
     QAction* const problem = m_menu->addAction(
         Symbol::icon(isError ? u"exclamationmark.circle.fill" : u"exclamationmark.triangle.fill",
                      isError ? SystemColor::systemRed : SystemColor::systemOrange),
-        QStringLiteral("Línea %1: ").arg(line) + entry(diagnostic.message));
+        QStringLiteral("Línea %1: ").arg(groupedNumber(line)) + entry(diagnostic.message));
     // While the menu is open another tree may come.
     connect(problem, &QAction::triggered, this, [this, range = diagnostic.range, of = m_session.treeGeneration()] {
         if (m_session.treeGeneration() == of) {

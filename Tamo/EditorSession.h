@@ -100,6 +100,7 @@ public:
     const LineIndex& lines() const { return m_parsed->lines; }
     IndentStyle indent() const { return m_parsed->indent; }
     const NodeErrors& errorNodes() const { return m_parsed->errorNodes; }
+    const ProblemStarts& problemStarts() const { return m_parsed->problemStarts; }
     /// All of the above, for work on other threads.
     std::shared_ptr<const ParsedDocument> parsed() const { return m_parsed; }
 

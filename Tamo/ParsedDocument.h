@@ -5,6 +5,7 @@
 #include "IndentStyle.h"
 #include "LineIndex.h"
 #include "NodeErrors.h"
+#include "ProblemStarts.h"
 
 #include <cstdint>
 #include <memory>
@@ -16,6 +17,7 @@ struct ParsedDocument {
     LineIndex lines;
     IndentStyle indent;
     NodeErrors errorNodes;
+    ProblemStarts problemStarts;
     std::uint64_t byteCount = 0;  ///< Of the text in UTF-8.
     std::int64_t generation = -1; ///< Of the text in its buffer; -1 for the text before any parse.
     DoctypeReading doctype;       ///< With which `tree` was parsed.

@@ -73,6 +73,7 @@ struct ReparseScheduler::Job {
         if (!stop.stop_requested()) {
             const auto interval = signposter.interval("Outline");
             document.errorNodes = NodeErrors(document.tree);
+            document.problemStarts = ProblemStarts(document.tree.diagnostics, text);
             result.outline =
                 OutlineContents::make(std::move(snapshot.outline), document.tree, stop, std::move(rows));
         }

@@ -16,7 +16,7 @@ struct Source {
     DiagnosticFinder finder() const { return {tree.diagnostics, edits}; }
     std::vector<SourceRange> touching(SourceRange range) const { return ranges(finder().touching(range)); }
     std::vector<SourceRange> startingIn(SourceRange range) const {
-        return ranges(finder().startingIn(range));
+        return ranges(finder().startingIn(range, ProblemStarts(tree.diagnostics, tree.text)));
     }
 
     static std::vector<SourceRange> ranges(const std::vector<DiagnosticFinder::Found>& found) {
@@ -57,6 +57,17 @@ TEST(DiagnosticFinder, TakesTheEndOfARangeForTheEndOfALine) {
     EXPECT_EQ(source.startingIn({4, 5}), (Ranges{{4, 5}}));
     EXPECT_EQ(source.startingIn({6, 10}), Ranges());
     EXPECT_EQ(Source(u"<a/>\n&").startingIn({5, 6}), (Ranges{{5, 6}}));
+}
+
+TEST(DiagnosticFinder, TakesWhiteSpaceAtTheStartOfARangeForNoStart) {
+    Source source(u"<a/>\n\nuno");
+    ASSERT_EQ(source.tree.diagnostics.range(0), SourceRange(4, 9));
+    EXPECT_EQ(source.startingIn({0, 4}), Ranges());
+    EXPECT_EQ(source.startingIn({5, 5}), Ranges());
+    EXPECT_EQ(source.startingIn({6, 9}), (Ranges{{4, 9}}));
+    source.edits.add({0, 0}, 10);
+    EXPECT_EQ(source.startingIn({10, 14}), Ranges());
+    EXPECT_EQ(source.startingIn({16, 19}), (Ranges{{14, 19}}));
 }
 
 TEST(DiagnosticFinder, FollowsEditsSinceTheParse) {

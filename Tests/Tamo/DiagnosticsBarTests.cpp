@@ -33,6 +33,7 @@ struct Desk : ParsedDesk {
         }
         return entries;
     }
+    QWidget* counts() const { return bar.findChild<QLabel*>(QStringLiteral("errors"))->parentWidget(); }
     QToolButton* next() const {
         for (QToolButton* button : bar.findChildren<QToolButton*>()) {
             if (button->text() == QStringLiteral("Ir al problema")) {
@@ -86,6 +87,29 @@ TEST(DiagnosticsBar, ListsTheProblemsWithTheirFixes) {
     EXPECT_TRUE(desk.session.tree().diagnostics.empty());
 }
 
+TEST(DiagnosticsBar, CountsInWordsThatAgree) {
+    Desk one(u"<a>&</a>");
+    EXPECT_EQ(one.counts()->accessibleName(), QStringLiteral("1 error, 0 advertencias"));
+    Desk two(u"<a>&&</a>x");
+    EXPECT_EQ(two.counts()->accessibleName(), QStringLiteral("2 errores, 1 advertencia"));
+    std::u16string text = u"<a>";
+    text.append(12'345, u'&');
+    Desk many(text + u"</a>");
+    EXPECT_EQ(many.shown("errors"), QStringLiteral("12.345"));
+    EXPECT_EQ(many.counts()->accessibleName(), QStringLiteral("12.345 errores, 0 advertencias"));
+    const auto entries = many.entries();
+    EXPECT_EQ(entries[entries.size() - 2]->text(), QStringLiteral("y 12.245 más…"));
+}
+
+TEST(DiagnosticsBar, NumbersTheLineOnWhichAProblemIsSeen) {
+    Desk outside(u"<a/>\n\nuno");
+    EXPECT_TRUE(outside.entries()[0]->text().startsWith(QStringLiteral("Línea 3: ")));
+    std::u16string text = u"<a>";
+    text.append(12'344, u'\n');
+    Desk far(text + u"&</a>");
+    EXPECT_TRUE(far.entries()[0]->text().startsWith(QStringLiteral("Línea 12.345: ")));
+}
+
 TEST(DiagnosticsBar, FixesAllInOneStep) {
     Desk desk(u"<a>\n<b>\n<c>\n</a>");
     const QString before = desk.text();
@@ -135,8 +159,11 @@ TEST(DiagnosticsBar, StatesFactsAboutTheFile) {
     Desk desk(u"<a>\n</a>");
     EXPECT_EQ(desk.shown("lineEnding"), QStringLiteral("LF"));
     EXPECT_EQ(desk.shown("encoding"), QStringLiteral("Unicode (UTF-8)"));
-    EXPECT_EQ(desk.shown("size"), QLocale().formattedDataSize(8, 1, QLocale::DataSizeSIFormat));
+    EXPECT_EQ(desk.shown("size"), QStringLiteral("8 bytes"));
     Desk windows(u"<á>\r\n</á>");
     EXPECT_EQ(windows.shown("lineEnding"), QStringLiteral("CRLF"));
-    EXPECT_EQ(windows.shown("size"), QLocale().formattedDataSize(11, 1, QLocale::DataSizeSIFormat));
+    EXPECT_EQ(windows.shown("size"), QStringLiteral("11 bytes"));
+    EXPECT_EQ(Desk(u"x").shown("size"), QStringLiteral("1 byte"));
+    EXPECT_EQ(Desk(std::u16string(1234, u'x')).shown("size"),
+              QLocale().formattedDataSize(1234, 1, QLocale::DataSizeSIFormat));
 }

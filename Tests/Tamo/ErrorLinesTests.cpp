@@ -8,14 +8,15 @@
 namespace {
 
 struct Parsed {
-    DocumentTree tree;
+    ProblemStarts starts;
     LineIndex lines;
 };
 
 ErrorLines errorLines(std::u16string_view text) {
     const SourceText source(text);
-    const auto parsed = std::make_shared<Parsed>(TreeParser::parse(source), LineIndex(source));
-    return {std::shared_ptr<const DiagnosticList>(parsed, &parsed->tree.diagnostics),
+    const DocumentTree tree = TreeParser::parse(source);
+    const auto parsed = std::make_shared<Parsed>(ProblemStarts(tree.diagnostics, source), LineIndex(source));
+    return {std::shared_ptr<const ProblemStarts>(parsed, &parsed->starts),
             std::shared_ptr<const LineIndex>(parsed, &parsed->lines)};
 }
 
@@ -45,6 +46,9 @@ TEST(ErrorLines, AreTheLinesWhereDiagnosticsStart) {
         {u"<a>&x\n&y\n\n</a>", {0, 1}},
         {u"<a>&&&\n\nx&</a>", {0, 2}},
         {u"<a>\n&\n<b c=\"\" c=\"\"/>\n\n</a>", {1, 2}},
+        {u"<a/>\nuno\n", {1}},
+        {u"<a/>\n \n\r\n\tuno\n", {3}},
+        {u"\n\nuno", {0, 2}},
     };
     for (const auto& [text, expected] : rows) {
         const ErrorLines lines = errorLines(text);

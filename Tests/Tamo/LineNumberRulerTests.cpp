@@ -42,14 +42,15 @@ struct Desk {
     /// Gives the ruler the lines and the diagnostics of the text of now.
     void parse() {
         struct Parsed {
-            DocumentTree tree;
+            ProblemStarts starts;
             LineIndex lines;
         };
         const SourceText text = buffer.sourceText();
-        const auto parsed = std::make_shared<Parsed>(TreeParser::parse(text), LineIndex(text));
+        const DocumentTree tree = TreeParser::parse(text);
+        const auto parsed = std::make_shared<Parsed>(ProblemStarts(tree.diagnostics, text), LineIndex(text));
         const std::shared_ptr<const LineIndex> lines(parsed, &parsed->lines);
         ruler->setLines(lines);
-        ruler->setErrorLines({{parsed, &parsed->tree.diagnostics}, lines});
+        ruler->setErrorLines({{parsed, &parsed->starts}, lines});
         ruler->updateThickness();
     }
 
@@ -159,8 +160,8 @@ TEST(LineNumberRuler, DotsTheEmptyLastLine) {
     const SourceText text = desk.buffer.sourceText();
     RecordArray<DiagnosticRecord> records;
     records.append({SourceRange::empty(text.count()), 0, DiagnosticRecord::Rule::noRoot});
-    desk.ruler->setErrorLines({std::make_shared<DiagnosticList>(text, std::move(records)),
-                               std::make_shared<LineIndex>(text)});
+    const ProblemStarts starts(DiagnosticList(text, std::move(records)), text);
+    desk.ruler->setErrorLines({std::make_shared<ProblemStarts>(starts), std::make_shared<LineIndex>(text)});
     EXPECT_FALSE(desk.hasDot(0));
     EXPECT_TRUE(desk.hasDot(1));
 }
