@@ -1,5 +1,6 @@
 #include "ExpressionSearch.h"
 
+#include "GroupedNumber.h"
 #include "SearchedText.h"
 #include "UTF16.h"
 
@@ -62,7 +63,8 @@ QString explanation(const QRegularExpression& expression) {
     const QString reason = known == std::end(reasons) ? QStringLiteral("La expresión no es válida")
                                                       : QString::fromUtf16(known->second);
     const qsizetype offset = std::max<qsizetype>(0, expression.patternErrorOffset() - verbs().size());
-    return QStringLiteral("%1 (posición %2)").arg(reason).arg(offset + 1);
+    return QStringLiteral("%1 (posición %2)")
+        .arg(reason, groupedNumber(static_cast<std::uint64_t>(offset) + 1));
 }
 
 /// One scalar on, and past the whole of a CR LF.

@@ -99,7 +99,7 @@ std::optional<Offset> GoToLineBar::place(const QString& written, const Rope& in)
 void GoToLineBar::go() {
     const auto place = GoToLineBar::place(m_place->text(), m_client.storage().text());
     if (!place) {
-        m_message->setText(QStringLiteral("Escriba una línea, o una línea y una columna: 12:5"));
+        m_message->setText(QStringLiteral("Escribe una línea, o una línea y una columna: 12:5"));
         m_place->selectAll();
         return;
     }

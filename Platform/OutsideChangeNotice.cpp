@@ -17,8 +17,8 @@ namespace {
 QString sizeAndTime(const FileIdentity& file) {
     constexpr std::int64_t nanosecondsPerMillisecond = 1'000'000;
     const auto time = QDateTime::fromMSecsSinceEpoch(file.modified / nanosecondsPerMillisecond);
-    return QStringLiteral("%1 bytes, %2")
-        .arg(groupedNumber(file.size), time.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
+    return QStringLiteral("%1, %2").arg(counted(file.size, QStringLiteral("byte"), QStringLiteral("bytes")),
+                                        time.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")));
 }
 
 const QString reloadTitle = QStringLiteral("Volver a cargar");
@@ -154,7 +154,7 @@ void OutsideChangeNotice::finishReloading(DocumentReading reading, bool isWanted
 void OutsideChangeNotice::showChange(const FileIdentity& now) {
     QString text =
         QStringLiteral(
-            "“%1” ha cambiado en el disco, y aquí tiene cambios sin guardar.\nEn el disco ahora: %2.")
+            "“%1” ha cambiado en el disco, y aquí tienes cambios sin guardar.\nEn el disco ahora: %2.")
             .arg(m_window.documentName(), sizeAndTime(now));
     if (const auto& known = m_window.version()) {
         text += QStringLiteral("\nCuando se abrió o guardó: %1.").arg(sizeAndTime(*known));

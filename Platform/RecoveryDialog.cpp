@@ -35,7 +35,8 @@ QString time(const RecoverableDocument& document) {
 
 QTreeWidgetItem* item(const RecoverableDocument& document) {
     auto* const item = new QTreeWidgetItem(
-        {name(document), time(document), QStringLiteral("%1 caracteres").arg(groupedNumber(document.size))});
+        {name(document), time(document),
+         counted(document.size, QStringLiteral("carácter"), QStringLiteral("caracteres"))});
     item->setData(0, idRole, document.id);
     // A tool tip would take a path with angle brackets for markup.
     item->setToolTip(0, QStringLiteral("<qt>%1</qt>").arg(origin(document).toHtmlEscaped()));
@@ -52,8 +53,8 @@ RecoveryDialog::RecoveryDialog(const std::vector<RecoverableDocument>& documents
     resize(usualSize);
     auto* const text = new QLabel(
         QStringLiteral("La última vez, el programa se interrumpió con cambios sin guardar en estos "
-                       "documentos. Los que recupere "
-                       "se abrirán tal como estaban; ningún archivo cambia hasta que los guarde."));
+                       "documentos. Los que recuperes "
+                       "se abrirán tal como estaban; ningún archivo cambia hasta que los guardes."));
     text->setWordWrap(true);
     m_list->setHeaderLabels(
         {QStringLiteral("Documento"), QStringLiteral("Último cambio"), QStringLiteral("Tamaño")});
@@ -114,7 +115,8 @@ void RecoveryDialog::discard() {
         QMessageBox::Warning, QCoreApplication::applicationName(),
         count == 1
             ? QStringLiteral("¿Descartar los cambios de “%1”?").arg(m_list->selectedItems().front()->text(0))
-            : QStringLiteral("¿Descartar los cambios de %1 documentos?").arg(count),
+            : QStringLiteral("¿Descartar los cambios de %1 documentos?")
+                  .arg(groupedNumber(static_cast<std::uint64_t>(count))),
         QMessageBox::NoButton, this);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(QStringLiteral("No se podrán recuperar más."));

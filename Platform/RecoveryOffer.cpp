@@ -1,6 +1,7 @@
 #include "RecoveryOffer.h"
 
 #include "DocumentController.h"
+#include "GroupedNumber.h"
 #include "RecoveryDialog.h"
 
 #include <QCoreApplication>
@@ -76,7 +77,7 @@ void RecoveryOffer::recover(const QStringList& ids) {
 
 void RecoveryOffer::open(const Texts& texts) {
     const auto before = m_controller.windows();
-    int lost = 0;
+    std::uint64_t lost = 0;
     // The latest comes to the front.
     for (auto text = texts.rbegin(); text != texts.rend(); ++text) {
         if (text->second) {
@@ -94,7 +95,7 @@ void RecoveryOffer::open(const Texts& texts) {
     }
     if (lost > 0) {
         tell(lost == 1 ? QStringLiteral("Uno de los textos ya no se puede leer.")
-                       : QStringLiteral("%1 de los textos ya no se pueden leer.").arg(lost),
+                       : QStringLiteral("%1 de los textos ya no se pueden leer.").arg(groupedNumber(lost)),
              QStringLiteral("Lo que queda está en la carpeta “%1”.").arg(m_store->folder()), window());
     }
 }

@@ -20,7 +20,7 @@ namespace {
 QString reason(FileFailure failure) {
     switch (failure) {
     case FileFailure::noPermission:
-        return QStringLiteral("no tiene permiso para escribir en esa carpeta");
+        return QStringLiteral("no tienes permiso para escribir en esa carpeta");
     case FileFailure::noSpace:
         return QStringLiteral("no queda espacio en el disco");
     case FileFailure::tooLarge:
@@ -202,7 +202,7 @@ void RecoveryStore::tellFailure(FileFailure failure, const QString& folder) {
     if (!std::exchange(m_hasToldFailure, true)) {
         emit keepingFailed(
             QStringLiteral("Los cambios sin guardar no se pueden proteger en “%1”: %2. Si el programa se "
-                           "interrumpe, se perderán. Guarde los documentos con frecuencia.")
+                           "interrumpe, se perderán. Guarda los documentos con frecuencia.")
                 .arg(folder, reason(failure)));
     }
 }

@@ -1,6 +1,7 @@
 #include "DocumentError.h"
 
 #include "EncodingName.h"
+#include "GroupedNumber.h"
 
 #include <QFileInfo>
 
@@ -34,8 +35,8 @@ QString reason(FileFailure failure, Action action) {
     case FileFailure::notRegular:
         return QStringLiteral("no es un archivo normal");
     case FileFailure::noPermission:
-        return isRead ? QStringLiteral("no tiene permiso para leer el archivo")
-                      : QStringLiteral("no tiene permiso para escribir el archivo");
+        return isRead ? QStringLiteral("no tienes permiso para leer el archivo")
+                      : QStringLiteral("no tienes permiso para escribir el archivo");
     case FileFailure::noSpace:
         return QStringLiteral("no queda espacio en el disco");
     case FileFailure::tooLarge:
@@ -55,9 +56,7 @@ QString reason(const DecodeFailure& failure, Action) {
 
 QString reason(const UnencodableText& text, Action) {
     return QStringLiteral("el carácter %1 de la línea %2 no existe en la codificación “%3”")
-        .arg(characterName(text.character))
-        .arg(text.line)
-        .arg(localizedName(text.encoding));
+        .arg(characterName(text.character), groupedNumber(text.line), localizedName(text.encoding));
 }
 
 } // namespace

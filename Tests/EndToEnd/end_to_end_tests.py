@@ -209,7 +209,7 @@ class EndToEnd(unittest.TestCase):
         app.wait_for(role="label", name="El documento está bien formado")
         app.press("ctrl+End")
         app.type("<otra/>")
-        app.wait_for(role="push button", name="1 errores, 0 advertencias")
+        app.wait_for(role="push button", name="1 error, 0 advertencias")
         app.wait_for(role="label", name="El documento tiene errores")
         self.assertIsNone(app.find(role="label", name="Sin errores"))
 
@@ -238,7 +238,7 @@ class EndToEnd(unittest.TestCase):
     def test_mends_a_problem_from_the_menu(self):
         path = self.document("<a><b></a>\n")
         app = self.start_with_tree(path)
-        counts = wait_until(lambda: app.find(role="push button", starts="1 errores"), "count of errors")
+        counts = wait_until(lambda: app.find(role="push button", starts="1 error,"), "count of errors")
         app.click_on(counts)
         wait_until(lambda: "Tamo" in app.windows(), "menu of the problems")
         # The problem stands first, what mends it below.
@@ -246,7 +246,7 @@ class EndToEnd(unittest.TestCase):
         app.wait_for(role="label", name="Sin errores")
         self.save(app, path, "<a><b></b></a>\n")
         app.press("ctrl+z")
-        app.wait_for(role="push button", name="1 errores, 0 advertencias")
+        app.wait_for(role="push button", name="1 error, 0 advertencias")
 
     def test_asks_before_closing_an_edited_document(self):
         path = self.sample("biblioteca.xml")
@@ -255,7 +255,7 @@ class EndToEnd(unittest.TestCase):
         app.type("x")
         wait_until(lambda: app.title().startswith("biblioteca.xml*"), "mark of an edited document")
         app.press("ctrl+w")
-        app.wait_for(role="label", starts="¿Guardar los cambios en «biblioteca.xml»?")
+        app.wait_for(role="label", starts="¿Guardar los cambios en “biblioteca.xml”?")
         app.press("Return")
         self.assertEqual(app.process.wait(timeout=30), 0)
         self.assertEqual(path.read_bytes(), b"x" + before)

@@ -163,7 +163,7 @@ TEST(DocumentWindow, AsksBeforeItCloses) {
         Desk::note(window).type(QStringLiteral("cambiado"));
         Answer answer(row.button);
         window->close();
-        EXPECT_EQ(answer.question(), QStringLiteral("¿Guardar los cambios en «a.txt»?"));
+        EXPECT_EQ(answer.question(), QStringLiteral("¿Guardar los cambios en “a.txt”?"));
         EXPECT_EQ(isGone(window), row.closes);
         EXPECT_EQ(desk.read(QStringLiteral("a.txt")), row.contents);
     }

@@ -405,8 +405,8 @@ TEST_F(RecoveryStoreTest, SaysOnceThatItCannotKeepAndTriesAgain) {
     storage.replaceCharacters({0, 0}, u"text");
     ASSERT_TRUE(failures.wait());
     EXPECT_EQ(failures.at(0).at(0).toString(),
-              QStringLiteral("Los cambios sin guardar no se pueden proteger en “%1”: no tiene permiso para "
-                             "escribir en esa carpeta. Si el programa se interrumpe, se perderán. Guarde los "
+              QStringLiteral("Los cambios sin guardar no se pueden proteger en “%1”: no tienes permiso para "
+                             "escribir en esa carpeta. Si el programa se interrumpe, se perderán. Guarda los "
                              "documentos con frecuencia.")
                   .arg(root()));
     storage.replaceCharacters({4, 4}, u" and more");

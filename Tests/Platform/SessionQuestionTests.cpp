@@ -24,8 +24,8 @@ TEST(SessionQuestion, AsksAboutEachDocumentWithChanges) {
         DocumentDesk::note(second).type(QStringLiteral("cambiado"));
         const Answer answer(row.button);
         EXPECT_EQ(SessionQuestion(desk.controller).ask(), row.mayEnd);
-        EXPECT_EQ(answer.question(), row.mayEnd ? QStringLiteral("¿Guardar los cambios en «b.txt»?")
-                                                : QStringLiteral("¿Guardar los cambios en «a.txt»?"));
+        EXPECT_EQ(answer.question(), row.mayEnd ? QStringLiteral("¿Guardar los cambios en “b.txt”?")
+                                                : QStringLiteral("¿Guardar los cambios en “a.txt”?"));
         for (DocumentWindow* const window : {first, second}) {
             EXPECT_TRUE(window->isVisible()) << "another program may still cancel";
             EXPECT_EQ(window->isWindowModified(), row.isModified);

@@ -25,7 +25,7 @@ TEST(DocumentError, NamesTheFileAndTheCause) {
         {{Action::read, FileFailure::missing}, "No se pudo abrir “datos %2.xml”: el archivo no existe."},
         {{Action::read, FileFailure::folder}, "No se pudo abrir “datos %2.xml”: es una carpeta."},
         {{Action::read, FileFailure::noPermission},
-         "No se pudo abrir “datos %2.xml”: no tiene permiso para leer el archivo."},
+         "No se pudo abrir “datos %2.xml”: no tienes permiso para leer el archivo."},
         {{Action::read, DecodeFailure{DecodeFailure::Kind::illegal, 7}},
          "No se pudo abrir “datos %2.xml”: su contenido no se puede leer como texto."},
         {{Action::read, DecodeFailure{DecodeFailure::Kind::tooLong, 0}},

@@ -132,7 +132,7 @@ TEST(SaveFault, DiskThatBecameReadOnly) {
     ASSERT_EQ(mount(nullptr, QFile::encodeName(desk.files).constData(), nullptr,
                     MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr),
               0);
-    desk.checkSave(QStringLiteral("no tiene permiso para escribir el archivo"));
+    desk.checkSave(QStringLiteral("no tienes permiso para escribir el archivo"));
     desk.checkKept();
     desk.checkFile();
 }
@@ -149,7 +149,7 @@ TEST(SaveFault, PermissionTakenAway) {
     QThreadPool::globalInstance()->waitForDone();
     {
         const OrdinaryUser user(desk.files);
-        desk.checkSave(QStringLiteral("no tiene permiso para escribir el archivo"));
+        desk.checkSave(QStringLiteral("no tienes permiso para escribir el archivo"));
     }
     QThreadPool::globalInstance()->waitForDone();
     desk.checkKept();
