@@ -90,7 +90,7 @@ TamoApp::TamoApp() {
     if (m_translator.load(QStringLiteral("qtbase_es"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(&m_translator);
     }
-    QCoreApplication::installTranslator(&m_words);
+    QCoreApplication::installTranslator(&m_toolkitTexts);
 }
 
 TamoApp::~TamoApp() = default;

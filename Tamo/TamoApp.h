@@ -2,7 +2,7 @@
 
 #include "AppDelegate.h"
 #include "DocumentController.h"
-#include "ToolkitWords.h"
+#include "ToolkitTexts.h"
 
 #include <QObject>
 #include <QStringList>
@@ -39,7 +39,7 @@ private:
     void showFailure(const QString& path, const QString& message);
 
     QTranslator m_translator;
-    ToolkitWords m_words; ///< Goes before the translation of the toolkit.
+    ToolkitTexts m_toolkitTexts;
     std::unique_ptr<ApplicationAppearance> m_appearance;
     std::unique_ptr<DocumentController> m_controller;
     std::unique_ptr<AppDelegate> m_appDelegate;
