@@ -7,9 +7,11 @@
 #include "RecentFilesMenu.h"
 #include "RecoveryStore.h"
 #include "UndoManager.h"
+#include "WindowPlacement.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QScreen>
 
 #include <algorithm>
 #include <chrono>
@@ -20,7 +22,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto patience = 200ms;
-constexpr int cascade = 28; ///< Pixels that a window is moved from the one before.
 
 /// The one path of a file, whatever links lead to it.
 QString canonical(const QString& path) {
@@ -60,7 +61,10 @@ DocumentWindow* DocumentController::show(std::unique_ptr<DocumentWindow> window)
     DocumentWindow* const shown = window.release();
     std::erase(m_windows, nullptr);
     if (!m_windows.empty()) {
-        shown->move(m_windows.back()->pos() + QPoint(cascade, cascade));
+        const DocumentWindow& last = *m_windows.back();
+        const QSize frame = last.frameGeometry().size() - last.size();
+        shown->move(
+            WindowPlacement::cascaded(last.pos(), shown->size() + frame, last.screen()->availableGeometry()));
     }
     m_windows.emplace_back(shown);
     connect(shown, &DocumentWindow::aboutToClose, this, [this, shown] {

@@ -7,7 +7,7 @@
 #include "NoticeBar.h"
 #include "TextStorage.h"
 #include "UndoManager.h"
-#include "WriteFailureQuestion.h"
+#include "WindowPlacement.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -16,6 +16,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -36,7 +37,7 @@ DocumentWindow::DocumentWindow(DocumentController& controller)
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
     setMinimumSize(smallestSize);
-    resize(initialSize);
+    resize(WindowPlacement::fitting(initialSize, screen()->availableGeometry()));
     auto* layout = new QVBoxLayout(m_frame);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -436,10 +437,10 @@ void DocumentWindow::showOpening(const QString& path, std::function<void()> canc
 
 DocumentWindow::Answer DocumentWindow::askAboutChanges() {
     QMessageBox question(QMessageBox::Question, QCoreApplication::applicationName(),
-                         QStringLiteral("¿Guardar los cambios en «%1»?").arg(documentName()),
+                         QStringLiteral("¿Guardar los cambios en “%1”?").arg(documentName()),
                          QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
     question.setTextFormat(Qt::PlainText);
-    question.setInformativeText(QStringLiteral("Si no los guarda, se perderán."));
+    question.setInformativeText(QStringLiteral("Si no los guardas, se perderán."));
     question.setDefaultButton(QMessageBox::Save);
     switch (question.exec()) {
     case QMessageBox::Save:

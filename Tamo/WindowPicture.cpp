@@ -30,6 +30,7 @@ using namespace std::chrono_literals;
 using Mode = EditorSession::Mode;
 using Kind = EditorSession::NamePrompt::Kind;
 
+constexpr QSize usualSize(1280, 820);
 constexpr auto settling = 500ms; ///< For a filter's pause and its search, and for what is laid out later.
 
 std::optional<Mode> modeNamed(const QString& name) {
@@ -70,9 +71,9 @@ void WindowPicture::take(DocumentWindow* window) {
         return;
     }
     m_window = window;
-    if (const QStringList size = m_states.value(QStringLiteral("size")).split(u'x'); size.size() == 2) {
-        window->resize(size[0].toInt(), size[1].toInt());
-    }
+    const QStringList size = m_states.value(QStringLiteral("size")).split(u'x');
+    // No picture depends on the screen that it is taken on.
+    window->resize(size.size() == 2 ? QSize(size[0].toInt(), size[1].toInt()) : usualSize);
     // Where nothing manages windows, none is active by itself.
     window->activateWindow();
     auto* const view = static_cast<EditorWindowView*>(window->view());
