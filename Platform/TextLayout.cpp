@@ -353,22 +353,21 @@ void TextLayout::draw(QPainter& painter, std::size_t line, QPointF origin, doubl
     const QPen pen = painter.pen();
     painter.setPen(palette.color(QPalette::Text));
     for (const Piece& piece : shown) {
-        drawPiece(painter, piece, origin, selected, palette);
+        drawPiece(painter, piece, origin, palette);
     }
     painter.setPen(pen);
 }
 
-void TextLayout::drawPiece(QPainter& painter, const Piece& piece, QPointF origin, SourceRange selected,
+void TextLayout::drawPiece(QPainter& painter, const Piece& piece, QPointF origin,
                            const QPalette& palette) const {
     const QPointF start = origin + QPointF(piece.left, 0);
     drawPreeditBackground(painter, piece, start);
     const double baseline = snapped(origin.y() + m_baseline, painter) - origin.y();
-    piece.shaped->draw(painter, start, baseline, colors(piece, selected, palette));
+    piece.shaped->draw(painter, start, baseline, colors(piece));
     drawUnderlines(painter, piece, start, palette);
 }
 
-std::vector<QRgb> TextLayout::colors(const Piece& piece, SourceRange selected,
-                                     const QPalette& palette) const {
+std::vector<QRgb> TextLayout::colors(const Piece& piece) const {
     std::vector<QRgb> colors;
     const auto paint = [&](int lower, int upper, QRgb color) {
         colors.resize(static_cast<std::size_t>(piece.shaped->size()));
@@ -386,7 +385,6 @@ std::vector<QRgb> TextLayout::colors(const Piece& piece, SourceRange selected,
             paintRange(run.range, run.attributes.foreground.rgba());
         }
     }
-    paintRange(selected, palette.color(QPalette::HighlightedText).rgba());
     if (piece.preeditAt >= 0) {
         paint(piece.preeditAt, piece.preeditAt + piece.preeditLength, 0);
         for (const QTextLayout::FormatRange& range : m_preedit.formats) {

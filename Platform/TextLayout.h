@@ -95,7 +95,7 @@ public:
     void setPreedit(Offset at, Preedit preedit);
 
     /// Paints the units of `line` that show between two horizontal coordinates; `origin` is where the line's
-    /// top left is. What is selected is painted in the palette's highlight.
+    /// top left is. Behind what is selected lies the palette's highlight; its characters keep their colours.
     void draw(QPainter& painter, std::size_t line, QPointF origin, double left, double right,
               SourceRange selected, const QPalette& palette);
 
@@ -140,13 +140,12 @@ private:
     void addBoxes(std::vector<QRectF>& boxes, const Piece& piece, SourceRange range) const;
     void addBox(std::vector<QRectF>& boxes, double left, double right) const;
 
-    void drawPiece(QPainter& painter, const Piece& piece, QPointF origin, SourceRange selected,
-                   const QPalette& palette) const;
+    void drawPiece(QPainter& painter, const Piece& piece, QPointF origin, const QPalette& palette) const;
     void drawUnderlines(QPainter& painter, const Piece& piece, QPointF origin, const QPalette& palette) const;
     void drawPreeditBackground(QPainter& painter, const Piece& piece, QPointF origin) const;
     void underline(QPainter& painter, const Piece& piece, QPointF origin, int lower, int upper,
                    double thickness, const QColor& color) const;
-    std::vector<QRgb> colors(const Piece& piece, SourceRange selected, const QPalette& palette) const;
+    std::vector<QRgb> colors(const Piece& piece) const;
 
     Rope m_text;
     QFont m_font;

@@ -9,8 +9,19 @@
 namespace {
 
 constexpr double waveStep = 2;
-constexpr QColor highlightInLight(255, 224, 102);
-constexpr QColor highlightInDark(120, 96, 0);
+constexpr double outlineWidth = 1;
+
+struct Shades {
+    QColor usual;
+    QColor current;
+    QColor outline; ///< Of the current one.
+};
+constexpr Shades inLight{{255, 240, 173}, {255, 199, 84}, {156, 79, 0}};
+constexpr Shades inDark{{74, 62, 14}, {116, 68, 0}, {255, 176, 97}};
+
+const Shades& shades(const QPalette& palette) {
+    return palette.color(QPalette::Base).lightness() < 128 ? inDark : inLight;
+}
 
 } // namespace
 
@@ -19,9 +30,17 @@ SourceRange TextMarks::part(SourceRange range, SourceRange shown) {
                                   std::clamp(range.upper, shown.lower, shown.upper));
 }
 
-void TextMarks::paintHighlight(QPainter& painter, const QRectF& box, const QPalette& palette) {
-    const bool isDark = palette.color(QPalette::Base).lightness() < 128;
-    painter.fillRect(box, isDark ? highlightInDark : highlightInLight);
+QColor TextMarks::highlightColor(Highlight kind, const QPalette& palette) {
+    return kind == Highlight::current ? shades(palette).current : shades(palette).usual;
+}
+
+void TextMarks::paintHighlight(QPainter& painter, const QRectF& box, Highlight kind,
+                               const QPalette& palette) {
+    if (kind == Highlight::current) {
+        painter.fillRect(box, shades(palette).outline);
+    }
+    const double edge = kind == Highlight::current ? outlineWidth : 0;
+    painter.fillRect(box.adjusted(edge, edge, -edge, -edge), highlightColor(kind, palette));
 }
 
 void TextMarks::paintWave(QPainter& painter, const QRectF& box, const QColor& color) {

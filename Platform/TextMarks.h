@@ -5,6 +5,8 @@
 #include <QColor>
 #include <QRectF>
 
+#include <cstdint>
+
 class QPainter;
 class QPalette;
 
@@ -14,8 +16,14 @@ namespace TextMarks {
 /// The part of `range` that `shown` has; empty at the nearer end of `shown` when there is none.
 SourceRange part(SourceRange range, SourceRange shown);
 
-/// Behind the characters in `box`.
-void paintHighlight(QPainter& painter, const QRectF& box, const QPalette& palette);
+/// A match of a search: one of all, or the one that was gone to.
+enum class Highlight : std::uint8_t { usual, current };
+
+/// What is painted behind the characters; they keep their colours and stand out from it.
+QColor highlightColor(Highlight kind, const QPalette& palette);
+
+/// Behind the characters in `box`; the current one with an outline.
+void paintHighlight(QPainter& painter, const QRectF& box, Highlight kind, const QPalette& palette);
 
 /// A wavy line along the bottom of `box`.
 void paintWave(QPainter& painter, const QRectF& box, const QColor& color);

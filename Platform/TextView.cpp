@@ -24,6 +24,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QToolTip>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -653,9 +654,15 @@ void TextView::retile() {
     }
 }
 
-void TextView::resizeEvent(QResizeEvent*) {
+void TextView::resizeEvent(QResizeEvent* event) {
+    const QRectF caret = caretRect();
+    const bool wasCaretInView = caret.top() >= 0 && caret.bottom() <= event->oldSize().height();
     retile();
     updateExtents();
+    if (wasCaretInView && caret.bottom() > viewport()->height()) {
+        // A bar that opens leaves less room: the line that is written in stays.
+        scrollTo(m_horizontal.value(), m_vertical.value() + qCeil(caret.bottom() - viewport()->height()));
+    }
     visibleTextMoved();
 }
 

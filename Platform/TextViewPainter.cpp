@@ -23,21 +23,32 @@ void TextViewPainter::paint(const QRect& area) {
 
 void TextViewPainter::paintLine(std::size_t line) {
     const SourceRange shown = m_view.m_layout.stretch(line, m_view.left(), m_view.right());
-    paintHighlights(line, shown);
-    m_view.m_layout.draw(m_painter, line, m_view.origin(line), m_view.left(), m_view.right(),
-                         m_view.selection(), m_view.palette());
+    const bool isMatchSelected = paintHighlights(line, shown);
+    const SourceRange selected =
+        isMatchSelected ? SourceRange::empty(m_view.selection().upper) : m_view.selection();
+    m_view.m_layout.draw(m_painter, line, m_view.origin(line), m_view.left(), m_view.right(), selected,
+                         m_view.palette());
     paintUnderlines(line, shown);
 }
 
-void TextViewPainter::paintHighlights(std::size_t line, SourceRange shown) {
+/// Returns whether what is selected is one of them: the mark of the current one then stands for the
+/// selection.
+bool TextViewPainter::paintHighlights(std::size_t line, SourceRange shown) {
+    using enum TextMarks::Highlight;
     if (!m_view.m_highlights) {
-        return;
+        return false;
     }
+    const SourceRange selected = m_view.selection();
+    bool hasCurrent = false;
     for (const SourceRange range : m_view.m_highlights(shown)) {
+        const bool isCurrent = !selected.isEmpty() && range == selected;
+        hasCurrent |= isCurrent;
         for (const QRectF& box : m_view.m_layout.boxes(TextMarks::part(range, shown), line)) {
-            TextMarks::paintHighlight(m_painter, box.translated(m_view.origin(line)), m_view.palette());
+            TextMarks::paintHighlight(m_painter, box.translated(m_view.origin(line)),
+                                      isCurrent ? current : usual, m_view.palette());
         }
     }
+    return hasCurrent;
 }
 
 void TextViewPainter::paintUnderlines(std::size_t line, SourceRange shown) {

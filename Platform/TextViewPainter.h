@@ -19,7 +19,7 @@ public:
 
 private:
     void paintLine(std::size_t line);
-    void paintHighlights(std::size_t line, SourceRange shown);
+    bool paintHighlights(std::size_t line, SourceRange shown);
     void paintUnderlines(std::size_t line, SourceRange shown);
     void paintCaret();
 

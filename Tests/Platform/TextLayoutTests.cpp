@@ -47,7 +47,7 @@ struct Sample : TextLayout {
         QPalette palette;
         palette.setColor(QPalette::Text, Qt::black);
         palette.setColor(QPalette::Highlight, Qt::yellow);
-        palette.setColor(QPalette::HighlightedText, Qt::blue);
+        palette.setColor(QPalette::HighlightedText, Qt::blue); // Painted nowhere.
         return palette;
     }
 };
@@ -295,4 +295,14 @@ TEST(TextLayout, CopesWithHostileLines) {
         EXPECT_GE(layout.width() + 1, end);
         EXPECT_LE(layout.offset(0, 1e9), layout.text().size());
     }
+}
+
+TEST(TextLayout, KeepsTheColoursOfSelectedCharacters) {
+    Sample layout(u"MMMM");
+    layout.setTemporaryAttributes({0, 2}, {Qt::red});
+    const QImage image = layout.drawn({0, 4});
+    EXPECT_GT(count(image, Qt::yellow), 0);
+    EXPECT_GT(count(image, Qt::red), 0);
+    EXPECT_GT(count(image, Qt::black), 0);
+    EXPECT_EQ(count(image, Qt::blue), 0);
 }

@@ -1,4 +1,5 @@
 #include "TextDesk.h"
+#include "TextMarks.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -439,4 +440,59 @@ TEST(TextView, GoesHomeInTwoSteps) {
     EXPECT_EQ(desk.shown(), u"|   uno");
     desk.press(Qt::Key_Home, Qt::ShiftModifier);
     EXPECT_EQ(desk.shown(), u"[   ]uno");
+}
+
+TEST(TextView, MarksTheMatchThatIsSelectedMostOfAll) {
+    TextDesk desk(u"uno dos uno");
+    desk.view.setHighlights([](SourceRange) { return std::vector<SourceRange>{{0, 3}, {8, 11}}; });
+    const auto picture = [&](SourceRange selection) {
+        desk.view.select(selection);
+        return desk.view.viewport()->grab().toImage();
+    };
+    const auto pixels = [&](const QImage& image, Offset at, const QColor& color) {
+        const QRect box(desk.view.caretRect(at).toRect().topLeft(),
+                        desk.view.caretRect(at + 3).toRect().bottomLeft());
+        int found = 0;
+        for (int y = box.top(); y <= box.bottom(); ++y) {
+            for (int x = box.left(); x <= box.right(); ++x) {
+                found += image.pixelColor(x, y) == color;
+            }
+        }
+        return found;
+    };
+    const QColor current = TextMarks::highlightColor(TextMarks::Highlight::current, desk.view.palette());
+    const QColor usual = TextMarks::highlightColor(TextMarks::Highlight::usual, desk.view.palette());
+    const QColor selection = desk.view.palette().color(QPalette::Highlight);
+    const QImage onMatch = picture({8, 11});
+    EXPECT_GT(pixels(onMatch, 8, current), 0);
+    EXPECT_EQ(pixels(onMatch, 8, selection), 0);
+    EXPECT_GT(pixels(onMatch, 0, usual), 0);
+    EXPECT_EQ(pixels(onMatch, 0, current), 0);
+    const QImage beside = picture({4, 7});
+    EXPECT_GT(pixels(beside, 4, selection), 0);
+    EXPECT_GT(pixels(beside, 8, usual), 0);
+}
+
+TEST(TextView, KeepsTheLineOfTheCaretInViewWhenItGetsLower) {
+    std::u16string text;
+    for (int line = 0; line < 200; ++line) {
+        text += u"linea\n";
+    }
+    TextDesk desk(text);
+    const auto isCaretInView = [&] {
+        const QRectF caret = desk.view.caretRect();
+        return caret.top() >= 0 && caret.bottom() <= desk.view.viewport()->height();
+    };
+    const std::size_t last = desk.view.lastVisibleLine() - 1;
+    desk.view.select(SourceRange::empty(desk.storage.text().lineStart(last)));
+    ASSERT_TRUE(isCaretInView());
+    desk.view.resize(600, 240);
+    EXPECT_TRUE(isCaretInView());
+    desk.view.resize(600, 160);
+    EXPECT_TRUE(isCaretInView());
+    // What was scrolled away on purpose stays away.
+    desk.view.verticalScrollBar()->setValue(desk.view.verticalScrollBar()->maximum());
+    ASSERT_FALSE(isCaretInView());
+    desk.view.resize(600, 120);
+    EXPECT_FALSE(isCaretInView());
 }
