@@ -477,6 +477,8 @@ QIcon InterfaceStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* op
         return Symbol::icon(u"exclamationmark.circle.fill", SystemColor::systemRed);
     case SP_MessageBoxInformation:
         return Symbol::icon(u"exclamationmark.circle.fill", SystemColor::systemBlue);
+    case SP_MessageBoxQuestion:
+        return Symbol::icon(u"questionmark.circle.fill", SystemColor::accent);
     default:
         return QProxyStyle::standardIcon(pixmap, option, widget);
     }

@@ -51,6 +51,9 @@ constexpr SymbolDrawing drawings[] = {
       {cutLine, "M 7.5 5 L 7.5 8.5"},
       {cutFill, "O 7.5 11 1"}}},
     {u"gearshape", {{line, "W 7.5 7.5 5 6.5 8 3"}, {line, "O 7.5 7.5 2.25"}}},
+    {u"increase.indent",
+     {{line, "M 1.5 2.5 L 13.5 2.5 M 7.5 5.5 L 13.5 5.5 M 7.5 8.5 L 13.5 8.5 M 1.5 11.5 L 13.5 11.5"},
+      {line, "M 1.75 5.25 L 4.25 7 L 1.75 8.75"}}},
     {u"lightbulb",
      {{line,
        "M 5.5 10.5 Q 5.5 9.5 4.7 8.7 Q 3.5 7.4 3.5 5.5 Q 3.5 1.5 7.5 1.5 Q 11.5 1.5 11.5 5.5 Q 11.5 7.4 10.3 "
@@ -81,6 +84,10 @@ constexpr SymbolDrawing drawings[] = {
      {{line, backSquare}, {line, "R 5.5 5.5 8 8 1.75"}, {line, "M 9.5 7.5 L 9.5 11.5 M 7.5 9.5 L 11.5 9.5"}}},
     {u"plus.square.on.square.fill",
      {{line, backSquare}, {fill, "R 5 5 9 9 2"}, {cutLine, "M 9.5 7 L 9.5 12 M 7 9.5 L 12 9.5"}}},
+    {u"questionmark.circle.fill",
+     {{fill, disc},
+      {cutLine, "M 5.5 5.9 Q 5.5 3.9 7.5 3.9 Q 9.5 3.9 9.5 5.6 Q 9.5 6.7 8.4 7.2 Q 7.5 7.6 7.5 8.4"},
+      {cutFill, "O 7.5 11 1"}}},
     {u"rectangle.dashed",
      {{line,
        "M 1.5 5.2 L 1.5 4.5 Q 1.5 2.5 3.5 2.5 L 4 2.5 M 11 2.5 L 11.5 2.5 Q 13.5 2.5 13.5 4.5 L 13.5 5.2 "

@@ -260,3 +260,13 @@ TEST_F(InterfaceStyleTest, HeadsGroupsWithoutAFrame) {
     EXPECT_EQ(field->x(), 0);
     EXPECT_GE(field->y(), 24);
 }
+
+TEST_F(InterfaceStyleTest, DrawsTheIconsOfMessagesItself) {
+    for (const auto icon : {QStyle::SP_MessageBoxQuestion, QStyle::SP_MessageBoxWarning,
+                            QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxInformation}) {
+        EXPECT_TRUE(m_style.standardIcon(icon, nullptr, nullptr).name().endsWith(QStringLiteral(".fill")))
+            << icon;
+    }
+    EXPECT_EQ(m_style.standardIcon(QStyle::SP_MessageBoxQuestion, nullptr, nullptr).name(),
+              QStringLiteral("questionmark.circle.fill"));
+}
