@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QPalette>
+#include <QStyleHints>
 #include <QToolTip>
 
 namespace {
@@ -26,6 +27,8 @@ ApplicationAppearance::ApplicationAppearance(QObject* parent)
     QApplication::setFont(SystemFont::body());
     QApplication::setFont(SystemFont::semibold(SystemFont::caption()), "QHeaderView");
     QToolTip::setFont(SystemFont::callout());
+    // Some desktops hide them there.
+    QGuiApplication::styleHints()->setShowShortcutsInContextMenus(true);
     QApplication::setPalette(palette(m_current));
     QToolTip::setPalette(palette(m_current));
     connect(&m_desktop, &DesktopAppearance::preferenceChanged, this, &ApplicationAppearance::update);

@@ -3,6 +3,7 @@
 #include "CommitField.h"
 #include "EditorWindowView.h"
 #include "InsertionPrompts.h"
+#include "NodeShortcuts.h"
 #include "TreeEditorView.h"
 
 #include <QAction>
@@ -105,10 +106,10 @@ QMenu* AppCommands::makeFormatMenu(QWidget* parent) {
 
 QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     auto* menu = new QMenu(QStringLiteral("&Nodo"), parent);
-    addPrompt(*menu, QStringLiteral("Añadir hijo…"), Qt::CTRL | Qt::Key_Return, Kind::addChild);
-    addPrompt(*menu, QStringLiteral("Añadir hermano…"), Qt::CTRL | Qt::SHIFT | Qt::Key_Return, Kind::addSibling);
-    addPrompt(*menu, QStringLiteral("Envolver en…"), Qt::CTRL | Qt::ALT | Qt::Key_W, Kind::wrap);
-    add(*menu, QStringLiteral("Duplicar"), {Qt::CTRL | Qt::Key_D}, &EditorSession::duplicate);
+    addPrompt(*menu, QStringLiteral("Añadir hijo…"), NodeShortcuts::addChild, Kind::addChild);
+    addPrompt(*menu, QStringLiteral("Añadir hermano…"), NodeShortcuts::addSibling, Kind::addSibling);
+    addPrompt(*menu, QStringLiteral("Envolver en…"), NodeShortcuts::wrap, Kind::wrap);
+    add(*menu, QStringLiteral("Duplicar"), {NodeShortcuts::duplicate}, &EditorSession::duplicate);
     menu->addSeparator();
     // Window managers take the first of each; they leave the second.
     add(*menu, QStringLiteral("Mover arriba"),
@@ -116,7 +117,7 @@ QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     add(*menu, QStringLiteral("Mover abajo"),
         {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down}, &EditorSession::moveDown);
     menu->addSeparator();
-    add(*menu, QStringLiteral("Copiar ruta"), {Qt::CTRL | Qt::SHIFT | Qt::Key_C},
+    add(*menu, QStringLiteral("Copiar ruta"), {NodeShortcuts::copyPath},
         [](EditorWindowView& view) { view.session().copyPath(); });
     add(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);
     menu->addSeparator();

@@ -6,6 +6,7 @@
 #include "MutationPlanner.h"
 #include "NodeClipboard.h"
 #include "NodeCopy.h"
+#include "NodeShortcuts.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
@@ -181,15 +182,20 @@ std::unique_ptr<QMenu> TreeEditorView::makeMenu(std::size_t row) {
     QAction* const addChild = menu->addAction(Symbol::icon(u"plus.square.on.square"),
                                               QStringLiteral("Añadir hijo…"), ask(PromptKind::addChild));
     addChild->setEnabled(m_session.tree()[m_session.rows()[row].node].isElement());
-    menu->addAction(Symbol::icon(u"plus"), QStringLiteral("Añadir hermano…"), ask(PromptKind::addSibling));
-    menu->addAction(QStringLiteral("Duplicar"), &m_session, &EditorSession::duplicate);
-    menu->addAction(QStringLiteral("Envolver en…"), ask(PromptKind::wrap));
+    addChild->setShortcut(NodeShortcuts::addChild);
+    menu->addAction(Symbol::icon(u"plus"), QStringLiteral("Añadir hermano…"), ask(PromptKind::addSibling))
+        ->setShortcut(NodeShortcuts::addSibling);
+    menu->addAction(QStringLiteral("Duplicar"), &m_session, &EditorSession::duplicate)
+        ->setShortcut(NodeShortcuts::duplicate);
+    menu->addAction(QStringLiteral("Envolver en…"), ask(PromptKind::wrap))->setShortcut(NodeShortcuts::wrap);
     menu->addSeparator();
     menu->addAction(Symbol::icon(u"link"), QStringLiteral("Copiar ruta"), &m_session,
-                    &EditorSession::copyPath);
+                    &EditorSession::copyPath)
+        ->setShortcut(NodeShortcuts::copyPath);
     menu->addSeparator();
     menu->addAction(Symbol::icon(u"trash", SystemColor::systemRed), QStringLiteral("Eliminar"), &m_session,
-                    &EditorSession::deleteSelection);
+                    &EditorSession::deleteSelection)
+        ->setShortcut(QKeySequence::Delete);
     addClipboard(*menu);
     addInsertions(*menu);
     return menu;

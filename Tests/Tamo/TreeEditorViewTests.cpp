@@ -206,20 +206,21 @@ TEST(TreeEditorView, OffersItsCommandsInOrder) {
     struct Entry {
         QString text; ///< Empty for a divider.
         bool hasIcon;
+        QKeySequence shortcut = {};
     };
     const Entry entries[] = {
-        {QStringLiteral("Añadir hijo…"), true},
-        {QStringLiteral("Añadir hermano…"), true},
-        {QStringLiteral("Duplicar"), false},
-        {QStringLiteral("Envolver en…"), false},
+        {QStringLiteral("Añadir hijo…"), true, Qt::CTRL | Qt::Key_Return},
+        {QStringLiteral("Añadir hermano…"), true, Qt::CTRL | Qt::SHIFT | Qt::Key_Return},
+        {QStringLiteral("Duplicar"), false, Qt::CTRL | Qt::Key_D},
+        {QStringLiteral("Envolver en…"), false, Qt::CTRL | Qt::ALT | Qt::Key_W},
         {QString(), false},
-        {QStringLiteral("Copiar ruta"), true},
+        {QStringLiteral("Copiar ruta"), true, Qt::CTRL | Qt::SHIFT | Qt::Key_C},
         {QString(), false},
-        {QStringLiteral("Eliminar"), true},
+        {QStringLiteral("Eliminar"), true, Qt::Key_Delete},
         {QString(), false},
-        {QStringLiteral("Cortar"), false},
-        {QStringLiteral("Copiar"), false},
-        {QStringLiteral("Pegar"), false},
+        {QStringLiteral("Cortar"), false, QKeySequence::Cut},
+        {QStringLiteral("Copiar"), false, QKeySequence::Copy},
+        {QStringLiteral("Pegar"), false, QKeySequence::Paste},
         {QString(), false},
         {QStringLiteral("Insertar texto…"), false},
         {QStringLiteral("Insertar comentario…"), false},
@@ -231,6 +232,7 @@ TEST(TreeEditorView, OffersItsCommandsInOrder) {
         EXPECT_EQ(actions[at]->text(), entries[at].text) << at;
         EXPECT_EQ(!actions[at]->icon().isNull(), entries[at].hasIcon) << at;
         EXPECT_TRUE(actions[at]->isEnabled()) << at;
+        EXPECT_EQ(actions[at]->shortcut(), entries[at].shortcut) << at;
     }
 }
 
