@@ -24,6 +24,21 @@ constexpr int removalWidth = 28;
 constexpr int symbolSize = 14;
 constexpr qsizetype longestSpokenName = 100; ///< Of an attribute, in the name of its field.
 constexpr int mostRowsAtOnce = 12; ///< A longer table scrolls.
+constexpr int mostMeasured = 200;  ///< Names that the width of their column comes from.
+constexpr qsizetype longestMeasured = 100;
+constexpr int cellPadding = 20; ///< Left and right of a name together.
+
+/// The width of the longest of the first names.
+int widestName(const AttributeTableModel& model, const QFontMetrics& metrics) {
+    int widest = 0;
+    for (int row = 0; row < std::min(model.rowCount(), mostMeasured); ++row) {
+        const QString name =
+            model.data(model.index(row, AttributeTableModel::name), Qt::DisplayRole).toString();
+        widest =
+            std::max(widest, metrics.horizontalAdvance(name.first(std::min(name.size(), longestMeasured))));
+    }
+    return widest;
+}
 
 } // namespace
 
@@ -132,6 +147,7 @@ void AttributeTableView::setElement(const NodePath& path, NodeID node) {
         m_model.setNode(&m_session.tree(), node);
     }
     fitHeight();
+    fitNames();
     editAdded();
 }
 
@@ -236,7 +252,18 @@ void AttributeTableView::editAdded() {
 
 void AttributeTableView::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    m_table->horizontalHeader()->resizeSection(AttributeTableModel::name, (width() - removalWidth) * 2 / 5);
+    fitNames();
+}
+
+int AttributeTableView::nameColumnWidth(int widestName, int room) {
+    const int shared = std::max(room, 0);
+    return std::clamp(widestName + cellPadding, shared * 2 / 5, shared * 3 / 5);
+}
+
+void AttributeTableView::fitNames() {
+    const int widest = widestName(m_model, m_table->fontMetrics());
+    m_table->horizontalHeader()->resizeSection(AttributeTableModel::name,
+                                               nameColumnWidth(widest, width() - removalWidth));
 }
 
 void AttributeTableView::fitHeight() {

@@ -26,6 +26,10 @@ public:
     /// Shows no element, and no longer reads the session's tree. A draft that was not committed is given up.
     void clear();
 
+    /// How wide the column of names is in `room` pixels for both columns: two fifths, and where the longest
+    /// of the names needs more, up to three fifths.
+    static int nameColumnWidth(int widestName, int room);
+
     QTableView* table() const { return m_table; }
     QToolButton* addButton() const { return m_add; }
 
@@ -45,6 +49,7 @@ private:
     void add();
     void editAdded();
     void fitHeight();
+    void fitNames();
 
     EditorSession& m_session;
     NodePath m_path;

@@ -202,3 +202,20 @@ TEST(AttributeTableView, ShowsAHundredThousandAttributes) {
     EXPECT_LT(desk.view.sizeHint().height(), 500);
     EXPECT_LT(desk.table().findChildren<QWidget*>().size(), 50);
 }
+
+TEST(AttributeTableView, WidensTheColumnOfNamesForLongOnes) {
+    EXPECT_EQ(AttributeTableView::nameColumnWidth(10, 300), 120);
+    EXPECT_EQ(AttributeTableView::nameColumnWidth(130, 300), 150);
+    EXPECT_EQ(AttributeTableView::nameColumnWidth(10'000, 300), 180);
+
+    const auto width = [](std::u16string_view text) {
+        const Desk desk(text);
+        return desk.table().columnWidth(Column::name);
+    };
+    const int usual = width(u"<a b='1'/>");
+    const int wider = width(u"<a b='1' modificado.por.la='2'/>");
+    const int widest = width(u"<a b='1' este.nombre.es.tan.largo.que.no.cabe.nunca='2'/>");
+    EXPECT_LT(usual, wider);
+    EXPECT_LT(wider, widest);
+    EXPECT_LE(widest, 320 * 3 / 5);
+}
