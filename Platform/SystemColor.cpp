@@ -40,13 +40,13 @@ Values values(SystemColor color) {
     case SystemColor::textBackground:
         return {0xFFFFFFFF, 0xFF1B1C20};
     case SystemColor::alternateRow:
-        return {0xFFF6F7F9, 0xFF202126};
+        return {0xFFF8F9FA, 0xFF1F2024};
     case SystemColor::currentLine:
         return {0xFFF3F6FB, 0xFF23252B};
     case SystemColor::selection:
         return {0xFFCFE1FB, 0xFF263F68};
     case SystemColor::quietSelection:
-        return {0xFFE2E4E9, 0xFF34373E};
+        return {0xFFDCE2EC, 0xFF363C48};
     case SystemColor::barBackground:
         return {0xFFF2F3F5, 0xFF26282D};
     case SystemColor::control:

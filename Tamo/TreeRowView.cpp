@@ -1,6 +1,7 @@
 #include "TreeRowView.h"
 
 #include "DisplayText.h"
+#include "GroupedNumber.h"
 #include "ShownText.h"
 #include "StringUnits.h"
 #include "Symbol.h"
@@ -110,14 +111,14 @@ int paintText(QPainter& painter, const QRect& rect, const Part& part,
 }
 
 Part count(const TreeRowView& view, const QPalette& palette) {
-    return {QString::number(view.tree[view.row.node].childCount),
+    return {groupedNumber(view.tree[view.row.node].childCount),
             SystemFont::withMonospacedDigits(SystemFont::caption()),
             color(SystemColor::secondaryLabel, palette)};
 }
 
 int countWidth(const TreeRowView& view) {
     const QFont font = SystemFont::withMonospacedDigits(SystemFont::caption());
-    return QFontMetrics(font).horizontalAdvance(QString::number(view.tree[view.row.node].childCount));
+    return QFontMetrics(font).horizontalAdvance(groupedNumber(view.tree[view.row.node].childCount));
 }
 
 QRect ground(const QRect& row) { return row.adjusted(inset, 0, -inset, 0); }
@@ -128,15 +129,16 @@ QRect frame(const QRect& row, int x, int size) {
 }
 
 void paintGround(QPainter& painter, const TreeRowView::Appearance& appearance, const QPalette& palette) {
-    if (!appearance.isSelected && !appearance.isAlternate) {
-        return;
+    if (appearance.isAlternate) {
+        painter.fillRect(appearance.rect, color(SystemColor::alternateRow, palette));
     }
-    const SystemColor fill = !appearance.isSelected ? SystemColor::alternateRow
-                             : appearance.hasFocus  ? SystemColor::selection
-                                                    : SystemColor::quietSelection;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color(fill, palette));
-    painter.drawRoundedRect(ground(appearance.rect), cornerRadius, cornerRadius);
+    if (appearance.isSelected) {
+        // Only what is selected has a shape of its own.
+        const SystemColor fill = appearance.hasFocus ? SystemColor::selection : SystemColor::quietSelection;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color(fill, palette));
+        painter.drawRoundedRect(ground(appearance.rect), cornerRadius, cornerRadius);
+    }
 }
 
 /// An outline around the row that keys go to.
