@@ -6,8 +6,10 @@
 #include "DiagnosticsBar.h"
 #include "FindBar.h"
 #include "GoToLineBar.h"
+#include "GroupedNumber.h"
 #include "NamePromptDialog.h"
 #include "NodeInspectorView.h"
+#include "PaneSplitter.h"
 #include "SegmentedControl.h"
 #include "Symbol.h"
 #include "SymbolLabel.h"
@@ -23,7 +25,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QShowEvent>
-#include <QSplitter>
 #include <QStackedWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -35,9 +36,9 @@ namespace {
 
 using Mode = EditorSession::Mode;
 
-constexpr int inspectorWidth = 320;
-constexpr int narrowestInspector = 240;
-constexpr int narrowestPane = 200;
+// Three panes of these widths fit into the smallest window.
+constexpr int narrowestInspector = 200;
+constexpr int narrowestPane = 130;
 constexpr int narrowestMessage = 280;
 
 struct Segment {
@@ -62,11 +63,16 @@ QFrame* makeSeparator() {
     return line;
 }
 
-QSplitter* makeSplitter() {
-    auto* splitter = new QSplitter(Qt::Horizontal);
-    splitter->setHandleWidth(1);
-    splitter->setChildrenCollapsible(false);
-    return splitter;
+/// `bars` one below the other.
+QWidget* makeStack(std::initializer_list<QWidget*> bars) {
+    auto* stack = new QWidget;
+    auto* column = new QVBoxLayout(stack);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    for (QWidget* const bar : bars) {
+        column->addWidget(bar);
+    }
+    return stack;
 }
 
 /// A box with a heading, and lines of a length that reads well.
@@ -126,18 +132,14 @@ void EditorWindowView::buildPanes() {
     m_source->setMinimumWidth(narrowestPane);
     m_tree->setMinimumWidth(narrowestPane);
     m_inspector->setMinimumWidth(narrowestInspector);
-    m_panes = makeSplitter();
+    m_panes = new PaneSplitter(PaneSplitter::Kept::share);
     m_panes->addWidget(m_source);
     m_panes->addWidget(m_tree);
-    // Equal halves to begin with.
-    m_panes->setSizes({10'000, 10'000});
-
-    auto* columns = makeSplitter();
+    auto* columns = new PaneSplitter(PaneSplitter::Kept::trailingWidth);
     columns->addWidget(m_panes);
     columns->addWidget(m_inspector);
-    columns->setStretchFactor(0, 1);
-    columns->setStretchFactor(1, 0);
-    columns->setSizes({10'000, inspectorWidth});
+    // Above all panes: no pane is always as wide as they need.
+    m_findBars = makeStack({&m_source->findBar(), &m_source->goToLineBar()});
 
     m_editor = new QWidget;
     auto* rows = new QVBoxLayout(m_editor);
@@ -147,6 +149,7 @@ void EditorWindowView::buildPanes() {
     m_diagnostics = new DiagnosticsBar(m_session);
     rows->addWidget(m_breadcrumbs);
     rows->addWidget(makeSeparator());
+    rows->addWidget(m_findBars);
     rows->addWidget(columns, 1);
     rows->addWidget(makeSeparator());
     rows->addWidget(m_diagnostics);
@@ -166,7 +169,10 @@ void EditorWindowView::buildToolBar() {
             [this](int mode) { m_session.setMode(static_cast<Mode>(mode)); });
     m_toolBar->addWidget(m_modes);
 
-    QAction* const format = m_toolBar->addAction(Symbol::icon(u"text.alignleft"), QStringLiteral("Formatear"));
+    QAction* const format =
+        m_toolBar->addAction(Symbol::icon(u"increase.indent"), QStringLiteral("Formatear"));
+    static_cast<QToolButton*>(m_toolBar->widgetForAction(format))
+        ->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     format->setToolTip(QStringLiteral("Formatear documento (%1)")
                            .arg(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F).toString(QKeySequence::NativeText)));
     connect(format, &QAction::triggered, this, [this] {
@@ -216,6 +222,7 @@ void EditorWindowView::connectBreadcrumbs() {
 
 void EditorWindowView::collectPanes() {
     m_panesInTurn.setPanes({{m_gallery, m_gallery},
+                            {m_findBars, nullptr},
                             {m_source, &m_source->textView()},
                             {m_tree, &m_tree->outline()},
                             {m_inspector, nullptr},
@@ -236,7 +243,9 @@ void EditorWindowView::showMode() {
     const Mode mode = m_session.mode();
     const QWidget* const focused = QApplication::focusWidget();
     const auto isIn = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
-    const bool losesFocus = (mode == Mode::visual && isIn(m_source)) || (mode == Mode::text && isIn(m_tree));
+    const bool losesFocus = (mode == Mode::visual && (isIn(m_source) || isIn(m_findBars))) ||
+                            (mode == Mode::text && isIn(m_tree));
+    m_findBars->setVisible(mode != Mode::visual);
     m_source->setVisible(mode != Mode::visual);
     m_tree->setVisible(mode != Mode::text);
     m_modes->setCurrent(static_cast<int>(mode));
@@ -271,7 +280,7 @@ void EditorWindowView::showStatus() {
         m_status->setToolTip(QStringLiteral("El documento está bien formado"));
     } else {
         m_status->setIcon(Symbol::icon(u"xmark.seal.fill", SystemColor::systemRed));
-        m_status->setText(QStringLiteral("%1 errores").arg(errors));
+        m_status->setText(counted(errors, QStringLiteral("error"), QStringLiteral("errores")));
         m_status->setToolTip(QStringLiteral("El documento tiene errores"));
     }
     m_status->setAccessibleName(m_status->toolTip());

@@ -11,9 +11,9 @@ class CodeEditorView;
 class DiagnosticsBar;
 class NamePromptDialog;
 class NodeInspectorView;
+class PaneSplitter;
 class QAction;
 class QMessageBox;
-class QSplitter;
 class QStackedWidget;
 class QToolBar;
 class SegmentedControl;
@@ -87,7 +87,8 @@ private:
     QStackedWidget* m_pages = nullptr;
     TemplateGalleryView* m_gallery = nullptr;
     QWidget* m_editor = nullptr;
-    QSplitter* m_panes = nullptr;
+    PaneSplitter* m_panes = nullptr;
+    QWidget* m_findBars = nullptr; ///< To look for something in the source.
     BreadcrumbBar* m_breadcrumbs = nullptr;
     DiagnosticsBar* m_diagnostics = nullptr;
     PaneCycle m_panesInTurn;
