@@ -37,6 +37,7 @@ std::u16string withLineBreaks(std::u16string_view text, std::u16string_view line
 struct Markup {
     std::u16string source;
     bool hasElement = false;
+    bool hasText = false; ///< Between its nodes: white space around it would be read along.
 };
 
 /// The part of `pasted` behind the XML declaration and the document type that it begins with.
@@ -70,6 +71,7 @@ std::optional<Markup> markup(std::u16string_view text, NodePaste::Origin origin)
     for (NodeID child = tree[*outer].firstChild; !child.isNone(); child = tree[child].nextSibling) {
         hasMarkup = hasMarkup || tree[child].kind != Kind::text;
         found.hasElement = found.hasElement || tree[child].isElement();
+        found.hasText = found.hasText || tree[child].kind == Kind::text;
     }
     return hasMarkup ? std::optional(std::move(found)) : std::nullopt;
 }
@@ -110,7 +112,9 @@ NodeAddition::Result insertion(const Markup& markup, Place place, const Document
     const std::u16string to =
         place.isInside ? layout.childIndentation(place.node) : layout.lineIndentation(place.node);
     const std::u16string source = reindented(markup.source, indentation(markup.source), to);
-    if (place.isInside && in[place.node].isElement() && NodeAddition::holdsText(place.node, in)) {
+    const bool isTextElement =
+        place.isInside && in[place.node].isElement() && in.hasOnlyTextContent(place.node);
+    if (isTextElement && (markup.hasText || NodeAddition::holdsText(place.node, in))) {
         return NodeAddition::planned(NodeAddition::behindText(place.node, source, in));
     }
     return NodeAddition::planned(NodeInsertion::plan(
@@ -136,7 +140,7 @@ NodeAddition::Result NodePaste::plan(std::u16string pasted, Origin origin,
                                   indent);
     }
     if (isDocumentEmpty) {
-        found->source = trimmed(pasted);
+        found->source = pasted;
     }
     return insertion(*found, place(*found, *node, in), in, indent);
 }

@@ -8,6 +8,7 @@
 #include "NodeCopy.h"
 #include "NodeShortcuts.h"
 #include "Symbol.h"
+#include "SymbolLabel.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 
@@ -15,6 +16,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedLayout>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -80,8 +82,17 @@ void TreeEditorView::makeFilterField() {
     m_filterField->setAccessibleName(QStringLiteral("Filtrar nodos"));
     m_filterField->setClearButtonEnabled(true);
     m_filterField->setMinimumHeight(fieldHeight);
-    m_filterField->addAction(Symbol::icon(u"magnifyingglass", SystemColor::secondaryLabel),
-                             QLineEdit::LeadingPosition);
+    // A label: an action in the field would be a button that does nothing.
+    auto* const symbol = new SymbolLabel;
+    symbol->setIcon(Symbol::icon(u"magnifyingglass", SystemColor::secondaryLabel));
+    symbol->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto* const inField = new QHBoxLayout(m_filterField);
+    inField->setContentsMargins(0, 0, 0, 0);
+    inField->addWidget(symbol, 0, Qt::AlignLeft | Qt::AlignVCenter);
+    m_filterField->setTextMargins(symbol->sizeHint().width() - margin, 0, 0, 0);
+    for (QToolButton* const clear : m_filterField->findChildren<QToolButton*>()) {
+        clear->setAccessibleName(QStringLiteral("Vaciar el filtro"));
+    }
     m_filterField->installEventFilter(this);
     FieldUndo::shareWithDocument(*m_filterField);
     connect(m_filterField, &QLineEdit::textChanged, &m_session, &EditorSession::setFilter);

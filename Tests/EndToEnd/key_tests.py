@@ -215,6 +215,18 @@ class Keys(unittest.TestCase):
 
     # What everything is
 
+    def test_announces_what_does_nothing_as_no_button(self):
+        app = self.start_with_tree("<a><b/></a>\n")
+        self.choose(app, "b")
+        app.wait_for(role="label", name="El documento está bien formado")
+        buttons = set(app.names("push button"))
+        self.assertEqual(
+            buttons,
+            {"Formatear", "Documento", "a", "b", "Contraer", "Añadir atributo", "Hijo", "Hermano"}
+            | {"Duplicar", "Envolver", "Eliminar"},
+        )
+        self.assertEqual(app.names("radio button"), ["Texto", "Visual", "Dividido"])
+
     def test_brings_the_selected_node_into_view_by_its_crumb(self):
         app, text = self.start_with_text("<a>\n" + "<!---->\n" * 200 + "<b/>\n</a>\n")
         app.press("ctrl+End", "Up", "Up", "Home")

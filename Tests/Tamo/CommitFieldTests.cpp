@@ -162,6 +162,22 @@ TEST(CommitField, LeavesReturnWithControlToCommands) {
     EXPECT_FALSE(asked.isAccepted());
 }
 
+TEST(CommitField, GrowsWithWrappedLinesUpToABound) {
+    Desk desk(CommitField::Axis::vertical, QStringLiteral("uno"));
+    desk.window.resize(200, 600);
+    const int height = desk.field->editor()->height();
+    desk.field->setDraft(QStringLiteral("palabra ").repeated(30));
+    EXPECT_GT(desk.field->editor()->height(), height);
+    const int grown = desk.field->editor()->height();
+    desk.field->setDraft(QStringLiteral("palabra ").repeated(3000));
+    const int tallest = desk.field->editor()->height();
+    EXPECT_GT(tallest, grown);
+    EXPECT_LT(tallest, 400);
+    desk.field->setDraft(QStringLiteral("palabra ").repeated(30));
+    desk.window.resize(1200, 600);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.field->editor()->height() < grown; }));
+}
+
 TEST(CommitField, KeepsLineBreaksItCannotShow) {
     // A CR becomes a line break in the editor; that alone is no change.
     for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {

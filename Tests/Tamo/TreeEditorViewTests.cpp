@@ -199,6 +199,31 @@ TEST(TreeEditorView, LeavesANodeThatTheFilterHides) {
     EXPECT_EQ(pane.desk.text(), library);
 }
 
+TEST(TreeEditorView, OffersARootWhereThereIsNone) {
+    Pane pane(u"<?xml version=\"1.0\"?>\n");
+    auto* const button = pane.view.findChild<QPushButton*>();
+    ASSERT_NE(button, nullptr);
+    EXPECT_TRUE(button->isVisible());
+    EXPECT_EQ(button->text(), QStringLiteral("Crear elemento raíz…"));
+    QTest::mouseClick(button, Qt::LeftButton);
+    auto* const prompt = qobject_cast<NamePromptDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(prompt, nullptr);
+    QTest::keyClicks(prompt->findChild<QLineEdit*>(), "a");
+    QTest::keyClick(prompt, Qt::Key_Return);
+    pane.settle();
+    EXPECT_EQ(pane.desk.text(), u"<?xml version=\"1.0\"?>\n<a></a>\n");
+    pane.view.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&pane.view));
+    EXPECT_TRUE(waitFor([&] { return pane.outline.hasFocus(); })) << "the keys go on to the tree";
+
+    Pane withRoot(u"<!-- c --><a/>");
+    withRoot.choose(u"<!--");
+    EXPECT_EQ(withRoot.action(QStringLiteral("Crear elemento raíz…")), nullptr);
+    Pane withoutRoot(u"<!-- c -->");
+    withoutRoot.choose(u"<!--");
+    EXPECT_NE(withoutRoot.action(QStringLiteral("Crear elemento raíz…")), nullptr);
+}
+
 TEST(TreeEditorView, OffersItsCommandsInOrder) {
     Pane pane(library);
     pane.choose(u"<libro>");
