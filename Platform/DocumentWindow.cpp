@@ -64,6 +64,7 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
                                  const std::optional<FileIdentity>& version) {
     precondition(m_document == nullptr, "a window has one document for life");
     m_document = std::move(document);
+    m_openingPath.clear();
     m_path = path;
     m_version = version;
     m_notices->dismiss();
@@ -86,7 +87,8 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
 const DocumentType& DocumentWindow::type() const { return m_controller.type(); }
 
 QString DocumentWindow::documentName() const {
-    return m_path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(m_path).fileName();
+    const QString& path = m_path.isEmpty() ? m_openingPath : m_path;
+    return path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(path).fileName();
 }
 
 bool DocumentWindow::isPristine() const {
@@ -429,6 +431,8 @@ void DocumentWindow::takeOver(DocumentReading reading, const QString& actionName
 }
 
 void DocumentWindow::showOpening(const QString& path, std::function<void()> cancel) {
+    m_openingPath = path;
+    showTitle();
     m_notices->tell(QStringLiteral("Abriendo “%1”…").arg(QFileInfo(path).fileName()), true);
     m_notices->offer(QStringLiteral("Cancelar"), std::move(cancel));
 }

@@ -41,7 +41,7 @@ public:
     const QString& path() const { return m_path; }
     const std::optional<FileIdentity>& version() const { return m_version; }
 
-    /// The file's name, "Sin título" without one.
+    /// The file's name, also while it is being read; "Sin título" without a file.
     QString documentName() const;
 
     /// Whether this is a new document that nobody touched.
@@ -70,7 +70,7 @@ public:
     /// `reading` has contents.
     void takeOver(DocumentReading reading, const QString& actionName);
 
-    /// Says that a file is being read, and offers to give up.
+    /// Says that a file is being read, whose name the window has from now on, and offers to give up.
     void showOpening(const QString& path, std::function<void()> cancel);
 
     /// Tells the user something in a box, and waits until it is read.
@@ -143,6 +143,7 @@ private:
     std::unique_ptr<Document> m_document;
     std::vector<std::unique_ptr<QObject>> m_companions; ///< They go first.
     QString m_path;
+    QString m_openingPath; ///< Of the file that is being read for a window without a document.
     std::optional<FileIdentity> m_version; ///< Of the file, as it was read or written last.
 
     QWidget* m_view = nullptr;

@@ -46,6 +46,9 @@ TEST(DocumentController, ShowsAFileThatTakesLong) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return desk.controller.windows().size() == 1; }));
     DocumentWindow* const window = desk.controller.windows().front();
     EXPECT_EQ(window->notices().text(), QStringLiteral("Abriendo “a.txt”…"));
+    EXPECT_EQ(window->documentName(), QStringLiteral("a.txt"));
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("a.txt[*] — ")));
+    EXPECT_FALSE(window->isPristine());
     EXPECT_TRUE(window->notices().isBusy());
     desk.gate.open();
     ASSERT_TRUE(desk.opened.count() == 1 || desk.opened.wait(10'000));
