@@ -53,6 +53,8 @@ Values values(SystemColor color) {
         return {0xFFFFFFFF, 0xFF383B42};
     case SystemColor::separator:
         return {0xFFD9DBE0, 0xFF464A52};
+    case SystemColor::foundText:
+        return {0xFFFFE066, 0xFF6B5600};
     }
     Q_UNREACHABLE();
 }

@@ -31,6 +31,7 @@ enum class SystemColor : std::uint8_t {
     barBackground,  ///< Behind tool bars, status bars, headers and inspectors.
     control,        ///< The face of a button that stands on a bar.
     separator,      ///< Hairlines between panes, around fields and between groups.
+    foundText,      ///< Behind what a filter found, in `textColor`.
 };
 
 /// The value for surroundings with the window colour of `palette`.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -39,7 +40,11 @@ public:
         }
     }
 
-    bool occurs(std::u16string_view in) const;
+    std::size_t length() const { return m_units.size(); }
+    bool occurs(std::u16string_view in) const { return firstEnd(in).has_value(); }
+
+    /// Where the first occurrence ends.
+    std::optional<std::size_t> firstEnd(std::u16string_view in) const;
 
 private:
     /// How many units of the query are matched once `unit`, a folded one, follows `matched` of them.
@@ -76,9 +81,9 @@ std::ptrdiff_t Query::findCandidate(std::u16string_view units, std::ptrdiff_t fr
         });
 }
 
-bool Query::occurs(std::u16string_view in) const {
+std::optional<std::size_t> Query::firstEnd(std::u16string_view in) const {
     if (in.size() < m_units.size()) {
-        return false;
+        return std::nullopt;
     }
     const auto end = static_cast<std::ptrdiff_t>(in.size());
     std::size_t matched = 0;
@@ -86,15 +91,15 @@ bool Query::occurs(std::u16string_view in) const {
         if (matched == 0) {
             at = findCandidate(in, at);
             if (at == end) {
-                return false;
+                return std::nullopt;
             }
         }
         matched = matchedAfter(fold(in[at]), matched);
         if (matched == m_units.size()) {
-            return true;
+            return static_cast<std::size_t>(at) + 1;
         }
     }
-    return false;
+    return std::nullopt;
 }
 
 bool matchesElement(const Query& query, const DocumentTree& tree, NodeID element,
@@ -126,6 +131,25 @@ std::vector<NodeID> NodeSearch::matches(std::u16string_view query, const Documen
         if (isMatch) {
             found.push_back(node);
         }
+    }
+    return found;
+}
+
+std::vector<SourceRange> NodeSearch::occurrences(std::u16string_view query, std::u16string_view in,
+                                                 std::size_t most) {
+    std::vector<SourceRange> found;
+    if (query.empty()) {
+        return found;
+    }
+    const Query folded(query);
+    std::size_t start = 0;
+    while (found.size() < most) {
+        const auto end = folded.firstEnd(in.substr(start));
+        if (!end) {
+            break;
+        }
+        start += *end;
+        found.emplace_back(static_cast<Offset>(start - folded.length()), static_cast<Offset>(start));
     }
     return found;
 }

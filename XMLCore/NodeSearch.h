@@ -2,6 +2,7 @@
 
 #include "DocumentTree.h"
 
+#include <cstddef>
 #include <stop_token>
 #include <string_view>
 #include <vector>
@@ -20,5 +21,9 @@ namespace NodeSearch {
 /// Takes time linear in the text. Asks `stop` before each node and attribute; once it was requested, returns
 /// the matches so far, which the caller discards. May run on any thread.
 std::vector<NodeID> matches(std::u16string_view query, const DocumentTree& in, std::stop_token stop = {});
+
+/// Where `query` occurs in `in`, compared as `matches` does: the first `most` places from left to right, in
+/// units of `in`, none overlapping the one before. The empty query occurs nowhere. Takes time linear in `in`.
+std::vector<SourceRange> occurrences(std::u16string_view query, std::u16string_view in, std::size_t most);
 
 } // namespace NodeSearch

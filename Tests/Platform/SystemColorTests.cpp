@@ -88,3 +88,10 @@ TEST(SystemColor, HasAnotherValueInTheDark) {
         EXPECT_LT(luminance(color(each, dark)), luminance(color(each, light))) << int(each);
     }
 }
+
+TEST(SystemColor, KeepsFoundTextReadable) {
+    for (const QPalette& palette : {light, dark}) {
+        EXPECT_GE(contrast(color(SystemColor::textColor, palette), color(SystemColor::foundText, palette)),
+                  4.5);
+    }
+}

@@ -202,3 +202,13 @@ TEST(NodeSearch, AgreesWithItsDefinition) {
             << ::testing::PrintToString(query) << " in " << ::testing::PrintToString(text);
     }
 }
+
+TEST(NodeSearch, TellsWhereAQueryOccurs) {
+    using Ranges = std::vector<SourceRange>;
+    EXPECT_EQ(NodeSearch::occurrences(u"É", u"Café, té y cafe", 10), (Ranges{{3, 4}, {7, 8}, {14, 15}}));
+    EXPECT_EQ(NodeSearch::occurrences(u"aa", u"aaaaa", 10), (Ranges{{0, 2}, {2, 4}}));
+    EXPECT_EQ(NodeSearch::occurrences(u"a", u"aaaaa", 2), (Ranges{{0, 1}, {1, 2}}));
+    EXPECT_EQ(NodeSearch::occurrences(u"", u"aaa", 2), Ranges());
+    EXPECT_EQ(NodeSearch::occurrences(u"b", u"aaa", 2), Ranges());
+    EXPECT_EQ(NodeSearch::occurrences(u"largo", u"lar", 2), Ranges());
+}
