@@ -2,15 +2,18 @@
 
 #include "DisplayText.h"
 #include "GroupedNumber.h"
+#include "NodeSearch.h"
 #include "ShownText.h"
 #include "StringUnits.h"
 #include "Symbol.h"
 #include "SystemColor.h"
 #include "SystemFont.h"
 #include "TagPalette.h"
+#include "TreeRowMatch.h"
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <vector>
@@ -30,17 +33,24 @@ constexpr double cornerRadius = 6;
 
 constexpr std::size_t textPreviewLimit = 100;
 constexpr std::size_t cdataPreviewLimit = 80;
+constexpr std::size_t searchedPreview = 1024; ///< Characters that a match is shown in, wherever it stands.
 constexpr Offset nameLimit = 200; ///< Units of a name; laying out a longer one takes its time.
+constexpr std::size_t mostMarks = 50;
 
 /// A part of a label in one font and colour.
 struct Part {
     QString text;
     QFont font;
     QColor color;
+    bool isOfDocument = true; ///< A filter may have found something in it.
 };
 
 QString preview(const TreeRowView& view, std::size_t limit) {
-    return QString::fromStdU16String(view.tree.preview(view.row.node, limit).value_or(std::u16string()));
+    const bool isFiltered = !view.filter.isEmpty();
+    const std::size_t looked = isFiltered ? searchedPreview : limit;
+    const QString start =
+        QString::fromStdU16String(view.tree.preview(view.row.node, looked).value_or(std::u16string()));
+    return isFiltered ? TreeRowMatch::excerpt(start, view.filter, static_cast<qsizetype>(limit)) : start;
 }
 
 /// The name of an element or instruction, its end left out where it is very long.
@@ -75,14 +85,16 @@ std::vector<Part> parts(const TreeRowView& view, const QPalette& palette) {
     case Kind::document:
         return {};
     case Kind::element:
-        return {{name(view), SystemFont::semibold(SystemFont::body()), tagColor(view, palette)}};
+        return {
+            {name(view), SystemFont::semibold(SystemFont::body()), tagColor(view, palette)},
+            {TreeRowMatch::attribute(view.tree, view.row.node, view.filter), SystemFont::body(), secondary}};
     case Kind::text:
         return {{preview(view, textPreviewLimit), SystemFont::body(), primary}};
     case Kind::comment:
         return {{preview(view, textPreviewLimit), italic(SystemFont::body()), secondary}};
     case Kind::cdata:
         return {{QStringLiteral("CDATA"), SystemFont::semibold(SystemFont::caption()),
-                 color(SystemColor::systemTeal, palette)},
+                 color(SystemColor::systemTeal, palette), false},
                 {preview(view, cdataPreviewLimit), SystemFont::body(), secondary}};
     case Kind::instruction:
         return {{name(view), SystemFont::semibold(SystemFont::body()), secondary},
@@ -107,6 +119,37 @@ int paintText(QPainter& painter, const QRect& rect, const Part& part,
     // The base direction is that of the program, whatever the text begins with.
     painter.drawText(rect, int(alignment | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextForceLeftToRight,
                      shown);
+    return QFontMetrics(part.font).horizontalAdvance(shown);
+}
+
+/// The same, with what `filter` finds in it marked.
+int paintMarked(QPainter& painter, const QRect& rect, const Part& part, const QString& filter,
+                const QPalette& palette) {
+    const QString shown =
+        QFontMetrics(part.font).elidedText(visible(part.text), Qt::ElideRight, rect.width());
+    const auto found = NodeSearch::occurrences(unitsOf(filter), unitsOf(shown), mostMarks);
+    if (!part.isOfDocument || found.empty()) {
+        return paintText(painter, rect, part);
+    }
+    QTextCharFormat mark;
+    mark.setBackground(color(SystemColor::foundText, palette));
+    mark.setForeground(color(SystemColor::textColor, palette));
+    QList<QTextLayout::FormatRange> marks;
+    for (const SourceRange range : found) {
+        marks.push_back({static_cast<int>(range.lower), static_cast<int>(range.length()), mark});
+    }
+    QTextLayout layout(shown, part.font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.setFormats(marks);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(rect.width());
+    layout.endLayout();
+    painter.setPen(part.color);
+    layout.draw(&painter, QPointF(rect.left(), rect.top() + (rect.height() - line.height()) / 2));
     return QFontMetrics(part.font).horizontalAdvance(shown);
 }
 
@@ -208,7 +251,7 @@ void TreeRowView::paint(QPainter& painter, const Appearance& appearance, const Q
         paintText(painter, number, count(*this, palette), Qt::AlignRight);
     }
     for (const Part& part : parts(*this, palette)) {
-        label.setLeft(label.left() + paintText(painter, label, part) + wideGap);
+        label.setLeft(label.left() + paintMarked(painter, label, part, filter, palette) + wideGap);
     }
     if (hasError) {
         Symbol::draw(painter, errorRect(appearance), QStringLiteral("exclamationmark.triangle.fill"),

@@ -12,12 +12,14 @@ class QPainter;
 /// `row` and `tree` outlive it.
 ///
 /// From left to right: indentation, the disclosure button of a row with children, the symbol of the kind of
-/// node, the label; at the right end the number of children while they are hidden, and a mark for problems.
-/// Texts of the document are plain, and bounded before they are laid out.
+/// node, the label, in a filtered outline also the attribute that matched; at the right end the number of
+/// children while they are hidden, and a mark for problems. Texts of the document are plain, and bounded
+/// before they are laid out.
 struct TreeRowView {
     const TreeOutline::Row& row;
     const DocumentTree& tree;
     bool hasError = false; ///< A problem lies on this node.
+    QString filter = {};   ///< What the rows are filtered by; marked where it stands in the label.
 
     /// How the row is shown besides what it says.
     struct Appearance {

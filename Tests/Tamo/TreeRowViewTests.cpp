@@ -212,3 +212,22 @@ TEST(TreeRowView, ShowsWhereTheSelectionAndTheKeyboardAre) {
     EXPECT_EQ(ground(selected), color(SystemColor::quietSelection, light).rgb());
     EXPECT_EQ(ground(focused), color(SystemColor::selection, light).rgb());
 }
+
+TEST(TreeRowView, MarksWhatAFilterFound) {
+    const DocumentTree tree = parse(u"<libro n='uno'/>");
+    const Row row = rowOf({1}, tree);
+    for (const QPalette& surroundings : {palette(Qt::white), palette(QColor(32, 32, 32))}) {
+        const QColor ink = color(SystemColor::foundText, surroundings);
+        const auto isMarked = [&](const char16_t* filter, bool isSelected) {
+            TreeRowView::Appearance look = plain;
+            look.isSelected = look.hasFocus = isSelected;
+            const TreeRowView view{row, tree, false, QString::fromUtf16(filter)};
+            return hasColor(painted(view, look, surroundings), view.labelRect(look), ink);
+        };
+        EXPECT_TRUE(isMarked(u"IBR", false));
+        EXPECT_TRUE(isMarked(u"ibr", true));
+        EXPECT_TRUE(isMarked(u"uno", false));
+        EXPECT_FALSE(isMarked(u"otro", false));
+        EXPECT_FALSE(isMarked(u"", false));
+    }
+}
