@@ -34,6 +34,12 @@ NodePathSet::Place NodePathSet::place(const NodePath& of) const {
     return at;
 }
 
+NodePathSet::Place NodePathSet::insert(Place parent, std::uint32_t position, bool isMember) {
+    const Place added = add(parent, position);
+    m_records[added.raw].isMember |= isMember;
+    return added;
+}
+
 /// The record of `position` below another, which is made when there is none.
 NodePathSet::Place NodePathSet::add(Place below, std::uint32_t position) {
     Place previous;

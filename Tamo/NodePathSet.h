@@ -38,6 +38,10 @@ public:
 
     Place place(const NodePath& of) const;
     Cursor below(Place place) const;
+
+    /// Adds the path below `parent` that ends in `position`, as a member or as one that only leads to others.
+    /// Takes constant time when positions ascend.
+    Place insert(Place parent, std::uint32_t position, bool isMember);
     bool contains(Place place) const { return !place.isNone() && m_records[place.raw].isMember; }
 
 private:
@@ -58,6 +62,9 @@ private:
 
 class NodePathSet::Cursor {
 public:
+    /// Whether there are no more records.
+    bool isAtEnd() const { return m_current.isNone(); }
+
     /// The place of the path that ends in `position`, which is not below the one asked for before.
     Place advance(std::uint32_t position) {
         while (!m_current.isNone() && (*m_records)[m_current.raw].position < position) {

@@ -105,3 +105,21 @@ TEST(NodePathSet, AgreesWithASetOfPaths) {
         }
     }
 }
+
+TEST(NodePathSet, IsBuiltAndReadPlaceByPlace) {
+    NodePathSet set;
+    const NodePathSet::Place leads = set.insert(NodePathSet::root(), 2, false);
+    set.insert(leads, 0, true);
+    set.insert(leads, 7, true);
+    set.insert(leads, 7, false);
+    EXPECT_FALSE(set.contains(NodePath{{2}}));
+    EXPECT_TRUE(set.contains(NodePath{{2, 0}}));
+    EXPECT_TRUE(set.contains(NodePath{{2, 7}})) << "a member stays one";
+    NodePathSet::Cursor cursor = set.below(leads);
+    EXPECT_FALSE(cursor.isAtEnd());
+    EXPECT_TRUE(cursor.advance(3).isNone());
+    EXPECT_FALSE(cursor.advance(7).isNone());
+    EXPECT_TRUE(cursor.advance(8).isNone());
+    EXPECT_TRUE(cursor.isAtEnd());
+    EXPECT_TRUE(set.below(set.place(NodePath{{2, 0}})).isAtEnd());
+}
