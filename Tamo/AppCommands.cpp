@@ -42,8 +42,18 @@ void add(QMenu& menu, const QString& title, const Shortcuts& shortcuts, void (Ed
     add(menu, title, shortcuts, [operation](EditorWindowView& view) { (view.session().*operation)(); });
 }
 
+/// The same for a command on the selected node: it works on none that cannot be seen.
+void addOnNode(QMenu& menu, const QString& title, const Shortcuts& shortcuts,
+               std::function<void(EditorSession&)> command) {
+    add(menu, title, shortcuts, [command = std::move(command)](EditorWindowView& view) {
+        if (view.isSelectionInSight()) {
+            command(view.session());
+        }
+    });
+}
+
 void addPrompt(QMenu& menu, const QString& title, const QKeySequence& shortcut, Kind kind) {
-    add(menu, title, {shortcut}, [kind](EditorWindowView& view) { view.session().requestNamePrompt(kind); });
+    addOnNode(menu, title, {shortcut}, [kind](EditorSession& session) { session.requestNamePrompt(kind); });
 }
 
 void addMode(QMenu& menu, const QString& title, const QKeySequence& shortcut, Mode mode) {
@@ -57,10 +67,15 @@ void addPaneStep(QMenu& menu, const QString& title, const QKeySequence& shortcut
 
 /// Commands that write new nodes. That for a root element shows while there is none.
 void addInsertions(QMenu& menu) {
-    add(menu, QStringLiteral("Insertar texto…"), {},
-        [](EditorWindowView& view) { view.treeEditor().prompts().askForText(); });
-    add(menu, QStringLiteral("Insertar comentario…"), {},
-        [](EditorWindowView& view) { view.treeEditor().prompts().askForComment(); });
+    const auto addPrompted = [&menu](const QString& title, void (InsertionPrompts::*ask)()) {
+        add(menu, title, {}, [ask](EditorWindowView& view) {
+            if (view.isSelectionInSight()) {
+                (view.treeEditor().prompts().*ask)();
+            }
+        });
+    };
+    addPrompted(QStringLiteral("Insertar texto…"), &InsertionPrompts::askForText);
+    addPrompted(QStringLiteral("Insertar comentario…"), &InsertionPrompts::askForComment);
     QAction* const root = add(menu, QStringLiteral("Crear elemento raíz…"), {},
                               [](EditorWindowView& view) { view.treeEditor().prompts().askForRoot(); });
     QObject::connect(&menu, &QMenu::aboutToShow, root, [root] {
@@ -109,17 +124,16 @@ QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     addPrompt(*menu, QStringLiteral("Añadir hijo…"), NodeShortcuts::addChild, Kind::addChild);
     addPrompt(*menu, QStringLiteral("Añadir hermano…"), NodeShortcuts::addSibling, Kind::addSibling);
     addPrompt(*menu, QStringLiteral("Envolver en…"), NodeShortcuts::wrap, Kind::wrap);
-    add(*menu, QStringLiteral("Duplicar"), {NodeShortcuts::duplicate}, &EditorSession::duplicate);
+    addOnNode(*menu, QStringLiteral("Duplicar"), {NodeShortcuts::duplicate}, &EditorSession::duplicate);
     menu->addSeparator();
     // Window managers take the first of each; they leave the second.
-    add(*menu, QStringLiteral("Mover arriba"),
-        {Qt::CTRL | Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::SHIFT | Qt::Key_Up}, &EditorSession::moveUp);
-    add(*menu, QStringLiteral("Mover abajo"),
-        {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down}, &EditorSession::moveDown);
+    addOnNode(*menu, QStringLiteral("Mover arriba"),
+              {Qt::CTRL | Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::SHIFT | Qt::Key_Up}, &EditorSession::moveUp);
+    addOnNode(*menu, QStringLiteral("Mover abajo"),
+              {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down}, &EditorSession::moveDown);
     menu->addSeparator();
-    add(*menu, QStringLiteral("Copiar ruta"), {NodeShortcuts::copyPath},
-        [](EditorWindowView& view) { view.session().copyPath(); });
-    add(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);
+    addOnNode(*menu, QStringLiteral("Copiar ruta"), {NodeShortcuts::copyPath}, &EditorSession::copyPath);
+    addOnNode(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);
     menu->addSeparator();
     addInsertions(*menu);
     return menu;

@@ -22,6 +22,8 @@ public:
 
     /// Shows the element `node` of the session's tree, which stands at `path`. To be called for every tree.
     void setElement(const NodePath& path, NodeID node);
+    /// The element is the same in another tree, at `path` there: what is being edited goes on.
+    void setPath(const NodePath& path) { m_path = path; }
 
     /// Shows no element, and no longer reads the session's tree. A draft that was not committed is given up.
     void clear();

@@ -184,6 +184,7 @@ bool CodeEditorCoordinator::doCommand(TextCommand command) {
 }
 
 bool CodeEditorCoordinator::shouldChangeText(SourceRange range, std::u16string_view replacement) {
+    m_session.noteTyping();
     if (m_textView == nullptr || m_textView->hasMarkedText()) {
         return true;
     }

@@ -174,7 +174,7 @@ DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
 void DiagnosticsBar::showTree() {
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const std::size_t errors = diagnostics.errorCount();
-    m_noErrors->setVisible(diagnostics.empty());
+    m_noErrors->setVisible(m_session.hasTree() && diagnostics.empty());
     m_counts->setVisible(!diagnostics.empty());
     m_next->setVisible(!diagnostics.empty());
     m_counts->show(errors, diagnostics.size() - errors);
@@ -185,7 +185,8 @@ void DiagnosticsBar::showFacts() {
     const bool usesCRLF = TextNavigation::lineEnding(m_session.buffer().text()) == u"\r\n";
     m_lineEnding->setText(usesCRLF ? QStringLiteral("CRLF") : QStringLiteral("LF"));
     m_encoding->setText(m_session.encodingName());
-    m_size->setText(dataSize(m_session.parsed()->byteCount));
+    m_size->setVisible(m_session.hasTree());
+    m_size->setText(m_session.hasTree() ? dataSize(m_session.parsed()->byteCount) : QString());
 }
 
 void DiagnosticsBar::fillMenu() {

@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <limits>
@@ -38,6 +39,22 @@ std::u16string distinctName(const std::u16string& name,
         distinct = name + QString::number(number).toStdU16String();
     }
     return distinct;
+}
+
+/// The paths that `mutation` holds.
+std::vector<NodePath*> pathsOf(TreeMutation& mutation) {
+    std::vector<NodePath*> paths;
+    std::visit(
+        [&paths](auto& specific) {
+            if constexpr (requires { specific.path; }) {
+                paths.push_back(&specific.path);
+            }
+            if constexpr (requires { specific.target; }) {
+                paths.push_back(&specific.target);
+            }
+        },
+        mutation.value);
+    return paths;
 }
 
 /// Takes over the units without copying them.
@@ -124,8 +141,15 @@ void EditorSession::setErrorMessage(const std::optional<QString>& message) {
 void EditorSession::setSelection(const std::optional<NodePath>& selection) {
     if (m_selection != selection) {
         m_selection = selection;
+        ++m_selectionSerial;
         emit selectionChanged();
     }
+}
+
+/// Reveals what was just selected elsewhere: the caret, which goes there, is not to select anything itself.
+void EditorSession::revealSelection(SourceRange range) {
+    const QScopedValueRollback ours(m_isCaretOurs, true);
+    requestReveal(range);
 }
 
 void EditorSession::requestReveal(SourceRange range) {
@@ -155,6 +179,7 @@ void EditorSession::noteEdit(SourceRange edited, std::int64_t changeInLength) {
     const std::int64_t lengthBefore = std::int64_t(edited.length()) - changeInLength;
     const SourceRange replaced = SourceRange::at(edited.lower, lengthBefore);
     m_editsSinceParse.add(replaced, edited.length());
+    m_outline.noteEdit(replaced, edited.length());
     if (m_pendingSelectOffset && replaced.contains(*m_pendingSelectOffset)) {
         m_pendingSelectOffset.reset();
     } else if (m_pendingSelectOffset && replaced.upper <= *m_pendingSelectOffset) {
@@ -162,7 +187,7 @@ void EditorSession::noteEdit(SourceRange edited, std::int64_t changeInLength) {
     }
 }
 
-ReparseScheduler::Snapshot EditorSession::snapshot() const {
+ReparseScheduler::Snapshot EditorSession::snapshot() {
     OutlineContents::Request outline = m_outline.request();
     outline.selection = m_selection;
     outline.selectOffset = m_pendingSelectOffset;
@@ -175,10 +200,17 @@ void EditorSession::reparse(std::chrono::milliseconds delay) {
         [this](ReparseScheduler::Result result) { deliver(std::move(result)); });
 }
 
-void EditorSession::bringTreeUpToDate() {
-    if (!isTreeCurrent()) {
-        deliver(m_scheduler.parseNow(snapshot(), [this](const Work& parse) { runWork(parse); }));
+void EditorSession::bringTreeUpToDate(const std::vector<NodePath*>& paths) {
+    if (isTreeCurrent()) {
+        return;
     }
+    const auto carrying = connect(this, &EditorSession::treeChanged, this, [this, &paths] {
+        for (NodePath* const path : paths) {
+            *path = carried(*path);
+        }
+    });
+    deliver(m_scheduler.parseNow(snapshot(), [this](const Work& parse) { runWork(parse); }));
+    disconnect(carrying);
 }
 
 void EditorSession::deliver(ReparseScheduler::Result result) {
@@ -192,18 +224,27 @@ void EditorSession::deliver(ReparseScheduler::Result result) {
             ? std::move(result.outline.toSelect)
             : std::nullopt;
     m_pendingSelectOffset.reset();
-    const bool isSelectionThere = isStillThere(result.outline);
-    result.outline.rows = m_outline.take(m_parsed, std::exchange(result.outline, {}));
+    const bool isSelectionFound = result.outline.request.selection == m_selection;
+    std::optional<NodePath> selection = std::move(result.outline.selection);
+    result.outline = m_outline.take(m_parsed, std::exchange(result.outline, {}));
+    if (!isSelectionFound) {
+        // Another node was selected while the worker looked for the one before.
+        selection = m_selection ? std::optional(carried(*m_selection)) : std::nullopt;
+        selection = selection && m_outline.resolve(*selection) ? selection : std::nullopt;
+    }
 
-    // Everybody who is told finds all of it new.
-    std::optional<NodePath> selection = isSelectionThere ? m_selection : std::nullopt;
+    // All slots find all of it new.
+    m_selectionSerial += selection.has_value() != m_selection.has_value() ? 1 : 0;
     if (toSelect) {
+        m_selectionSerial += selection != toSelect->path ? 1 : 0;
+        m_isCaretNews = false;
         selection = toSelect->path;
     }
     const bool isSelectionNew = selection != m_selection;
     m_selection = std::move(selection);
-    m_scheduler.recycle(std::move(result));
     emit treeChanged();
+    m_outline.forgetBefore();
+    m_scheduler.recycle(std::move(result));
     if (isGenerationNew) {
         emit treeGenerationChanged();
     }
@@ -217,17 +258,10 @@ void EditorSession::deliver(ReparseScheduler::Result result) {
     if (toSelect) {
         const SourceRange range = m_parsed->tree[toSelect->node].range;
         m_outline.showAncestors(toSelect->path, toSelect->node);
-        requestReveal(range);
+        revealSelection(range);
+    } else if (m_isCaretNews) {
+        selectCaretNode();
     }
-}
-
-bool EditorSession::isStillThere(const OutlineContents& selectionIn) const {
-    if (!m_selection) {
-        return false;
-    }
-    // Somebody may have selected another node while the worker looked for the last one.
-    return selectionIn.request.selection == m_selection ? selectionIn.isSelectionThere
-                                                        : m_parsed->tree.resolve(*m_selection).has_value();
 }
 
 void EditorSession::runWork(const Work& work, std::size_t units) {
@@ -250,8 +284,13 @@ std::vector<Breadcrumb> EditorSession::breadcrumbs() const {
     return node ? Breadcrumbs::steps(*node, *m_selection, tree()) : std::vector<Breadcrumb>();
 }
 
+bool EditorSession::isSelectionFilteredOut() const {
+    return areRowsFiltered() && m_selection && !rows().row(*m_selection, tree());
+}
+
 void EditorSession::select(const NodePath& path) {
     m_pendingSelectOffset.reset();
+    m_isCaretNews = false;
     if (m_selection == path) {
         return;
     }
@@ -261,15 +300,27 @@ void EditorSession::select(const NodePath& path) {
     }
     if (const auto node = m_outline.resolve(path)) {
         if (const auto now = m_editsSinceParse.now(tree()[*node].range)) {
-            requestReveal(*now);
+            revealSelection(*now);
         }
     }
 }
 
 void EditorSession::followCaret() {
+    if (m_mode == Mode::visual || m_isCaretOurs) {
+        return;
+    }
+    if (isTreeCurrent()) {
+        selectCaretNode();
+    } else {
+        m_isCaretNews = true;
+    }
+}
+
+void EditorSession::selectCaretNode() {
+    m_isCaretNews = false;
     const Offset caret = m_textSelection.lower;
     // The end of the text lies in no node.
-    if (m_mode == Mode::visual || !isTreeCurrent() || caret >= tree().text.count()) {
+    if (caret >= tree().text.count()) {
         return;
     }
     const NodeID node = tree().innermostNode(caret);
@@ -278,6 +329,19 @@ void EditorSession::followCaret() {
         setSelection(path);
         m_outline.showAncestors(path, node);
     }
+}
+
+std::optional<NodePath> EditorSession::showNode(Offset at) {
+    const Offset then = m_editsSinceParse.then(SourceRange::empty(at)).lower;
+    const NodeID innermost = tree().innermostNode(then);
+    // Between the topmost nodes, the one before is near enough.
+    const NodeID node = innermost != NodeID::document() ? innermost : tree().node(then);
+    if (node == NodeID::document()) {
+        return std::nullopt;
+    }
+    const NodePath path = m_outline.path(node);
+    m_outline.showAncestors(path, node);
+    return path;
 }
 
 void EditorSession::expand(const NodePath& path) { m_outline.setExpanded(path, true); }
@@ -294,6 +358,7 @@ void EditorSession::reveal(SourceRange range) {
         const NodeID node = tree().innermostNode(range.lower);
         const NodePath path = m_outline.path(node);
         m_pendingSelectOffset.reset();
+        m_isCaretNews = false;
         setSelection(path);
         m_outline.showAncestors(path, node);
     }
@@ -361,6 +426,7 @@ void EditorSession::applyEdits(std::span<const TextEdit> edits, const QString& a
         added += std::max<std::int64_t>(edit.delta(), 0);
     }
     if (isChange && hasRoomFor(added)) {
+        const QScopedValueRollback ours(m_isCaretOurs, true);
         m_buffer.apply(edits, actionName);
         reparse(0ms);
     }
@@ -388,6 +454,7 @@ void EditorSession::layOut(const Layout& layout, const QString& actionName) {
         }
     });
     if (hasRoomFor(delta) && units) {
+        const QScopedValueRollback ours(m_isCaretOurs, true);
         m_buffer.replace(range, *units, actionName, after);
         reparse(0ms);
         if (changesTextSpace) {
@@ -396,8 +463,9 @@ void EditorSession::layOut(const Layout& layout, const QString& actionName) {
     }
 }
 
-void EditorSession::apply(const TreeMutation& mutation, const QString& actionName) {
-    bringTreeUpToDate();
+void EditorSession::apply(const TreeMutation& asked, const QString& actionName) {
+    TreeMutation mutation = asked;
+    bringTreeUpToDate(pathsOf(mutation));
     if (const auto plan = MutationPlanner::plan(mutation, tree(), indent())) {
         apply(*plan, actionName);
     } else {
@@ -506,8 +574,10 @@ void EditorSession::move(const NodePath& path, const NodePath& target, Placement
 }
 
 void EditorSession::copy(const NodePath& path, const NodePath& target, Placement placement) {
-    bringTreeUpToDate();
-    if (const auto plan = NodeCopy::plan(path, target, placement, tree(), indent())) {
+    NodePath copied = path;
+    NodePath beside = target;
+    bringTreeUpToDate({&copied, &beside});
+    if (const auto plan = NodeCopy::plan(copied, beside, placement, tree(), indent())) {
         apply(*plan, QStringLiteral("Duplicar"));
     } else {
         setErrorMessage(message(plan.error()));
@@ -515,6 +585,7 @@ void EditorSession::copy(const NodePath& path, const NodePath& target, Placement
 }
 
 void EditorSession::requestNamePrompt(NamePrompt::Kind kind) {
+    bringTreeUpToDate();
     if (m_selection) {
         setNamePrompt(NamePrompt{kind, *m_selection});
     }
@@ -564,8 +635,9 @@ void EditorSession::removeAttribute(const NodePath& path, const QString& name) {
     apply(TreeMutation::RemoveAttribute{path, name.toStdU16String()}, QStringLiteral("Quitar atributo"));
 }
 
-QString EditorSession::addAttribute(const NodePath& path) {
-    bringTreeUpToDate();
+QString EditorSession::addAttribute(const NodePath& asked) {
+    NodePath path = asked;
+    bringTreeUpToDate({&path});
     std::unordered_set<std::u16string_view> taken;
     if (const auto node = m_outline.resolve(path)) {
         for (const AttributeSpan& attribute : tree().attributesOf(*node)) {

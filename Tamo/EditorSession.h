@@ -87,6 +87,8 @@ public:
     /// What the text view has selected. Whoever sets it then calls `followCaret`.
     SourceRange textSelection() const { return m_textSelection; }
     void setTextSelection(SourceRange selection) { m_textSelection = selection; }
+    /// Call it when the user is about to type or erase in the text.
+    void noteTyping() { m_isCaretNews = true; }
 
     // The text, and what derives from it
 
@@ -106,6 +108,7 @@ public:
 
     /// The generation of the text that `tree` was parsed from; -1 before the first parse.
     std::int64_t treeGeneration() const { return m_parsed->generation; }
+    bool hasTree() const { return treeGeneration() >= 0; }
     bool isTreeCurrent() const { return treeGeneration() == m_buffer.generation(); }
 
     /// How ranges of `tree` relate to those of the text, which may have been edited since.
@@ -114,9 +117,20 @@ public:
     const TreeOutline& outline() const { return m_outline.outline(); }
     const TreeOutline::Rows& rows() const { return m_outline.rows(); }
     /// Whether `rows` are the matches of a filter.
-    bool areRowsFiltered() const { return !m_outline.shownFilter().isEmpty(); }
+    bool areRowsFiltered() const { return !shownFilter().isEmpty(); }
+    /// The filter that `rows` are made for, which follows `filter` a moment later.
+    const QString& shownFilter() const { return m_outline.shownFilter(); }
+    /// How many nodes match it; 0 without a filter.
+    std::size_t matchCount() const { return m_outline.matchCount(); }
+    /// Whether a node is selected that the filter leaves without a row.
+    bool isSelectionFilteredOut() const;
 
     const std::optional<NodePath>& selection() const { return m_selection; }
+    /// Grows when another node is selected or none; a node whose path changes with the text stays the same.
+    std::int64_t selectionSerial() const { return m_selectionSerial; }
+    /// Where the node at `path` of the tree before is in this one; for those who keep paths, while
+    /// `treeChanged` tells of it.
+    NodePath carried(const NodePath& path) const { return m_outline.carried(path); }
     /// The node of `tree` that is selected. Counts no siblings where the outline shows it.
     std::optional<NodeID> selectedNode() const;
     const std::optional<RevealRequest>& revealRequest() const { return m_revealRequest; }
@@ -138,8 +152,12 @@ public:
     void select(const NodePath& path);
 
     /// Selects the innermost node around the start of `textSelection`, and expands what hides it. Does
-    /// nothing in `visual` mode, nor while the tree is older than the text.
+    /// nothing in `visual` mode; waits for the next parse while the tree is older than the text.
     void followCaret();
+
+    /// Expands what hides the innermost node around `at`, an offset of the text. Returns the node's path;
+    /// nothing without a node there.
+    std::optional<NodePath> showNode(Offset at);
 
     /// Shows or hides the children of a node in the outline. A filter shows them whatever is expanded.
     void expand(const NodePath& path);
@@ -166,9 +184,9 @@ public:
     // Changes, each one step of undo under its name. One that cannot be made sets `errorMessage` and leaves
     // everything as it was. Those of the selected node do nothing without one.
 
-    /// Parses the text of now on the spot when the tree is older. What is planned elsewhere asks for it
-    /// first.
-    void bringTreeUpToDate();
+    /// Parses the text of now on the spot when the tree is older, and carries `paths` along. What is planned
+    /// elsewhere asks for it first.
+    void bringTreeUpToDate(const std::vector<NodePath*>& paths = {});
     /// Runs `work` on `units` units of text: on another thread, while this one waits, when they are many.
     void runWork(const std::function<void()>& work, std::size_t units);
 
@@ -239,13 +257,14 @@ private:
     void textChanged();
     void noteEdit(SourceRange edited, std::int64_t changeInLength);
     void reparse(std::chrono::milliseconds delay);
-    ReparseScheduler::Snapshot snapshot() const;
+    ReparseScheduler::Snapshot snapshot();
     void deliver(ReparseScheduler::Result result);
-    bool isStillThere(const OutlineContents& selectionIn) const;
     void goToProblem(Direction direction);
 
     void setSelection(const std::optional<NodePath>& selection);
+    void selectCaretNode();
     void requestReveal(SourceRange range);
+    void revealSelection(SourceRange range);
 
     bool hasRoomFor(std::int64_t units);
     void applyEdits(std::span<const TextEdit> edits, const QString& actionName);
@@ -267,6 +286,9 @@ private:
     std::optional<QString> m_errorMessage;
     SourceRange m_textSelection;
     std::optional<NodePath> m_selection;
+    std::int64_t m_selectionSerial = 0;
+    bool m_isCaretNews = false; ///< The caret moved or something was typed since a node was selected.
+    bool m_isCaretOurs = false; ///< What the caret does now is not what the user does.
     std::optional<RevealRequest> m_revealRequest;
     bool m_isEmptyDocument;
     bool m_isUntouched; ///< Opened empty, and nothing happened to it but templates that were undone.

@@ -10,6 +10,7 @@
 #include "NamePromptDialog.h"
 #include "NodeInspectorView.h"
 #include "PaneSplitter.h"
+#include "PlaceKeeper.h"
 #include "SegmentedControl.h"
 #include "Symbol.h"
 #include "SymbolLabel.h"
@@ -128,6 +129,7 @@ void EditorWindowView::buildPanes() {
     m_source = new CodeEditorView(m_session);
     m_tree = new TreeEditorView(m_session);
     m_inspector = new NodeInspectorView(m_session);
+    m_places = new PlaceKeeper(m_session, *m_source, *m_tree, this);
     m_source->coordinator().setFocusGuard([this] { return !isWorkingOnNodes(); });
     m_source->setMinimumWidth(narrowestPane);
     m_tree->setMinimumWidth(narrowestPane);
@@ -200,13 +202,7 @@ QList<QAction*> EditorWindowView::findCommands() const {
 
 void EditorWindowView::connectFindCommands() {
     for (QAction* const command : findCommands()) {
-        connect(command, &QAction::triggered, this, [this, command] {
-            if (m_session.mode() == Mode::visual) {
-                m_session.setMode(Mode::split);
-                // The bar could not take the keyboard while it was out of sight.
-                command->trigger();
-            }
-        });
+        connect(command, &QAction::triggered, this, [this, command] { find(*command); });
     }
 }
 
@@ -231,6 +227,20 @@ void EditorWindowView::collectPanes() {
                             {m_toolBar, nullptr}});
 }
 
+void EditorWindowView::find(QAction& command) {
+    if (m_session.mode() != Mode::visual) {
+        return;
+    }
+    if (&command == findCommands().front()) {
+        m_source->findBar().closeBar();
+        m_tree->focusFilter();
+        return;
+    }
+    m_session.setMode(Mode::split);
+    // The bar could not take the keyboard while it was out of sight.
+    command.trigger();
+}
+
 // What it shows
 
 void EditorWindowView::setShowInspector(bool showInspector) {
@@ -243,6 +253,7 @@ void EditorWindowView::showMode() {
     const Mode mode = m_session.mode();
     const QWidget* const focused = QApplication::focusWidget();
     const auto isIn = [focused](const QWidget* pane) { return pane == focused || pane->isAncestorOf(focused); };
+    m_places->prepare(mode);
     const bool losesFocus = (mode == Mode::visual && (isIn(m_source) || isIn(m_findBars))) ||
                             (mode == Mode::text && isIn(m_tree));
     m_findBars->setVisible(mode != Mode::visual);
@@ -267,6 +278,12 @@ bool EditorWindowView::isWorkingOnNodes() const {
     return node && m_session.tree()[*node].range == request->range;
 }
 
+bool EditorWindowView::isSelectionInSight() const {
+    const QWidget* const focused = QApplication::focusWidget();
+    return m_session.mode() == Mode::text || !m_session.isSelectionFilteredOut() ||
+           m_source->isAncestorOf(focused) || m_inspector->isAncestorOf(focused);
+}
+
 void EditorWindowView::focusPane() {
     QWidget* const pane = m_session.mode() == Mode::visual ? static_cast<QWidget*>(m_tree) : m_source;
     pane->setFocus(Qt::OtherFocusReason);
@@ -274,7 +291,11 @@ void EditorWindowView::focusPane() {
 
 void EditorWindowView::showStatus() {
     const std::size_t errors = m_session.tree().diagnostics.errorCount();
-    if (errors == 0) {
+    if (!m_session.hasTree()) {
+        m_status->setIcon({});
+        m_status->setText({});
+        m_status->setToolTip({});
+    } else if (errors == 0) {
         m_status->setIcon(Symbol::icon(u"checkmark.seal.fill", SystemColor::systemGreen));
         m_status->setText({});
         m_status->setToolTip(QStringLiteral("El documento está bien formado"));

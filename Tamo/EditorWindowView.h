@@ -12,6 +12,7 @@ class DiagnosticsBar;
 class NamePromptDialog;
 class NodeInspectorView;
 class PaneSplitter;
+class PlaceKeeper;
 class QAction;
 class QMessageBox;
 class QStackedWidget;
@@ -38,7 +39,8 @@ public:
     NodeInspectorView& inspector() { return *m_inspector; }
     QToolBar& toolBar() { return *m_toolBar; }
 
-    /// "Buscar…" and the like, for a menu. The source comes into view for them.
+    /// "Buscar…" and the like, for a menu. Where there is only the tree, "Buscar…" goes to its filter; for
+    /// the others the source comes into view.
     QList<QAction*> findCommands() const;
 
     /// Whether the inspector shows.
@@ -50,6 +52,9 @@ public:
 
     /// Makes the lines that are selected in the text a comment, or uncomments them.
     void toggleComment();
+
+    /// Whether the user sees the node that commands would work on: its row, or the pane that the keys go to.
+    bool isSelectionInSight() const;
 
     /// The view of the window that has the focus, null when that is no document's.
     static EditorWindowView* focused();
@@ -63,6 +68,7 @@ private:
     void connectFindCommands();
     void connectBreadcrumbs();
     void collectPanes();
+    void find(QAction& command);
 
     void showMode();
     void showStatus();
@@ -95,6 +101,7 @@ private:
     CodeEditorView* m_source = nullptr;
     TreeEditorView* m_tree = nullptr;
     NodeInspectorView* m_inspector = nullptr;
+    PlaceKeeper* m_places = nullptr;
     QPointer<NamePromptDialog> m_prompt;
     QPointer<QMessageBox> m_alert;
 };

@@ -22,6 +22,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -167,10 +168,12 @@ void NodeInspectorView::showSelection() {
 void NodeInspectorView::showNode(const NodePath& path, NodeID node) {
     const DocumentTree& tree = m_session.tree();
     const TreeNode::Kind kind = tree[node].kind;
-    if (path != m_path) {
+    if (std::exchange(m_shownSerial, m_session.selectionSerial()) != m_session.selectionSerial()) {
         // A draft that was not committed belongs to the node before.
         m_name->discardDraft();
         m_content->discardDraft();
+    } else {
+        m_attributes->setPath(path);
     }
     m_path = path;
     showHeader(node);

@@ -54,6 +54,7 @@ private:
 
     EditorSession& m_session;
     NodePath m_path;
+    std::int64_t m_shownSerial = -1; ///< Of the selection.
     QString m_shownSource;
 
     EmptyStateView* m_nothing = nullptr;

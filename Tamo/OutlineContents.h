@@ -1,7 +1,10 @@
 #pragma once
 
 #include "DocumentTree.h"
+#include "EditedPieces.h"
+#include "ExpansionCarry.h"
 #include "NodePath.h"
+#include "ParsedDocument.h"
 #include "TreeOutline.h"
 
 #include <QString>
@@ -18,6 +21,12 @@ struct OutlineContents {
         QString filter;                             ///< Empty for none; without white space around it.
         std::optional<NodePath> selection;
         std::optional<Offset> selectOffset; ///< Of the node to select in its place.
+
+        /// The document that all paths are of, none when it is the one that the contents are made for; the
+        /// edits since; and what was expanded in an earlier one.
+        std::shared_ptr<const ParsedDocument> before = {};
+        EditedPieces edits = {};
+        std::shared_ptr<const ExpansionCarry::Absent> absent = {};
     };
     /// A node and where it stands.
     struct Place {
@@ -25,9 +34,12 @@ struct OutlineContents {
         NodeID node;
     };
 
-    Request request; ///< With the outline to begin with in the place of none.
+    /// With the outline carried to this tree, or the one to begin with in the place of none, and without the
+    /// document before. The selection is as it was asked for.
+    Request request;
     TreeOutline::Rows rows;
-    bool isSelectionThere = false; ///< The tree has a node at the requested selection.
+    std::size_t matchCount = 0;        ///< Nodes that match the filter.
+    std::optional<NodePath> selection; ///< The requested one in this tree, if its node is there.
     std::optional<Place> toSelect; ///< The innermost node around the requested offset.
 
     /// Incomplete once `stop` was requested. `reusing` gives its memory to the rows.

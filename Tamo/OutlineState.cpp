@@ -21,23 +21,39 @@ OutlineState::OutlineState(std::shared_ptr<const ParsedDocument> document, QObje
     connect(&m_searchDelay, &QTimer::timeout, this, &OutlineState::search);
 }
 
-OutlineContents::Request OutlineState::request() const {
-    return {m_isFirstExpansionDue ? nullptr : m_outline, m_shownFilter, {}, {}};
+OutlineContents::Request OutlineState::request() {
+    m_changes.clear();
+    m_isRequested = true;
+    return {
+        m_isFirstExpansionDue ? nullptr : m_outline, m_shownFilter, {}, {}, m_document, m_edits, m_absent};
 }
 
-TreeOutline::Rows OutlineState::take(std::shared_ptr<const ParsedDocument> document,
-                                     OutlineContents contents) {
+OutlineContents OutlineState::take(std::shared_ptr<const ParsedDocument> document, OutlineContents contents) {
     m_task.cancel();
-    m_document = std::move(document);
-    TreeOutline::Rows old = std::exchange(m_rows, std::move(contents.rows));
+    m_isRequested = false;
+    // While the worker was at it, the user may have gone on.
+    std::vector<Change> changes = std::exchange(m_changes, {});
+    std::vector<NodeID> changed;
+    for (const Change& change : changes) {
+        changed.push_back(resolve(change.path).value_or(NodeID::none()));
+    }
+    m_before = {std::exchange(m_document, std::move(document)), std::exchange(m_edits, {})};
+    std::swap(m_rows, contents.rows);
+    m_matchCount = contents.matchCount;
+    m_absent = contents.request.absent;
     if (m_isFirstExpansionDue) {
         m_isFirstExpansionDue = tree().nodes.size() == 1;
-        m_outline = std::make_shared<TreeOutline>(*contents.request.outline);
-        contents.request.outline = m_outline;
     }
-    // While the worker was at it, the user may have gone on.
-    const bool isOutlineCurrent = contents.request.outline == m_outline;
-    contents = {};
+    // It may be changed where nothing else holds it.
+    const std::shared_ptr<const TreeOutline> old = m_outline;
+    m_outline = std::const_pointer_cast<TreeOutline>(std::exchange(contents.request.outline, old));
+    for (std::size_t at = 0; at < changes.size(); ++at) {
+        if (!changed[at].isNone()) {
+            changes[at].path = carried(changes[at].path, changed[at]);
+        }
+        change(std::move(changes[at]));
+    }
+    const bool isOutlineCurrent = changes.empty();
     if (m_filter.isEmpty()) {
         if (isFiltered() || !isOutlineCurrent) {
             if (!makeRowsIfFew()) {
@@ -47,7 +63,7 @@ TreeOutline::Rows OutlineState::take(std::shared_ptr<const ParsedDocument> docum
     } else if (m_filter != m_shownFilter && !m_searchDelay.isActive()) {
         m_searchDelay.start();
     }
-    return old;
+    return contents;
 }
 
 // The filter
@@ -78,6 +94,7 @@ bool OutlineState::makeRowsIfFew() {
     }
     m_rows = m_outline->rows(tree(), std::move(m_rows));
     m_shownFilter.clear();
+    m_matchCount = 0;
     return true;
 }
 
@@ -94,6 +111,7 @@ void OutlineState::show(OutlineContents contents) {
     }
     m_rows = std::move(contents.rows);
     m_shownFilter = contents.request.filter;
+    m_matchCount = contents.matchCount;
     if (const bool isOutdated = !isFiltered() && contents.request.outline != m_outline; isOutdated) {
         contents = {};
         makeRowsElsewhere(m_filter);
@@ -116,17 +134,38 @@ void OutlineState::setExpanded(const NodePath& path, bool isExpanded) {
     if (const auto row = isFiltered() ? std::nullopt : m_rows.row(path, tree())) {
         setRowExpanded(*row, isExpanded);
     } else if (m_outline->expanded.contains(path) != isExpanded) {
-        NodePathSet& expanded = changeableOutline().expanded;
-        isExpanded ? expanded.insert(path) : expanded.erase(path);
+        change({isExpanded ? Change::Kind::expand : Change::Kind::collapse, path});
+    }
+}
+
+void OutlineState::change(Change change) {
+    NodePathSet& expanded = changeableOutline().expanded;
+    switch (change.kind) {
+    case Change::Kind::expand:
+        expanded.insert(change.path);
+        break;
+    case Change::Kind::collapse:
+        expanded.erase(change.path);
+        break;
+    case Change::Kind::expandAncestors:
+        expanded.insertAncestors(change.path);
+        break;
+    }
+    note(std::move(change));
+}
+
+/// What is changed while a worker carries the expansion to the next tree is to be changed there too.
+void OutlineState::note(Change change) {
+    if (m_isRequested) {
+        m_changes.push_back(std::move(change));
     }
 }
 
 void OutlineState::setRowExpanded(std::size_t row, bool isExpanded) {
     if (isFiltered()) {
-        const NodePath path = m_rows.path(row, tree());
-        NodePathSet& expanded = changeableOutline().expanded;
-        isExpanded ? expanded.insert(path) : expanded.erase(path);
+        change({isExpanded ? Change::Kind::expand : Change::Kind::collapse, m_rows.path(row, tree())});
     } else if (m_rows[row].isExpanded != isExpanded) {
+        note({isExpanded ? Change::Kind::expand : Change::Kind::collapse, m_rows.path(row, tree())});
         TreeOutline& outline = changeableOutline();
         isExpanded ? outline.expand(row, m_rows, tree()) : outline.collapse(row, m_rows, tree());
         emit rowsChanged();
@@ -135,7 +174,7 @@ void OutlineState::setRowExpanded(std::size_t row, bool isExpanded) {
 
 void OutlineState::showAncestors(const NodePath& path, NodeID node) {
     if (isFiltered()) {
-        changeableOutline().expanded.insertAncestors(path);
+        change({Change::Kind::expandAncestors, path});
         return;
     }
     // From the node up to the first one that is shown, or as far as it is worth the while.
@@ -148,12 +187,13 @@ void OutlineState::showAncestors(const NodePath& path, NodeID node) {
     if (hidden.empty()) {
         return;
     }
-    TreeOutline& outline = changeableOutline();
     if (hidden.size() > fewSteps || m_task.isRunning()) {
-        outline.expanded.insertAncestors(path);
+        change({Change::Kind::expandAncestors, path});
         makeRows();
         return;
     }
+    note({Change::Kind::expandAncestors, path});
+    TreeOutline& outline = changeableOutline();
     for (auto step = hidden.rbegin(); step != hidden.rend(); ++step) {
         if (const auto row = m_rows.row(tree()[*step].parent)) {
             outline.expand(*row, m_rows, tree());
@@ -186,4 +226,14 @@ std::optional<NodeID> OutlineState::resolve(const NodePath& path) const {
         return m_rows[*row].node;
     }
     return tree().resolve(path);
+}
+
+NodePath OutlineState::carried(const NodePath& path) const {
+    const auto node = m_before.document != nullptr ? m_before.document->tree.resolve(path) : std::nullopt;
+    return node ? carried(path, *node) : path;
+}
+
+NodePath OutlineState::carried(const NodePath& path, NodeID node) const {
+    const auto found = NodeCarry(m_before.document->tree, tree(), m_before.edits).survivor(node);
+    return found ? this->path(*found) : path;
 }

@@ -7,6 +7,10 @@
 #include <QObject>
 #include <QTimer>
 
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 /// The rows that a session's outline shows, kept in step with the tree, with what is expanded and with the
 /// filter. Rows always belong to the current tree; after a change of one of the others they may follow later,
 /// since nothing that takes time in proportion to a large document is done on the main thread.
@@ -23,17 +27,30 @@ public:
     const TreeOutline::Rows& rows() const { return m_rows; }
     /// What `rows` are filtered by; empty for no filter.
     const QString& shownFilter() const { return m_shownFilter; }
+    /// How many nodes match it; 0 without a filter.
+    std::size_t matchCount() const { return m_matchCount; }
 
     /// Filters by `filter`, which has no white space around it, once 150 ms have passed without another
     /// filter; shows all at once when it is empty.
     void setFilter(const QString& filter);
 
-    /// What a worker has to know to make the contents for the next tree.
-    OutlineContents::Request request() const;
+    /// Adds an edit of the text: `edited` was replaced by `length` units.
+    void noteEdit(SourceRange edited, Offset length) { m_edits.add(edited, length); }
 
-    /// Takes a new tree with its contents and gives back the old rows, as memory to use again. Tells nobody:
-    /// the owner does, once it has taken the rest.
-    TreeOutline::Rows take(std::shared_ptr<const ParsedDocument> document, OutlineContents contents);
+    /// What a worker has to know to make the contents for the next tree.
+    OutlineContents::Request request();
+
+    /// Takes a new tree with its contents, made for the last request, and gives back the old ones, to be used
+    /// again or freed elsewhere. No edit came after the request. Emits no signal: the owner does, once it has
+    /// taken the rest.
+    OutlineContents take(std::shared_ptr<const ParsedDocument> document, OutlineContents contents);
+
+    /// Until `forgetBefore`: where the node at `path` of the tree before is in the current one; `path` itself
+    /// where its text was replaced, and when there is no tree before.
+    NodePath carried(const NodePath& path) const;
+
+    /// Call it when everything that keeps paths has followed the last tree.
+    void forgetBefore() { m_before = {}; }
 
     void setExpanded(const NodePath& path, bool isExpanded);
     void setRowExpanded(std::size_t row, bool isExpanded);
@@ -49,7 +66,24 @@ signals:
     void rowsChanged();
 
 private:
+    /// What the user expanded or collapsed since the last request.
+    struct Change {
+        enum class Kind : std::uint8_t { expand, collapse, expandAncestors };
+
+        Kind kind;
+        NodePath path;
+    };
+
+    /// The document before the current one, and the edits that led from its text to that of the current one.
+    struct Before {
+        std::shared_ptr<const ParsedDocument> document;
+        EditedPieces edits;
+    };
+
     TreeOutline& changeableOutline();
+    NodePath carried(const NodePath& path, NodeID node) const;
+    void change(Change change);
+    void note(Change change);
     bool isFiltered() const { return !m_shownFilter.isEmpty(); }
     const DocumentTree& tree() const { return m_document->tree; }
 
@@ -60,11 +94,17 @@ private:
     void show(OutlineContents contents);
 
     std::shared_ptr<const ParsedDocument> m_document;
+    EditedPieces m_edits; ///< Since then.
+    Before m_before;
     std::shared_ptr<TreeOutline> m_outline; ///< Copied before a change while others read it.
     bool m_isFirstExpansionDue = true;      ///< Nothing was expanded yet, not even to begin with.
     TreeOutline::Rows m_rows;
     QString m_filter;
     QString m_shownFilter;
+    std::size_t m_matchCount = 0;
+    std::shared_ptr<const ExpansionCarry::Absent> m_absent;
+    std::vector<Change> m_changes; ///< Since the last request.
+    bool m_isRequested = false;
     QTimer m_searchDelay;
     BackgroundTask<OutlineContents> m_task;
 };

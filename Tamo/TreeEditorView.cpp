@@ -2,6 +2,7 @@
 
 #include "EmptyStateView.h"
 #include "FieldUndo.h"
+#include "GroupedNumber.h"
 #include "InsertionPrompts.h"
 #include "MutationPlanner.h"
 #include "NodeClipboard.h"
@@ -12,7 +13,9 @@
 #include "SystemColor.h"
 #include "SystemFont.h"
 
+#include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QStackedLayout>
@@ -39,6 +42,12 @@ bool hasStructure(const DocumentTree& tree) {
     return tree.nodes.size() > 1 && !isDeclarationAlone;
 }
 
+QString matchCountText(std::size_t count) {
+    return count == 0   ? QStringLiteral("Sin resultados")
+           : count == 1 ? QStringLiteral("1 resultado")
+                        : QStringLiteral("%1 resultados").arg(groupedNumber(count));
+}
+
 QString quoted(const QString& query) {
     const QString trimmed = query.trimmed();
     return trimmed.size() <= longestQuery ? trimmed : trimmed.first(longestQuery - 1) + u'…';
@@ -47,19 +56,29 @@ QString quoted(const QString& query) {
 } // namespace
 
 TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
-    : QWidget(parent), m_session(session), m_filterField(new QLineEdit(this)), m_pages(new QStackedLayout),
-      m_outline(new TreeOutlineView(this)), m_emptyState(new EmptyStateView(this)),
-      m_prompts(new InsertionPrompts(session, *this)) {
+    : QWidget(parent), m_session(session), m_filterField(new QLineEdit(this)), m_matchCount(new QLabel(this)),
+      m_pages(new QStackedLayout), m_outline(new TreeOutlineView(this)),
+      m_emptyState(new EmptyStateView(this)), m_prompts(new InsertionPrompts(session, *this)),
+      m_blank(new QWidget(this)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    auto* const header = new QVBoxLayout;
+    auto* const header = new QHBoxLayout;
     header->setContentsMargins(margin, margin, margin, margin);
-    header->addWidget(m_filterField);
+    header->setSpacing(margin);
+    header->addWidget(m_filterField, 1);
+    header->addWidget(m_matchCount);
     column->addLayout(header);
     column->addLayout(m_pages, 1);
-    m_pages->addWidget(m_outline);
-    m_pages->addWidget(m_emptyState);
+    for (QWidget* const page :
+         {static_cast<QWidget*>(m_outline), static_cast<QWidget*>(m_emptyState), m_blank}) {
+        m_pages->addWidget(page);
+    }
+    m_blank->setBackgroundRole(QPalette::Base);
+    m_blank->setAutoFillBackground(true);
+    m_matchCount->setTextFormat(Qt::PlainText);
+    m_matchCount->setFont(SystemFont::withMonospacedDigits(SystemFont::callout()));
+    m_matchCount->setForegroundRole(QPalette::PlaceholderText);
     makeFilterField();
     connectOutline();
     connect(m_emptyState, &EmptyStateView::actionRequested, this, [this] {
@@ -68,7 +87,7 @@ TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
         m_prompts->askForRoot();
     });
     connect(&m_session, &EditorSession::rowsChanged, this, &TreeEditorView::showRows);
-    connect(&m_session, &EditorSession::treeChanged, this, &TreeEditorView::showRows);
+    connect(&m_session, &EditorSession::treeChanged, this, &TreeEditorView::showTree);
     connect(&m_session, &EditorSession::errorNodesChanged, m_outline->viewport(),
             qOverload<>(&QWidget::update));
     connect(&m_session, &EditorSession::selectionChanged, this, &TreeEditorView::followSelection);
@@ -116,11 +135,32 @@ const EmptyStateView* TreeEditorView::emptyState() const {
     return m_pages->currentWidget() == m_emptyState ? m_emptyState : nullptr;
 }
 
+void TreeEditorView::showTree() {
+    m_outline->carryPaths([this](const NodePath& path) { return m_session.carried(path); });
+    if (m_wanted) {
+        m_wanted = m_session.carried(*m_wanted);
+    }
+    showRows();
+}
+
+void TreeEditorView::showMatchCount() {
+    const bool isKnown =
+        m_session.areRowsFiltered() && m_session.shownFilter() == m_session.filter().trimmed();
+    m_matchCount->setVisible(isKnown);
+    m_matchCount->setText(isKnown ? matchCountText(m_session.matchCount()) : QString());
+}
+
 void TreeEditorView::showRows() {
     m_outline->setContents({&m_session.tree(), &m_session.rows(),
-                            [this](NodeID node) { return m_session.errorNodes().contains(node); }});
+                            [this](NodeID node) { return m_session.errorNodes().contains(node); },
+                            m_session.shownFilter()});
     showSelection();
+    showMatchCount();
     const bool isSearchInVain = m_session.areRowsFiltered() && m_session.rows().isEmpty();
+    if (!m_session.hasTree()) {
+        m_pages->setCurrentWidget(m_blank);
+        return;
+    }
     if (!hasStructure(m_session.tree())) {
         m_emptyState->setContents(QStringLiteral("list.bullet.indent"), QStringLiteral("Sin nodos"),
                                   QStringLiteral("El documento aún no tiene estructura."));
@@ -154,19 +194,39 @@ void TreeEditorView::showSelection() {
     const auto& selection = m_session.selection();
     const auto row = selection ? m_session.rows().row(*selection, m_session.tree()) : std::nullopt;
     m_outline->setSelectedRow(row);
-    // Other rows alone move nothing that the user has scrolled to.
-    if (row && std::exchange(m_isScrollingDue, false)) {
+    showWanted();
+}
+
+/// Other rows alone move nothing that the user has scrolled to.
+void TreeEditorView::showWanted() {
+    const auto row = m_wanted ? m_session.rows().row(*m_wanted, m_session.tree()) : std::nullopt;
+    if (row) {
+        m_wanted.reset();
         m_outline->scrollTo(*row);
     }
 }
 
+void TreeEditorView::bringIntoView(const NodePath& path) {
+    m_wanted = path;
+    showWanted();
+}
+
+void TreeEditorView::focusFilter() {
+    m_filterField->setFocus(Qt::ShortcutFocusReason);
+    m_filterField->selectAll();
+}
+
 void TreeEditorView::followSelection() {
-    m_isScrollingDue = m_session.selection().has_value();
+    // A node that only has another path now is where the user left it.
+    const std::int64_t serial = m_session.selectionSerial();
+    if (m_session.selection() && std::exchange(m_followedSerial, serial) != serial) {
+        m_wanted = m_session.selection();
+    }
     showSelection();
 }
 
 void TreeEditorView::showSelectedNode() {
-    m_isScrollingDue = true;
+    m_wanted = m_session.selection();
     showSelection();
 }
 
@@ -174,6 +234,7 @@ void TreeEditorView::showFilter() {
     if (m_filterField->text() != m_session.filter()) {
         m_filterField->setText(m_session.filter());
     }
+    showMatchCount();
 }
 
 /// A selected node that a collapsed one hides gives the selection to that one.

@@ -5,11 +5,13 @@
 
 #include <QWidget>
 
-#include <array>
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 class EmptyStateView;
 class InsertionPrompts;
+class QLabel;
 class QLineEdit;
 class QMenu;
 class QStackedLayout;
@@ -37,6 +39,12 @@ public:
     /// Scrolls to the selected node.
     void showSelectedNode();
 
+    /// Scrolls to the row of the node at `path`, once there is one.
+    void bringIntoView(const NodePath& path);
+
+    /// Gives the filter field the keyboard.
+    void focusFilter();
+
 public slots:
     // On the selected node, as `NodeClipboard` does; nothing while a filter hides it.
     void cut();
@@ -52,7 +60,10 @@ private:
     void addClipboard(QMenu& menu);
     void addInsertions(QMenu& menu);
     void makeFilterField();
+    void showMatchCount();
+    void showWanted();
     void connectOutline();
+    void showTree();
     void showRows();
     void passFocusOn();
     void showSelection();
@@ -68,9 +79,12 @@ private:
 
     EditorSession& m_session;
     QLineEdit* m_filterField;
+    QLabel* m_matchCount;
     QStackedLayout* m_pages;
     TreeOutlineView* m_outline;
     EmptyStateView* m_emptyState;
     InsertionPrompts* m_prompts;
-    bool m_isScrollingDue = false; ///< The selected node has not been in view yet.
+    QWidget* m_blank;                 ///< Shows before there is a tree.
+    std::optional<NodePath> m_wanted; ///< Has not been in view yet.
+    std::int64_t m_followedSerial = 0;
 };

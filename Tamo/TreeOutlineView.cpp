@@ -84,13 +84,21 @@ void TreeOutlineView::setContents(Contents contents) {
     TreeOutlineAccessibility::rowsChanged(*this);
 }
 
+void TreeOutlineView::carryPaths(const std::function<NodePath(const NodePath&)>& carried) {
+    if (m_editor != nullptr) {
+        m_edited = carried(m_edited);
+    }
+    m_drag->carryPath(carried);
+}
+
 std::size_t TreeOutlineView::rowCount() const {
     return m_contents.rows != nullptr ? m_contents.rows->size() : 0;
 }
 
 TreeRowView TreeOutlineView::rowView(std::size_t row) const {
     const NodeID node = shown(row).node;
-    return {shown(row), *m_contents.tree, m_contents.hasError && m_contents.hasError(node)};
+    return {shown(row), *m_contents.tree, m_contents.hasError && m_contents.hasError(node),
+            m_contents.filter};
 }
 
 void TreeOutlineView::setSelectedRow(std::optional<std::size_t> row) {

@@ -31,6 +31,7 @@ public:
         const DocumentTree* tree;
         const TreeOutline::Rows* rows;
         std::function<bool(NodeID)> hasError;
+        QString filter = {}; ///< What the rows are filtered by; empty for no filter.
     };
 
     explicit TreeOutlineView(QWidget* parent = nullptr);
@@ -39,6 +40,8 @@ public:
     /// Shows other rows, none of them selected. A row that is being edited goes on being so where its node
     /// is still there.
     void setContents(Contents contents);
+    /// Has paths that are kept here, of a row that is edited or dragged, follow their nodes to another tree.
+    void carryPaths(const std::function<NodePath(const NodePath&)>& carried);
     const Contents& contents() const { return m_contents; }
 
     std::size_t rowCount() const;

@@ -66,6 +66,12 @@ std::unique_ptr<QMimeData> TreeRowDrag::pickUp(std::size_t row) {
     return dragData;
 }
 
+void TreeRowDrag::carryPath(const std::function<NodePath(const NodePath&)>& carried) {
+    if (m_dragged) {
+        m_dragged = carried(*m_dragged);
+    }
+}
+
 bool TreeRowDrag::isOurs(const QMimeData* dragData) const {
     return m_dragged && dragData->data(mimeType()) == token(m_view);
 }
@@ -113,7 +119,8 @@ void TreeRowDrag::drop(QDropEvent& event) {
 
 /// Where what is dragged would go; none where it cannot.
 std::optional<TreeDropTarget> TreeRowDrag::target(QPoint at, Qt::DropAction action) const {
-    const auto& [tree, rows, hasError] = m_view.contents();
+    const DocumentTree* const tree = m_view.contents().tree;
+    const TreeOutline::Rows* const rows = m_view.contents().rows;
     const auto over = m_view.row(at);
     const auto dragged = rows->row(*m_dragged, *tree);
     if (!over || !dragged) {

@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -44,6 +45,9 @@ public:
 
     /// A line between two rows, or a frame around the one that takes the dragged node in.
     void paintMark(QPainter& painter) const;
+
+    /// Has what is dragged follow its node to another tree.
+    void carryPath(const std::function<NodePath(const NodePath&)>& carried);
 
     /// Other rows are there: the target of the drag has to be found again.
     void forgetTarget() { setTarget(std::nullopt); }

@@ -167,3 +167,17 @@ TEST(DiagnosticsBar, StatesFactsAboutTheFile) {
     EXPECT_EQ(Desk(std::u16string(1234, u'x')).shown("size"),
               QLocale().formattedDataSize(1234, 1, QLocale::DataSizeSIFormat));
 }
+
+TEST(DiagnosticsBar, ClaimsNothingBeforeTheFirstParse) {
+    SessionDesk unread(u"<a/>");
+    DiagnosticsBar bar(unread.session);
+    bar.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&bar));
+    const auto label = [&bar](const char* name) { return bar.findChild<QLabel*>(QLatin1String(name)); };
+    EXPECT_FALSE(label("noErrors")->isVisible());
+    EXPECT_FALSE(label("size")->isVisible());
+    EXPECT_EQ(label("size")->text(), QString());
+    ASSERT_TRUE(unread.open());
+    EXPECT_TRUE(label("noErrors")->isVisible());
+    EXPECT_TRUE(label("size")->isVisible());
+}

@@ -2,6 +2,7 @@
 
 #include "AppCommands.h"
 #include "CodeEditorView.h"
+#include "FindBar.h"
 #include "NamePromptDialog.h"
 #include "NodeInspectorView.h"
 #include "ParsedDesk.h"
@@ -397,4 +398,54 @@ TEST(EditorWindowView, StartsBlankWithSomewhereToType) {
     ASSERT_NE(QApplication::focusWidget(), nullptr);
     QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("x"));
     EXPECT_EQ(desk.text(), QStringLiteral("x"));
+}
+
+TEST(EditorWindowView, ClaimsNothingBeforeTheFirstParse) {
+    auto mirror = std::make_shared<TextMirror>(Rope(u"<a/>"));
+    TextBuffer buffer(Rope(u"<a/>"), mirror);
+    UndoManager undo;
+    EditorSession session(buffer, QStringLiteral("Unicode (UTF-8)"));
+    EditorWindowView editor(session, undo);
+    const auto status = [&editor] {
+        for (const QToolButton* const button : editor.toolBar().findChildren<QToolButton*>()) {
+            if (button->accessibleName() == QStringLiteral("El documento está bien formado")) {
+                return button->isVisible();
+            }
+        }
+        return false;
+    };
+    editor.show();
+    EXPECT_FALSE(session.hasTree());
+    EXPECT_FALSE(status());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return session.hasTree(); }));
+    EXPECT_TRUE(QTest::qWaitFor(status));
+}
+
+TEST(EditorWindowView, FindsInTheTreeByItsFilter) {
+    Desk desk(u"<a><b/></a>");
+    desk.session.setMode(Mode::visual);
+    desk.editor->findCommands().front()->trigger();
+    EXPECT_EQ(desk.session.mode(), Mode::visual);
+    EXPECT_TRUE(desk.editor->treeEditor().filterField().hasFocus());
+    EXPECT_TRUE(desk.editor->codeEditor().findBar().isHidden());
+    desk.session.setMode(Mode::text);
+    desk.editor->findCommands().front()->trigger();
+    EXPECT_TRUE(desk.editor->codeEditor().findBar().isVisible());
+}
+
+TEST(AppCommands, LeaveANodeAloneThatTheFilterHides) {
+    Desk desk(u"<a><b/><c/></a>");
+    desk.session.setMode(Mode::visual);
+    desk.session.select(NodePath{{0, 0}});
+    desk.session.setFilter(QStringLiteral("c"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.session.areRowsFiltered(); }));
+    desk.editor->treeEditor().outline().setFocus();
+    for (QAction* const action : desk.menus->actions()[2]->menu()->actions()) {
+        action->trigger();
+    }
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><b/><c/></a>"));
+    EXPECT_FALSE(desk.session.namePrompt().has_value());
+    desk.session.setFilter({});
+    desk.menus->actions()[2]->menu()->actions().back()->trigger();
+    EXPECT_EQ(desk.text(), QStringLiteral("<a><c/></a>"));
 }

@@ -38,10 +38,37 @@ TEST(OutlineContents, ShowWhatIsExpandedOrWhatMatches) {
 
 TEST(OutlineContents, TellWhetherTheSelectionIsThere) {
     const DocumentTree tree = parse(u"<a><b/></a>");
-    EXPECT_FALSE(OutlineContents::make({}, tree, {}, {}).isSelectionThere);
-    EXPECT_TRUE(OutlineContents::make({{}, {}, NodePath{{0, 0}}, {}}, tree, {}, {}).isSelectionThere);
-    EXPECT_TRUE(OutlineContents::make({{}, {}, NodePath(), {}}, tree, {}, {}).isSelectionThere);
-    EXPECT_FALSE(OutlineContents::make({{}, {}, NodePath{{0, 1}}, {}}, tree, {}, {}).isSelectionThere);
+    const auto found = [&](std::optional<NodePath> selection) {
+        return OutlineContents::make({{}, {}, std::move(selection), {}}, tree, {}, {}).selection;
+    };
+    EXPECT_EQ(found(std::nullopt), std::nullopt);
+    EXPECT_EQ(found(NodePath{{0, 0}}), (NodePath{{0, 0}}));
+    EXPECT_EQ(found(NodePath()), NodePath());
+    EXPECT_EQ(found(NodePath{{0, 1}}), std::nullopt);
+}
+
+TEST(OutlineContents, CarryWhatWasOfTheDocumentBefore) {
+    const auto before = ParsedDocument::make();
+    before->tree = parse(u"<a><b><c/></b></a>");
+    const auto outline = std::make_shared<TreeOutline>();
+    outline->expanded.insert({{0}});
+    outline->expanded.insert({{0, 0}});
+    EditedPieces edits;
+    edits.add({0, 0}, 8);
+    const DocumentTree tree = parse(u"<!--x--><a><b><c/></b></a>");
+    const OutlineContents contents =
+        OutlineContents::make({outline, {}, NodePath{{0, 0, 0}}, {}, before, edits}, tree, {}, {});
+    EXPECT_EQ(contents.selection, (NodePath{{1, 0, 0}}));
+    EXPECT_EQ(contents.rows.size(), 4U);
+    EXPECT_EQ(contents.request.before, nullptr);
+    EXPECT_TRUE(contents.request.outline->expanded.contains(NodePath{{1, 0}}));
+    EXPECT_TRUE(outline->expanded.contains(NodePath{{0, 0}}));
+}
+
+TEST(OutlineContents, CountTheMatches) {
+    const DocumentTree tree = parse(u"<a><b><c/></b><c/></a>");
+    EXPECT_EQ(OutlineContents::make({{}, QStringLiteral("C"), {}, {}}, tree, {}, {}).matchCount, 2U);
+    EXPECT_EQ(OutlineContents::make({}, tree, {}, {}).matchCount, 0U);
 }
 
 TEST(OutlineContents, FindTheNodeToSelect) {

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -415,4 +416,83 @@ TEST(TreeEditorView, DoesNotDisturbASecondWindow) {
     QTest::keyClick(&first.outline, Qt::Key_Left);
     EXPECT_EQ(second.outline.rowCount(), 5U);
     EXPECT_EQ(second.outline.selectedRow(), std::nullopt);
+}
+
+TEST(TreeEditorView, ClaimsNothingBeforeTheFirstParse) {
+    SessionDesk unread(u"<a/>");
+    TreeEditorView view(unread.session);
+    view.show();
+    EXPECT_EQ(view.emptyState(), nullptr);
+    EXPECT_FALSE(view.outline().isVisible());
+    ASSERT_TRUE(unread.open());
+    EXPECT_TRUE(view.outline().isVisible());
+    SessionDesk empty(u"");
+    TreeEditorView emptyView(empty.session);
+    EXPECT_EQ(emptyView.emptyState(), nullptr);
+    ASSERT_TRUE(empty.open());
+    ASSERT_NE(emptyView.emptyState(), nullptr);
+}
+
+TEST(TreeEditorView, CountsTheMatchesOfTheFilter) {
+    Pane pane(u"<a>" + repeated(u"<b/>", 12'345) + u"<c>x</c></a>");
+    const auto count = [&pane] {
+        for (const QLabel* const label : pane.view.findChildren<QLabel*>()) {
+            if (label->isVisible() && label->text().contains(QStringLiteral("esultado"))) {
+                return label->text();
+            }
+        }
+        return QString();
+    };
+    EXPECT_EQ(count(), QString());
+    pane.filter(QStringLiteral("b"));
+    EXPECT_EQ(count(), QStringLiteral("12.345 resultados"));
+    pane.view.filterField().setText(QStringLiteral("c"));
+    EXPECT_EQ(count(), QString()) << "of another filter";
+    ASSERT_TRUE(waitFor([&] { return !count().isEmpty(); }));
+    EXPECT_EQ(count(), QStringLiteral("1 resultado"));
+    pane.view.filterField().setText(QStringLiteral("nada"));
+    ASSERT_TRUE(waitFor([&] { return count() == QStringLiteral("Sin resultados"); }));
+    pane.desk.buffer.replace({3, 3}, Rope(u"<nada/>"));
+    pane.settle();
+    EXPECT_EQ(count(), QStringLiteral("1 resultado"));
+    pane.view.filterField().clear();
+    EXPECT_EQ(count(), QString());
+}
+
+TEST(TreeEditorView, HasNoSelectedRowWhileTheFilterHidesTheNode) {
+    Pane pane(library);
+    pane.choose(u"<revista/>");
+    pane.filter(QStringLiteral("autor"));
+    EXPECT_EQ(pane.outline.selectedRow(), std::nullopt);
+    EXPECT_TRUE(pane.desk.session.isSelectionFilteredOut());
+    pane.outline.setFocus();
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Return, Qt::Key_F2}) {
+        QTest::keyClick(&pane.outline, key);
+    }
+    EXPECT_EQ(pane.desk.text(), library);
+    EXPECT_EQ(pane.outline.editor(), nullptr);
+    pane.view.filterField().clear();
+    EXPECT_EQ(pane.outline.selectedRow(), 4U);
+    EXPECT_FALSE(pane.desk.session.isSelectionFilteredOut());
+}
+
+TEST(TreeEditorView, SaysWhatMatched) {
+    Pane pane(u"<a><b autor='Ana'/></a>");
+    pane.filter(QStringLiteral("ana"));
+    ASSERT_EQ(pane.outline.rowCount(), 2U);
+    EXPECT_EQ(pane.outline.rowView(0).text(), QStringLiteral("a"));
+    EXPECT_EQ(pane.outline.rowView(1).text(), QStringLiteral("b autor=\"Ana\""));
+}
+
+TEST(TreeEditorView, GoesOnEditingTheSameNodeInAnotherTree) {
+    Pane pane(u"<a><b/><c/></a>");
+    pane.choose(u"<c/>");
+    QTest::keyClick(&pane.outline, Qt::Key_F2);
+    ASSERT_NE(pane.outline.editor(), nullptr);
+    pane.desk.buffer.replace({3, 3}, Rope(u"<x/>"));
+    pane.settle();
+    ASSERT_NE(pane.outline.editor(), nullptr);
+    pane.outline.editor()->setText(QStringLiteral("nuevo"));
+    QTest::keyClick(pane.outline.editor(), Qt::Key_Return);
+    EXPECT_EQ(pane.desk.text(), u"<a><x/><b/><nuevo/></a>");
 }
