@@ -138,15 +138,12 @@ std::optional<NodeID> NodeCarry::carried(NodeID node) {
 
 std::optional<NodePath> NodeCarry::carried(const NodePath& path) {
     const auto node = m_from.resolve(path);
-    if (!node) {
-        return std::nullopt;
-    }
-    if (const auto found = carried(*node)) {
+    if (const auto found = node ? carried(*node) : std::nullopt) {
         return m_to.path(*found);
     }
     const auto successor = m_to.resolve(path);
-    const bool isOne = successor && m_to[*successor].kind == m_from[*node].kind && isAdded(*successor);
-    return isOne ? std::optional(path) : std::nullopt;
+    const bool isFree = successor && (!node || isAdded(*successor));
+    return isFree ? std::optional(path) : std::nullopt;
 }
 
 std::vector<NodeID> NodeCarry::newNodes() const {

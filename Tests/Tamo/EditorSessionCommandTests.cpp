@@ -318,13 +318,13 @@ TEST(EditorSessionCommands, ParseTheTextOfNowFirst) {
         std::u16string_view after;
     };
     const Row rows[] = {
-        {command(&EditorSession::duplicate), u"<aa><c/><b/><b/></aa>"},
-        {command(&EditorSession::deleteSelection), u"<aa><c/></aa>"},
-        {command(&EditorSession::moveUp), u"<aa><b/><c/></aa>"},
-        {prompt(Kind::wrap, "n"), u"<aa><c/><n>\n    <b/>\n</n></aa>"},
+        {command(&EditorSession::duplicate), u"<aa><c/><c/><b/></aa>"},
+        {command(&EditorSession::deleteSelection), u"<aa><b/></aa>"},
+        {command(&EditorSession::moveDown), u"<aa><b/><c/></aa>"},
+        {prompt(Kind::wrap, "n"), u"<aa><n>\n    <c/>\n</n><b/></aa>"},
         {[](SessionDesk& desk) { desk.session.rename({{0}}, "n"); }, u"<n><c/><b/></n>"},
         {[](SessionDesk& desk) {
-             desk.session.copy({{0, 0}}, {{0, 1}}, Placement::after);
+             desk.session.copy({{0, 1}}, {{0}}, Placement::lastChild);
          },
          u"<aa><c/><b/><c/></aa>"},
         {command(&EditorSession::format), u"<aa>\n    <c/>\n    <b/>\n</aa>\n"},
@@ -340,6 +340,7 @@ TEST(EditorSessionCommands, ParseTheTextOfNowFirst) {
         desk.buffer.type({3, 4}, {});
         desk.buffer.type({2, 2}, u"a");
         EXPECT_EQ(desk.text(), u"<aa><c/><b/></aa>");
+        // Paths are those of the tree that shows.
         desk.session.select({{0, 1}});
         row.run(desk);
         EXPECT_EQ(desk.text(), row.after);
