@@ -130,7 +130,8 @@ QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     addOnNode(*menu, QStringLiteral("Mover arriba"),
               {Qt::CTRL | Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::SHIFT | Qt::Key_Up}, &EditorSession::moveUp);
     addOnNode(*menu, QStringLiteral("Mover abajo"),
-              {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down}, &EditorSession::moveDown);
+              {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down},
+              &EditorSession::moveDown);
     menu->addSeparator();
     addOnNode(*menu, QStringLiteral("Copiar ruta"), {NodeShortcuts::copyPath}, &EditorSession::copyPath);
     addOnNode(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);

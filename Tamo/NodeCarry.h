@@ -30,8 +30,8 @@ public:
     /// The same, for nodes whose text was not replaced only: takes no time in proportion to the edits.
     std::optional<NodeID> survivor(NodeID node) const;
 
-    /// The path in the later tree of the node at `path`. A node that is gone passes its path on to one that was put
-    /// in there, never to one that had another path before. A path without a node stays as it is.
+    /// The path in the later tree of the node at `path`. A node that is gone passes its path on to one that
+    /// was put in there, never to one that had another path before. A path without a node stays as it is.
     std::optional<NodePath> carried(const NodePath& path);
 
     /// Whether a node of the later tree was put in since, and no node before has become it.

@@ -407,12 +407,11 @@ TEST(EditorWindowView, ClaimsNothingBeforeTheFirstParse) {
     EditorSession session(buffer, QStringLiteral("Unicode (UTF-8)"));
     EditorWindowView editor(session, undo);
     const auto status = [&editor] {
-        for (const QToolButton* const button : editor.toolBar().findChildren<QToolButton*>()) {
-            if (button->accessibleName() == QStringLiteral("El documento está bien formado")) {
-                return button->isVisible();
-            }
-        }
-        return false;
+        const auto shown = editor.toolBar().findChildren<QWidget*>();
+        return std::ranges::any_of(shown, [](const QWidget* widget) {
+            return widget->isVisible() &&
+                   widget->accessibleName() == QStringLiteral("El documento está bien formado");
+        });
     };
     editor.show();
     EXPECT_FALSE(session.hasTree());
