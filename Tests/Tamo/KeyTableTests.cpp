@@ -1,11 +1,15 @@
 #include "KeyTable.h"
 
+#include "CodeEditorView.h"
 #include "DocumentController.h"
 #include "DocumentWindow.h"
 #include "EditingKeys.h"
 #include "EditorDocument.h"
 #include "EditorWindowView.h"
+#include "TextView.h"
 #include "TreeEditorView.h"
+#include "TreeOutlineView.h"
+#include "TreeRowEditor.h"
 
 #include <QKeyEvent>
 #include <QMenu>
