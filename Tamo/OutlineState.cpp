@@ -11,6 +11,11 @@ constexpr auto searchDelay = 150ms;
 constexpr std::size_t fewNodes = 50'000; ///< Their rows are made within a millisecond or two.
 constexpr std::size_t fewSteps = 8;
 
+/// `document`, unless it stands for the text before any parse: nothing is carried from there.
+std::shared_ptr<const ParsedDocument> parsed(const std::shared_ptr<const ParsedDocument>& document) {
+    return document->generation >= 0 ? document : nullptr;
+}
+
 } // namespace
 
 OutlineState::OutlineState(std::shared_ptr<const ParsedDocument> document, QObject* parent)
@@ -24,8 +29,13 @@ OutlineState::OutlineState(std::shared_ptr<const ParsedDocument> document, QObje
 OutlineContents::Request OutlineState::request() {
     m_changes.clear();
     m_isRequested = true;
-    return {
-        m_isFirstExpansionDue ? nullptr : m_outline, m_shownFilter, {}, {}, m_document, m_edits, m_absent};
+    return {m_isFirstExpansionDue ? nullptr : m_outline,
+            m_shownFilter,
+            {},
+            {},
+            parsed(m_document),
+            m_edits,
+            m_absent};
 }
 
 OutlineContents OutlineState::take(std::shared_ptr<const ParsedDocument> document, OutlineContents contents) {
@@ -37,7 +47,7 @@ OutlineContents OutlineState::take(std::shared_ptr<const ParsedDocument> documen
     for (const Change& change : changes) {
         changed.push_back(resolve(change.path).value_or(NodeID::none()));
     }
-    m_before = {std::exchange(m_document, std::move(document)), std::exchange(m_edits, {})};
+    m_before = {parsed(std::exchange(m_document, std::move(document))), std::exchange(m_edits, {})};
     std::swap(m_rows, contents.rows);
     m_matchCount = contents.matchCount;
     m_absent = contents.request.absent;
@@ -234,6 +244,9 @@ NodePath OutlineState::carried(const NodePath& path) const {
 }
 
 NodePath OutlineState::carried(const NodePath& path, NodeID node) const {
+    if (m_before.document == nullptr) {
+        return path;
+    }
     const auto found = NodeCarry(m_before.document->tree, tree(), m_before.edits).survivor(node);
     return found ? this->path(*found) : path;
 }

@@ -112,7 +112,7 @@ TEST(GoToLineBar, AsksAgainForWhatIsNoPlace) {
     EXPECT_TRUE(desk.bar->isVisible());
     EXPECT_EQ(desk.page->selection(), SourceRange(0, 0));
     const auto labels = desk.bar->findChildren<QLabel*>();
-    EXPECT_EQ(labels.last()->text(), QStringLiteral("Escriba una línea, o una línea y una columna: 12:5"));
+    EXPECT_EQ(labels.last()->text(), QStringLiteral("Escribe una línea, o una línea y una columna: 12:5"));
     desk.answer("2");
     EXPECT_EQ(desk.page->selection(), SourceRange(4, 4));
 }

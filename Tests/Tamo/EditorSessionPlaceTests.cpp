@@ -215,3 +215,13 @@ TEST(EditorSessionPlace, IsThatOfAMutationAlsoAfterTyping) {
     EXPECT_NE(desk.selected(), u"-");
     EXPECT_EQ(desk.text().find(u"<b/>"), 4U);
 }
+
+TEST(EditorSessionPlace, IsCarriedFromNowhereBeforeTheFirstParse) {
+    SessionDesk desk(shelf);
+    desk.session.start();
+    desk.buffer.replace(SourceRange::empty(5), Rope(u"<nuevo/>"));
+    desk.session.select(NodePath{{0}});
+    ASSERT_TRUE(desk.settle());
+    EXPECT_EQ(desk.session.tree().text.string(), desk.text());
+    EXPECT_EQ(desk.session.selection(), (NodePath{{0}}));
+}

@@ -6,6 +6,7 @@
 #include "NodeInspectorView.h"
 #include "ParsedDesk.h"
 #include "TreeEditorView.h"
+#include "SymbolLabel.h"
 
 #include <QAction>
 #include <QApplication>
@@ -140,8 +141,8 @@ TEST(EditorWindowLayout, CountsOneErrorInTheSingular) {
     const auto status = [](std::u16string_view text) {
         const Desk desk({1280, 760}, Mode::split, text);
         QStringList texts;
-        for (const auto* const button : desk.view.findChild<QToolBar*>()->findChildren<QToolButton*>()) {
-            texts += button->text();
+        for (const auto* const label : desk.view.findChild<QToolBar*>()->findChildren<SymbolLabel*>()) {
+            texts += label->text();
         }
         return texts.filter(QStringLiteral("error")).join(u' ');
     };

@@ -445,6 +445,9 @@ TEST(AppCommands, LeaveANodeAloneThatTheFilterHides) {
     EXPECT_EQ(desk.text(), QStringLiteral("<a><b/><c/></a>"));
     EXPECT_FALSE(desk.session.namePrompt().has_value());
     desk.session.setFilter({});
-    desk.menus->actions()[2]->menu()->actions().back()->trigger();
+    const auto commands = desk.menus->actions()[2]->menu()->actions();
+    const auto remove = std::ranges::find(commands, QStringLiteral("Eliminar"), &QAction::text);
+    ASSERT_NE(remove, commands.end());
+    (*remove)->trigger();
     EXPECT_EQ(desk.text(), QStringLiteral("<a><c/></a>"));
 }
