@@ -62,15 +62,6 @@ class Looks(unittest.TestCase):
     def resize(self, app, width, height):
         app._xdotool("windowsize", "--sync", app._window, str(width), str(height))
 
-    def choose_in_menu(self, app, button, *keys):
-        """Opens the menu of a button, returns its entries, and then presses keys in it."""
-        before = len(app.windows())
-        app.click_on(button)
-        wait_until(lambda: len(app.windows()) > before, "menu")
-        entries = wait_until(lambda: app.names("menu item"), "entries of the menu")
-        app.press(*keys)
-        return entries
-
     # Room
 
     def test_find_bar_and_panes_never_overlap(self):
@@ -168,12 +159,6 @@ class Looks(unittest.TestCase):
 
     # Words
 
-    def test_tells_the_line_on_which_text_outside_the_root_is_seen(self):
-        app, _ = self.start_in(1, self.document("<a/>\n\nuno\n"))
-        counts = app.wait_for(role="push button", name="0 errores, 1 advertencia")
-        entries = self.choose_in_menu(app, counts, "Escape")
-        self.assertEqual(entries[0], "Línea 3: Texto fuera del elemento raíz")
-
     def test_counts_one_error_in_the_singular(self):
         app, _ = self.start_in(1, self.document("<a>&</a>"))
         app.wait_for(role="push button", name="1 error, 0 advertencias")
@@ -181,21 +166,6 @@ class Looks(unittest.TestCase):
         app.press("ctrl+a")
         app.type("x")
         app.wait_for(role="label", name="1 byte")
-
-    def test_menus_show_keys_as_the_keyboard_names_them(self):
-        app = self.start(self.document("<a><b/></a>\n"))
-        row = app.wait_for(role="table cell", name="b")
-        before = len(app.windows())
-        app.click_on(row, button=3)
-        wait_until(lambda: len(app.windows()) > before, "menu")
-        api = accessibility()
-
-        def keys():
-            item = app.find(role="menu item", name="Añadir hermano…")
-            return item and api.Action.get_key_binding(item, 0)
-
-        self.assertIn("Ctrl+Mayús+Intro", wait_until(keys, "keys of an entry"))
-        app.press("Escape")
 
     def test_asks_in_one_voice(self):
         app, _ = self.start_in(1, self.document("<a/>\n"))

@@ -41,12 +41,12 @@ TEST(InsertionPrompts, CreateTheRoot) {
     desk.prompts.askForRoot();
     auto* const prompt = desk.dialog<NamePromptDialog>();
     ASSERT_NE(prompt, nullptr);
-    QTest::keyClicks(prompt->findChild<QLineEdit*>(), QStringLiteral("raíz"));
+    QTest::keyClicks(prompt->findChild<QLineEdit*>(), QStringLiteral("raiz"));
     QTest::keyClick(prompt, Qt::Key_Return);
-    EXPECT_EQ(desk.text(), QStringLiteral("<?xml version=\"1.0\"?>\n<!-- c -->\n<raíz></raíz>\n"));
+    EXPECT_EQ(desk.text(), QStringLiteral("<?xml version=\"1.0\"?>\n<!-- c -->\n<raiz></raiz>\n"));
     EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Crear elemento raíz"));
     desk.waitForTree();
-    EXPECT_EQ(desk.selected(), u"<raíz></raíz>");
+    EXPECT_EQ(desk.selected(), u"<raiz></raiz>");
 }
 
 TEST(InsertionPrompts, AskForNothingWhereThereIsNothingToDo) {

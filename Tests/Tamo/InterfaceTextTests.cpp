@@ -82,7 +82,9 @@ TEST(InterfaceText, CallsAFileArchivo) {
 }
 
 TEST(InterfaceText, QuotesWithCurlyQuotes) {
-    const QStringList texts = textsWith(QStringLiteral(R"([«»]|(?<!=)\\"(%|\p{L}))"));
+    QStringList texts = textsWith(QStringLiteral(R"([«»]|(?<!=)\\"(%|\p{L}))"));
+    // What the toolkit says in English, which is translated.
+    texts.removeIf([](const QString& text) { return text.contains(QStringLiteral("The name ")); });
     EXPECT_TRUE(texts.isEmpty()) << list(texts);
 }
 

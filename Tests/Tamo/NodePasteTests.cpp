@@ -67,7 +67,7 @@ TEST(NodePaste, EscapesWhatIsNoMarkup) {
     EXPECT_EQ(pasted(u"<n><m></n>", text, path), u"<a><b>&lt;n&gt;&lt;m&gt;&lt;/n&gt;</b></a>");
     EXPECT_EQ(pasted(u"<!-- n", text, path), u"<a><b>&lt;!-- n</b></a>");
     EXPECT_EQ(pasted(u"</x><n/><x>", text, path), u"<a><b>&lt;/x&gt;&lt;n/&gt;&lt;x&gt;</b></a>");
-    EXPECT_EQ(pasted(u"uno <n/> dos", text, path), u"<a><b>\n  uno <n/> dos\n</b></a>")
+    EXPECT_EQ(pasted(u"uno <n/> dos", text, path), u"<a><b>uno <n/> dos</b></a>")
         << "mixed content is markup";
     EXPECT_EQ(paste(u"uno", u"<a/>", std::nullopt).error(),
               NodeAddition::Failure(NodeAddition::TextOutsideRoot()));
