@@ -8,6 +8,7 @@
 #include "TextStorage.h"
 #include "UndoManager.h"
 #include "WindowPlacement.h"
+#include "WriteFailureQuestion.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -2,8 +2,9 @@
 
 #include <QTranslator>
 
-/// The toolkit's own texts in the words of the program, where its translation has others: keys as they are
-/// written on the keyboard ("Ctrl+Mayús"), "archivo", and tú. Installed after that translation.
+/// The toolkit's own texts in the words of the program, where its translation lacks them or has others: keys as
+/// they are written on the keyboard ("Ctrl+Mayús"), the dialogs for files, "archivo", and tú. Installed after that
+/// translation.
 class ToolkitTexts : public QTranslator {
     Q_OBJECT
 

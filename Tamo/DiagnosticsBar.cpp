@@ -2,6 +2,7 @@
 
 #include "EditorSession.h"
 #include "GroupedNumber.h"
+#include "FixPlanner.h"
 #include "MenuText.h"
 #include "Symbol.h"
 #include "SystemColor.h"

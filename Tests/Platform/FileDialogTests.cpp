@@ -1,6 +1,6 @@
 #include "FileDialog.h"
 
-#include "ToolkitWords.h"
+#include "ToolkitTexts.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -96,7 +96,7 @@ TEST(FileDialog, ShowsWholeNames) {
 }
 
 TEST(FileDialog, SpeaksOneLanguage) {
-    ToolkitWords words;
+    ToolkitTexts words;
     QCoreApplication::installTranslator(&words);
     const std::unique_ptr<FileDialog> dialog(
         FileDialog::toSave(QStringLiteral("nota.txt"), filters, nullptr));

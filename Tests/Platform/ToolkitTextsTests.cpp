@@ -46,9 +46,10 @@ TEST(ToolkitTexts, NamesKeysAsTheyAreWrittenOnThem) {
 TEST(ToolkitTexts, SayTuAndArchivo) {
     const Installed texts;
     EXPECT_EQ(QCoreApplication::translate("QFileDialog", "%1 already exists.\nDo you want to replace it?"),
-              QStringLiteral("El archivo %1 ya existe.\n¿Quieres reemplazarlo?"));
+              QStringLiteral("“%1” ya existe.\n¿Quieres reemplazarlo?"));
     EXPECT_EQ(QCoreApplication::translate("QFileDialog", "File &name:"),
               QStringLiteral("&Nombre del archivo:"));
+    EXPECT_EQ(QCoreApplication::translate("QFileSystemModel", "Date Modified"), QStringLiteral("Modificado"));
 }
 
 TEST(ToolkitTexts, LeaveTheOthersToTheToolkit) {
