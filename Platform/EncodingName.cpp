@@ -170,8 +170,8 @@ std::vector<EncodingGroup> makeGroups() {
 } // namespace
 
 const std::vector<EncodingGroup>& encodingGroups() {
-    static const std::vector<EncodingGroup> groups = makeGroups();
-    return groups;
+    static const std::vector<EncodingGroup> made = makeGroups();
+    return made;
 }
 
 QString localizedName(const StringEncoding& encoding) {

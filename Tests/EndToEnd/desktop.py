@@ -38,7 +38,7 @@ class Desktop:
             QT_SCALE_FACTOR="1",
         )
         os.environ["DISPLAY"] = ":" + self._start_and_read(
-            lambda fd: ["Xvfb", "-displayfd", str(fd), "-screen", "0", "1600x1000x24", "-nolisten", "tcp"]
+            lambda fd: ["Xvfb", "-displayfd", str(fd), "-screen", "0", "1600x1000x24", "-nolisten", "tcp", "-noreset"]
         )
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = self._start_and_read(
             lambda fd: ["dbus-daemon", "--session", "--nofork", f"--print-address={fd}"]
