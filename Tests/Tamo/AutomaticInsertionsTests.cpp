@@ -124,7 +124,7 @@ private:
     bool m_hidesOpeners = false;
 };
 
-/// `text` without the indentation that Return writes and nobody types.
+/// `text` without the indentation that Return adds by itself.
 std::string withoutIndentation(std::string_view text) {
     std::string result;
     bool isLineStart = false;
