@@ -3,29 +3,16 @@
 Usage: commands_tests.py PROGRAM [TEST…]
 """
 
-import pathlib
-import sys
-import tempfile
-import unittest
+from desktop import accessibility, wait_until
+from document_test import DocumentTest, run, text_of
 
-from desktop import Application, Desktop, accessibility, wait_until
-
-PROGRAM = ""
 CHANGED_SPACE = "Se han cambiado espacios que pueden ser parte del texto."
 
 
-class Commands(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.path = pathlib.Path(folder.name) / "documento.xml"
-
-    def start(self, text):
+class Commands(DocumentTest):
+    def start_in_text(self, text):
         """The program on a file with that text, the source alone, the caret at its start."""
-        self.path.write_text(text, encoding="utf-8", newline="")
-        app = self.enterContext(Application(PROGRAM, self.path))
-        app.press("ctrl+1")
-        app.wait_for(role="text", name="Texto", state="focused")
+        app = self.start_with_text(self.document(text))
         app.press("ctrl+Home")
         return app
 
@@ -33,10 +20,7 @@ class Commands(unittest.TestCase):
         return app.wait_for(role="text", name="Texto")
 
     def text(self, app):
-        return accessibility().Text.get_text(self.source(app), 0, -1)
-
-    def wait_for_text(self, app, expected):
-        wait_until(lambda: self.text(app) == expected, f"text {expected!r}")
+        return text_of(self.source(app))
 
     def put_caret(self, app, offset):
         accessibility().Text.set_caret_offset(self.source(app), offset)
@@ -61,7 +45,7 @@ class Commands(unittest.TestCase):
 
     def test_formatting_keeps_the_caret_in_its_content_and_in_view(self):
         items = "".join(f"<item><id>{number}</id></item>" for number in range(300))
-        app = self.start(f"<lista>{items}</lista>")
+        app = self.start_in_text(f"<lista>{items}</lista>")
         before = self.text(app)
         caret = before.index(">200<") + 2
         self.put_caret(app, caret)
@@ -86,7 +70,7 @@ class Commands(unittest.TestCase):
     def test_going_back_to_the_file_keeps_the_line_of_the_caret(self):
         lines = [f"  <item>{number}</item>\n" for number in range(300)]
         text = "<lista>\n" + "".join(lines) + "</lista>\n"
-        app = self.start(text)
+        app = self.start_in_text(text)
         app.press("Down")
         app.type("<!--uno-->")
         app.press("ctrl+End", "Up")
@@ -105,7 +89,7 @@ class Commands(unittest.TestCase):
 
     def test_tells_once_of_white_space_that_may_be_text(self):
         text = "<p>uno <b>dos</b> tres</p>"
-        app = self.start(text)
+        app = self.start_in_text(text)
         app.press("ctrl+alt+f")
         app.wait_for(role="label", name=CHANGED_SPACE)
         app.click_on(app.wait_for(role="push button", name="Deshacer"))
@@ -116,7 +100,7 @@ class Commands(unittest.TestCase):
         self.assertIsNone(app.find(role="label", name=CHANGED_SPACE))
 
     def test_says_nothing_where_no_text_changes(self):
-        app = self.start("<p><b>dos</b></p>")
+        app = self.start_in_text("<p><b>dos</b></p>")
         app.press("ctrl+alt+f")
         self.wait_for_text(app, "<p>\n    <b>dos</b>\n</p>\n")
         self.assertIsNone(app.find(role="label", name=CHANGED_SPACE))
@@ -134,7 +118,7 @@ class Commands(unittest.TestCase):
 
     def test_mends_all_in_one_step(self):
         text = '<a b="x>1 &amp; 2</a>'
-        app = self.start(text)
+        app = self.start_in_text(text)
         self.mend_all(app)
         self.wait_for_text(app, '<a b="x">1 &amp; 2</a>')
         app.wait_for(role="label", name="Sin errores")
@@ -142,7 +126,7 @@ class Commands(unittest.TestCase):
         self.wait_for_text(app, text)
 
     def test_says_how_many_problems_are_left(self):
-        app = self.start('<r><item x="1" x="2">t</itm></r>')
+        app = self.start_in_text('<r><item x="1" x="2">t</itm></r>')
         self.mend_all(app)
         self.wait_for_text(app, '<r><item x="1" x="2">t</item></r>')
         app.wait_for(role="label", name="Queda 1 problema que Tamo no sabe corregir.")
@@ -150,7 +134,7 @@ class Commands(unittest.TestCase):
         wait_until(lambda: app.find(role="label", starts="Queda 1") is None, "end of the notice")
 
     def test_renames_an_end_tag(self):
-        app = self.start("<r><item>t</itm></r>")
+        app = self.start_in_text("<r><item>t</itm></r>")
         wait_until(lambda: self.counts(app), "count of errors")
         self.put_caret(app, 13)
         app.press("alt+Return")
@@ -160,10 +144,4 @@ class Commands(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

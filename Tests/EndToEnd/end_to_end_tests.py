@@ -7,48 +7,18 @@ import json
 import pathlib
 import shutil
 import subprocess
-import sys
 import tempfile
-import unittest
 
-from desktop import Application, Desktop, accessibility, wait_until
+from desktop import accessibility, wait_until
+from document_test import DocumentTest, run, text_of
 
 SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "samples"
-PROGRAM = ""
 
 
-class EndToEnd(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
+class EndToEnd(DocumentTest):
     def sample(self, name):
         """A copy of a sample to work on."""
         return pathlib.Path(shutil.copy(SAMPLES / name, self.folder))
-
-    def document(self, text):
-        """A file to work on, with that text."""
-        path = self.folder / "documento.xml"
-        path.write_text(text, encoding="utf-8", newline="")
-        return path
-
-    def start(self, *arguments):
-        return self.enterContext(Application(PROGRAM, *arguments))
-
-    def start_with_tree(self, path):
-        """With the tree of a document that has one, and the focus in it."""
-        app = self.start(path)
-        app.wait_for(role="table cell")
-        app.wait_for(role="tree", state="focused")
-        return app
-
-    def start_with_text(self, path):
-        """With the source alone, and the focus in it."""
-        app = self.start(path)
-        app.press("ctrl+1")
-        self.source_of(app)
-        return app
 
     def source_of(self, app):
         return app.wait_for(role="text", name="Texto", state="focused")
@@ -60,21 +30,9 @@ class EndToEnd(unittest.TestCase):
         # Its place is shown above.
         app.wait_for(role="push button", name=name)
 
-    def wait_for_text(self, app, expected):
-        text = app.wait_for(role="text", name="Texto")
-        api = accessibility()
-        wait_until(lambda: api.Text.get_text(text, 0, -1) == expected, f"text {expected!r}")
-
-    @staticmethod
-    def text_of(field):
-        return accessibility().Text.get_text(field, 0, -1)
-
     def save(self, app, path, expected):
         app.press("ctrl+s")
         self.wait_for_bytes(path, expected.encode() if isinstance(expected, str) else expected)
-
-    def wait_for_bytes(self, path, expected):
-        wait_until(lambda: path.read_bytes() == expected, f"file of {len(expected)} bytes as expected")
 
     def check_edit(self, name, typed, expected):
         """Types at the start of a sample, saves, and compares every byte."""
@@ -357,7 +315,7 @@ class EndToEnd(unittest.TestCase):
         app.type("no vale")
         app.press("Return")
         app.wait_for(role="label", name="“no vale” no es un nombre XML válido.")
-        self.assertEqual(self.text_of(app.wait_for(role="text", name="Nombre de la etiqueta")), "no vale")
+        self.assertEqual(text_of(app.wait_for(role="text", name="Nombre de la etiqueta")), "no vale")
         app.press("ctrl+a")
         app.type("caja")
         app.answer("Nombre de la etiqueta", "Return")
@@ -586,9 +544,9 @@ class EndToEnd(unittest.TestCase):
         self.save(app, path, "<caja></caja>\n")
 
 
-class Picture(unittest.TestCase):
+class Picture(DocumentTest):
     def run_program(self, *arguments):
-        return subprocess.run([PROGRAM, *map(str, arguments)], capture_output=True, text=True, timeout=60)
+        return subprocess.run([self.program, *map(str, arguments)], capture_output=True, text=True, timeout=60)
 
     def test_is_taken_of_the_window(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -627,10 +585,4 @@ class Picture(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

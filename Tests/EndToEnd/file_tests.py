@@ -3,49 +3,19 @@
 Usage: file_tests.py PROGRAM [TEST…]
 """
 
-import pathlib
-import sys
-import tempfile
-import unittest
+from desktop import accessibility, wait_until
+from document_test import DocumentTest, run
 
-from desktop import Application, Desktop, accessibility, wait_until
-
-PROGRAM = ""
 DECLARATION = '<?xml version="1.0" encoding="ISO-8859-1"?>\n'
 
 
-class Files(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def document(self, contents, name="documento.xml"):
-        path = self.folder / name
-        path.write_bytes(contents)
-        return path
-
-    def start(self, *arguments):
-        """With the focus in the source."""
-        app = self.enterContext(Application(PROGRAM, *arguments))
-        app.press("ctrl+1")
-        if arguments:
-            app.wait_for(role="text", name="Texto", state="focused")
-        return app
-
+class Files(DocumentTest):
     def start_blank(self):
         app = self.start()
+        app.press("ctrl+1")
         app.click_on(app.wait_for(role="push button", name="Empezar en blanco"))
         app.wait_for(role="text", name="Texto", state="focused")
         return app
-
-    def wait_for_text(self, app, expected):
-        text = app.wait_for(role="text", name="Texto")
-        api = accessibility()
-        wait_until(lambda: api.Text.get_text(text, 0, -1) == expected, f"text {expected!r}")
-
-    def wait_for_bytes(self, path, expected):
-        wait_until(lambda: path.exists() and path.read_bytes() == expected, f"{expected!r} in the file")
 
     def insert(self, app, units, at=0):
         """Puts text in, as a paste would: nothing is completed."""
@@ -72,7 +42,7 @@ class Files(unittest.TestCase):
         name = "un-esquema-con-un-nombre-bastante-largo-para-que-quepa-entero.xsd"
         self.document(b"<a/>", name)
         self.document(b"no", "notas.txt")
-        app = self.start(self.document(b"<a/>"))
+        app = self.start_with_text(self.document(b"<a/>"))
         app.press("ctrl+o")
         wait_until(lambda: "Abrir" in app.windows(), "dialog")
         for label in ("Buscar en:", "Nombre del archivo:", "Tipo de archivo:"):
@@ -112,7 +82,7 @@ class Files(unittest.TestCase):
 
     def test_asks_which_holds_where_declaration_and_file_would_differ(self):
         path = self.document("<a>cañón</a>\n".encode())
-        app = self.start(path)
+        app = self.start_with_text(path)
         self.insert(app, DECLARATION)
         wait_until(lambda: app.title().startswith("documento.xml*"), "mark of an edited document")
         app.press("ctrl+s")
@@ -123,7 +93,7 @@ class Files(unittest.TestCase):
 
     def test_saves_in_the_declared_encoding(self):
         path = self.document("<a>cañón</a>\n".encode())
-        app = self.start(path)
+        app = self.start_with_text(path)
         self.insert(app, DECLARATION)
         wait_until(lambda: app.title().startswith("documento.xml*"), "mark of an edited document")
         app.press("ctrl+s")
@@ -133,7 +103,7 @@ class Files(unittest.TestCase):
 
     def test_reads_a_file_in_another_encoding(self):
         path = self.document("<a>cañón €</a>\n".encode("cp1252"))
-        app = self.start(path)
+        app = self.start_with_text(path)
         app.wait_for(starts="“documento.xml” no declara su codificación y no es UTF-8.")
         self.choose_command(app, "b", "Volver a abrir con la codificación")
         self.choose_encoding(app, "Occidental (Windows Latin 1)")
@@ -148,7 +118,7 @@ class Files(unittest.TestCase):
 
     def test_saves_in_another_encoding(self):
         path = self.document("<a>cañón</a>\n".encode())
-        app = self.start(path)
+        app = self.start_with_text(path)
         self.choose_command(app, "l", "Guardar con la codificación")
         self.choose_encoding(app, "Occidental (ISO Latin 1)")
         app.wait_for(role="label", starts="Se añadirá una declaración XML")
@@ -158,7 +128,7 @@ class Files(unittest.TestCase):
 
     def test_saving_in_utf_8_is_one_button_away_after_an_unencodable_character(self):
         path = self.document((DECLARATION + "<a>cañón</a>\n").encode("latin-1"))
-        app = self.start(path)
+        app = self.start_with_text(path)
         self.insert(app, "<!--€-->", len(DECLARATION + "<a>cañón</a>\n"))
         wait_until(lambda: app.title().startswith("documento.xml*"), "mark of an edited document")
         app.press("ctrl+s")
@@ -167,17 +137,11 @@ class Files(unittest.TestCase):
         self.wait_for_bytes(path, expected.encode())
 
     def test_tells_of_an_unknown_encoding(self):
-        app = self.start(self.document(b'<?xml version="1.0" encoding="foo-1"?><a/>'))
+        app = self.start_with_text(self.document(b'<?xml version="1.0" encoding="foo-1"?><a/>'))
         app.wait_for(starts="“documento.xml” declara la codificación “foo-1”, que no se conoce.")
         self.press_button(app, "Entendido")
         wait_until(lambda: app.find(role="push button", name="Entendido") is None, "bar gone")
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

@@ -4,19 +4,10 @@ and what everything says it is.
 Usage: key_tests.py PROGRAM [TEST…]
 """
 
-import pathlib
 import subprocess
-import sys
-import tempfile
-import unittest
 
-from desktop import Application, Desktop, accessibility, wait_until
-
-PROGRAM = ""
-
-
-def text_of(accessible):
-    return accessibility().Text.get_text(accessible, 0, -1)
+from desktop import accessibility, wait_until
+from document_test import DocumentTest, run, text_of
 
 
 def selection_of(text):
@@ -24,24 +15,20 @@ def selection_of(text):
     return selected.start_offset, selected.end_offset
 
 
-class Keys(unittest.TestCase):
-    def start(self, text):
-        """The program with a document of that text and the focus in its tree, if it has one."""
-        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
-        self.path = folder / "documento.xml"
-        self.path.write_text(text, encoding="utf-8", newline="")
-        return self.enterContext(Application(PROGRAM, self.path))
+class Keys(DocumentTest):
+    def start_on(self, text):
+        """The program with a document of that text."""
+        self.path = self.document(text)
+        return self.start(self.path)
 
-    def start_with_tree(self, text):
-        app = self.start(text)
-        app.wait_for(role="table cell")
-        app.wait_for(role="tree", state="focused")
-        return app
+    def start_in_tree(self, text):
+        self.path = self.document(text)
+        return self.start_with_tree(self.path)
 
-    def start_with_text(self, text):
-        app = self.start(text)
-        app.press("ctrl+1")
-        return app, app.wait_for(role="text", name="Texto", state="focused")
+    def start_in_text(self, text):
+        self.path = self.document(text)
+        app = self.start_with_text(self.path)
+        return app, app.wait_for(role="text", name="Texto")
 
     def choose(self, app, name):
         app.click_on(app.wait_for(role="table cell", name=name))
@@ -55,7 +42,7 @@ class Keys(unittest.TestCase):
     # Shortcuts
 
     def test_goes_around_the_panes(self):
-        app = self.start_with_tree("<a><b/></a>\n")
+        app = self.start_in_tree("<a><b/></a>\n")
         self.choose(app, "a")
         app.press("ctrl+3")
         app.wait_for(role="text", name="Texto")
@@ -69,7 +56,7 @@ class Keys(unittest.TestCase):
         app.wait_for(role="text", name="Texto", state="focused")
 
     def test_leads_to_problems(self):
-        app, text = self.start_with_text("<a>\n&\n&\n</a>\n")
+        app, text = self.start_in_text("<a>\n&\n&\n</a>\n")
         app.wait_for(role="push button", starts="2 errores")
         app.press("ctrl+Home", "F8")
         wait_until(lambda: selection_of(text) == (4, 5), "first problem")
@@ -79,7 +66,7 @@ class Keys(unittest.TestCase):
         wait_until(lambda: selection_of(text) == (4, 5), "first problem again")
 
     def test_redoes_with_the_key_of_other_desktops_too(self):
-        app, text = self.start_with_text("<a/>\n")
+        app, text = self.start_in_text("<a/>\n")
         app.press("ctrl+Home")
         app.type("x")
         wait_until(lambda: text_of(text) == "x<a/>\n", "typed text")
@@ -89,7 +76,7 @@ class Keys(unittest.TestCase):
         wait_until(lambda: text_of(text) == "x<a/>\n", "redone text")
 
     def test_moves_nodes_by_the_other_keys(self):
-        app = self.start_with_tree("<a>\n  <b/>\n  <c/>\n</a>\n")
+        app = self.start_in_tree("<a>\n  <b/>\n  <c/>\n</a>\n")
         self.choose(app, "b")
         app.press("alt+shift+Down")
         wait_until(lambda: app.rows() == ["a", "c", "b"], "moved row")
@@ -97,7 +84,7 @@ class Keys(unittest.TestCase):
         wait_until(lambda: app.rows() == ["a", "b", "c"], "row moved back")
 
     def test_selects_lines_in_the_ruler(self):
-        app, text = self.start_with_text("uno\ndos\ntres\ncuatro\n")
+        app, text = self.start_in_text("uno\ndos\ntres\ncuatro\n")
         api = accessibility()
 
         def beside(offset):
@@ -110,7 +97,7 @@ class Keys(unittest.TestCase):
         wait_until(lambda: selection_of(text) == (0, 13), "three lines")
 
     def test_has_a_page_of_shortcuts(self):
-        app = self.start_with_tree("<a/>\n")
+        app = self.start_in_tree("<a/>\n")
         app.press("F1")
         wait_until(lambda: "Atajos de teclado" in app.windows(), "page of shortcuts")
         wait_until(lambda: {"Archivo", "Guardar como…"} < set(app.names("table cell")), "start of the page")
@@ -121,8 +108,8 @@ class Keys(unittest.TestCase):
         app.answer("Atajos de teclado", "Escape")
 
     def test_says_what_program_it_is(self):
-        app = self.start_with_tree("<a/>\n")
-        version = subprocess.run([PROGRAM, "--version"], capture_output=True, text=True, timeout=60).stdout.strip()
+        app = self.start_in_tree("<a/>\n")
+        version = subprocess.run([self.program, "--version"], capture_output=True, text=True, timeout=60).stdout.strip()
         app.press("alt+y")
         wait_until(lambda: len(app.windows()) > 1, "menu")
         app.press("c")
@@ -134,7 +121,7 @@ class Keys(unittest.TestCase):
     # The clipboard
 
     def test_cuts_copies_and_pastes_nodes(self):
-        app = self.start_with_tree("<a>\n  <b>x &amp; y</b>\n  <c/>\n</a>\n")
+        app = self.start_in_tree("<a>\n  <b>x &amp; y</b>\n  <c/>\n</a>\n")
         self.choose(app, "b")
         app.press("ctrl+x")
         wait_until(lambda: app.rows() == ["a", "c"], "row gone")
@@ -147,7 +134,7 @@ class Keys(unittest.TestCase):
         self.save(app, "<a>\n  <b>x &amp; y</b>\n  <c/>\n</a>\n")
 
     def test_pastes_into_the_gallery(self):
-        app = self.start_with_text("<a>\n  <b/>\n</a>\n")[0]
+        app = self.start_in_text("<a>\n  <b/>\n</a>\n")[0]
         app.press("ctrl+a", "ctrl+c", "ctrl+n")
         app.focus("Sin título")
         app.wait_for(role="label", name="Nuevo documento XML")
@@ -157,7 +144,7 @@ class Keys(unittest.TestCase):
     # New nodes
 
     def test_creates_a_root(self):
-        app = self.start('<?xml version="1.0"?>\n')
+        app = self.start_on('<?xml version="1.0"?>\n')
         app.click_on(app.wait_for(role="push button", name="Crear elemento raíz…"))
         app.wait_for(role="label", name="Elemento raíz")
         app.type("raiz")
@@ -167,7 +154,7 @@ class Keys(unittest.TestCase):
         self.save(app, '<?xml version="1.0"?>\n<raiz></raiz>\n')
 
     def test_inserts_texts_and_comments(self):
-        app = self.start_with_tree("<a>\n  <b/>\n</a>\n")
+        app = self.start_in_tree("<a>\n  <b/>\n</a>\n")
         self.choose(app, "b")
         app.press("alt+n")
         wait_until(lambda: len(app.windows()) > 1, "menu")
@@ -195,7 +182,7 @@ class Keys(unittest.TestCase):
     # Fields
 
     def test_commits_the_content_with_return(self):
-        app = self.start_with_tree("<a>uno</a>\n")
+        app = self.start_in_tree("<a>uno</a>\n")
         self.choose(app, "a")
         field = app.wait_for(role="text", name="Texto")
         app.click_on(field)
@@ -216,7 +203,7 @@ class Keys(unittest.TestCase):
     # What everything is
 
     def test_announces_what_does_nothing_as_no_button(self):
-        app = self.start_with_tree("<a><b/></a>\n")
+        app = self.start_in_tree("<a><b/></a>\n")
         self.choose(app, "b")
         app.wait_for(role="label", name="El documento está bien formado")
         buttons = set(app.names("push button"))
@@ -228,7 +215,7 @@ class Keys(unittest.TestCase):
         self.assertEqual(app.names("radio button"), ["Texto", "Visual", "Dividido"])
 
     def test_brings_the_selected_node_into_view_by_its_crumb(self):
-        app, text = self.start_with_text("<a>\n" + "<!---->\n" * 200 + "<b/>\n</a>\n")
+        app, text = self.start_in_text("<a>\n" + "<!---->\n" * 200 + "<b/>\n</a>\n")
         app.press("ctrl+End", "Up", "Up", "Home")
         app.wait_for(role="push button", name="b")
         # Scrolled away by the wheel, the caret stays.
@@ -247,7 +234,7 @@ class Keys(unittest.TestCase):
         wait_until(is_in_view, "node in view")
 
     def test_describes_rows_and_their_fields(self):
-        app = self.start_with_tree("<a><!-- c --></a>\n")
+        app = self.start_in_tree("<a><!-- c --></a>\n")
         self.choose(app, "a")
         rows = {row.get_name(): row.get_description() for row in app.accessibles() if row.get_role_name() == "table cell"}
         self.assertEqual(rows["a"], "Elemento, nivel 1")
@@ -259,10 +246,4 @@ class Keys(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

@@ -4,14 +4,10 @@ Usage: look_tests.py PROGRAM [TEST…]
 """
 
 import os
-import pathlib
-import sys
-import tempfile
-import unittest
 
-from desktop import Application, Desktop, accessibility, api_error, wait_until
+from desktop import accessibility, api_error, wait_until
+from document_test import DocumentTest, run
 
-PROGRAM = ""
 SMALLEST = (480, 320)  # The smallest size that a window lets itself be made.
 
 
@@ -36,20 +32,7 @@ def box_of(accessible):
     return Box(found.x, found.y, found.width, found.height)
 
 
-class Looks(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def document(self, text, name="documento.xml"):
-        path = self.folder / name
-        path.write_text(text, encoding="utf-8", newline="")
-        return path
-
-    def start(self, *arguments):
-        return self.enterContext(Application(PROGRAM, *arguments))
-
+class Looks(DocumentTest):
     def start_in(self, mode, path):
         """Text alone is mode 1, text beside the tree mode 3; the focus goes into the text."""
         app = self.start(path)
@@ -178,10 +161,4 @@ class Looks(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

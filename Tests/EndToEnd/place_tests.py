@@ -3,14 +3,8 @@
 Usage: place_tests.py PROGRAM [TEST…]
 """
 
-import pathlib
-import sys
-import tempfile
-import unittest
-
-from desktop import Application, Desktop, accessibility, wait_until
-
-PROGRAM = ""
+from desktop import accessibility, wait_until
+from document_test import DocumentTest, run
 
 SHELF = """<lib>
   <libro><autor>Ana</autor></libro>
@@ -20,23 +14,7 @@ SHELF = """<lib>
 """
 
 
-class Place(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def document(self, text, name="documento.xml"):
-        path = self.folder / name
-        path.write_text(text, encoding="utf-8", newline="")
-        return path
-
-    def start(self, path):
-        app = self.enterContext(Application(PROGRAM, path))
-        app.wait_for(role="table cell")
-        app.wait_for(role="tree", state="focused")
-        return app
-
+class Place(DocumentTest):
     def choose(self, app, name):
         app.click_on(app.wait_for(role="table cell", name=name))
         app.wait_for(role="tree", state="focused")
@@ -63,7 +41,7 @@ class Place(unittest.TestCase):
         wait_until(lambda: app.rows() == expected, f"rows {expected}")
 
     def test_a_comment_above_the_root_leaves_tree_and_selection(self):
-        app = self.start(self.document(SHELF))
+        app = self.start_with_tree(self.document(SHELF))
         self.wait_for_rows(app, ["lib", "libro", "autor", "Ana", "libro", "autor", "Eva", "revista"])
         app.click_on(app.find(role="table cell", name="libro"))
         app.press("Left")
@@ -82,7 +60,7 @@ class Place(unittest.TestCase):
         wait_until(lambda: app.find(role="label", name="Comentario"), "inspector of the comment")
 
     def test_an_undo_brings_back_what_was_expanded(self):
-        app = self.start(self.document(SHELF))
+        app = self.start_with_tree(self.document(SHELF))
         before = app.rows()
         self.choose(app, "revista")
         app.click_on(app.find(role="table cell", name="libro"))
@@ -92,7 +70,7 @@ class Place(unittest.TestCase):
         self.wait_for_rows(app, before)
 
     def test_the_inspector_is_that_of_the_caret_after_typing(self):
-        app = self.start(self.document("<a><b/><c/></a>\n"))
+        app = self.start_with_tree(self.document("<a><b/><c/></a>\n"))
         app.press("ctrl+3")
         text = app.wait_for(role="text", name="Texto")
         app.click_on(text)
@@ -104,7 +82,7 @@ class Place(unittest.TestCase):
 
     def test_changing_the_mode_keeps_the_place(self):
         books = "".join(f"  <libro{n}/>\n" for n in range(120))
-        app = self.start(self.document(f"<lib>\n{books}</lib>\n"))
+        app = self.start_with_tree(self.document(f"<lib>\n{books}</lib>\n"))
         app.press("ctrl+1")
         text = app.wait_for(role="text", name="Texto", state="focused")
         api = accessibility()
@@ -130,7 +108,7 @@ class Place(unittest.TestCase):
 
     def test_the_filter_counts_and_hides_from_commands(self):
         path = self.document(SHELF)
-        app = self.start(path)
+        app = self.start_with_tree(path)
         self.choose(app, "revista")
         app.press("ctrl+f")
         app.wait_for(role="text", name="Filtrar nodos", state="focused")
@@ -153,17 +131,11 @@ class Place(unittest.TestCase):
 
     def test_the_title_is_the_files_name_from_the_start(self):
         path = self.document("<a>" + "una línea de texto\n" * 2_000_000 + "</a>\n")
-        app = self.enterContext(Application(PROGRAM, path))
+        app = self.start(path)
         titles = {app.title()}
         wait_until(lambda: titles.add(app.title()) or app.find(role="table cell"), "tree")
         self.assertEqual([title for title in titles if not title.startswith("documento.xml")], [])
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()
