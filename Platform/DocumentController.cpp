@@ -30,6 +30,18 @@ QString canonical(const QString& path) {
     return found.isEmpty() ? file.absoluteFilePath() : found;
 }
 
+/// What is said of a recovered text that is not whole. `folder` keeps the texts.
+QString damageNotice(RecoveryDamage damage, const QString& folder) {
+    const QString why =
+        damage == RecoveryDamage::cutOff
+            ? QStringLiteral("A este texto recuperado le falta el final: el programa se interrumpió antes de "
+                             "protegerlo entero.")
+            : QStringLiteral("El disco no devolvió entero este texto recuperado: puede faltar una parte o "
+                             "haber cambiado.");
+    return QStringLiteral("%1 Compruébalo antes de guardarlo. Lo que había se conserva en “%2/damaged”.")
+        .arg(why, folder);
+}
+
 } // namespace
 
 DocumentController::DocumentController(std::unique_ptr<DocumentType> type, QObject* parent)
@@ -232,14 +244,15 @@ DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, con
         other->close();
     }
     auto window = makeWindow();
-    window->setDocument(m_type->makeDocument(text), path, text.facts.version);
+    // A text that is not whole never takes the place of its file unasked.
+    window->setDocument(m_type->makeDocument(text), path,
+                        text.damage == RecoveryDamage::none ? text.facts.version : std::nullopt);
     window->document()->undoManager().resetClean();
     equip(*window, id);
     DocumentWindow* const shown = show(std::move(window));
     shown->document()->setTextSelection(TextSelection::of(text.moment.selection));
-    if (text.isDamaged) {
-        shown->addNotice(QStringLiteral(
-            "A este texto recuperado le falta lo último que se escribió: el disco no lo devolvió entero."));
+    if (text.damage != RecoveryDamage::none) {
+        shown->addNotice(damageNotice(text.damage, m_store->folder()));
     }
     emit windowOpened(shown);
     return shown;

@@ -31,6 +31,20 @@ constexpr QSize initialSize(1280, 820);
 constexpr QSize smallestSize(480, 320);
 constexpr auto patience = 200ms;
 
+/// Whether another file than the one in the version `known`, or one of an unknown version, is at `path`. Reads
+/// the file where its contents decide.
+bool isChanged(const QString& path, const std::optional<FileIdentity>& known) {
+    const auto found = FileIdentity::of(path);
+    if (!found || !known) {
+        return found.has_value();
+    }
+    if (found->isUntouched(*known)) {
+        return false;
+    }
+    const auto content = FileIdentity::withContent(path);
+    return !content || !content->hasSameContent(*known);
+}
+
 } // namespace
 
 DocumentWindow::DocumentWindow(DocumentController& controller)
@@ -294,15 +308,12 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
     }
     m_savingStop = {};
     m_saving.start(
-        [path, known = conflict == Conflict::ask ? m_version : std::nullopt, write = m_document->write(),
+        [path, asks = conflict == Conflict::ask, known = m_version, write = m_document->write(),
          stop = m_savingStop.get_token()](std::stop_token) {
             SaveResult result;
-            if (const auto found = FileIdentity::of(path); known && found && !found->isUntouched(*known)) {
-                const auto content = FileIdentity::withContent(path);
-                if (!content || !content->hasSameContent(*known)) {
-                    result.isConflict = true;
-                    return result;
-                }
+            if (asks && isChanged(path, known)) {
+                result.isConflict = true;
+                return result;
             }
             result.written = write(path, stop);
             result.isCancelled = !result.written && stop.stop_requested();
@@ -369,7 +380,9 @@ void DocumentWindow::adoptFile(const QString& path, const std::optional<FileIden
 void DocumentWindow::askAboutConflict(const QString& path) {
     QMessageBox question(
         QMessageBox::Warning, QCoreApplication::applicationName(),
-        QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.").arg(QFileInfo(path).fileName()),
+        (m_version ? QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.")
+                   : QStringLiteral("No se sabe si “%1” ha cambiado en el disco desde que se abrió."))
+            .arg(QFileInfo(path).fileName()),
         QMessageBox::NoButton, this);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(

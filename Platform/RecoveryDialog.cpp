@@ -26,7 +26,7 @@ QString origin(const RecoverableDocument& document) {
 QString name(const RecoverableDocument& document) {
     const QString path = origin(document);
     const QString name = path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(path).fileName();
-    return document.isDamaged ? QStringLiteral("%1 (incompleto)").arg(name) : name;
+    return document.damage != RecoveryDamage::none ? QStringLiteral("%1 (incompleto)").arg(name) : name;
 }
 
 QString time(const RecoverableDocument& document) {

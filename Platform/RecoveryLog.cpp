@@ -32,7 +32,7 @@ int writeAll(int number, Bytes bytes, std::uint64_t at) {
 
 } // namespace
 
-std::expected<RecoveryLog, FileFailure> RecoveryLog::create(const QString& path) {
+std::expected<RecoveryLog, FileFailure> RecoveryLog::create(const QString& path, RecoveryLineage lineage) {
     constexpr mode_t userOnly = 0600;
     const int number =
         open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, userOnly);
@@ -40,9 +40,8 @@ std::expected<RecoveryLog, FileFailure> RecoveryLog::create(const QString& path)
         return std::unexpected(fileFailure(errno));
     }
     RecoveryLog log(number);
-    const std::uint64_t salt = QRandomGenerator::global()->generate64();
-    RecoveryRecord::appendFileHeader(salt, log.m_waiting);
-    log.m_end.chain = salt;
+    log.m_salt = QRandomGenerator::global()->generate64();
+    RecoveryRecord::append({log.m_salt, lineage}, log.m_waiting);
     log.write();
     log.m_committed = log.m_end;
     if (log.m_failure) {
@@ -52,11 +51,13 @@ std::expected<RecoveryLog, FileFailure> RecoveryLog::create(const QString& path)
 }
 
 RecoveryLog::RecoveryLog(RecoveryLog&& other) noexcept
-    : m_number(std::exchange(other.m_number, -1)), m_waiting(std::move(other.m_waiting)), m_end(other.m_end),
-      m_committed(other.m_committed), m_failure(other.m_failure), m_isUsable(other.m_isUsable) {}
+    : m_number(std::exchange(other.m_number, -1)), m_salt(other.m_salt),
+      m_waiting(std::move(other.m_waiting)), m_end(other.m_end), m_committed(other.m_committed),
+      m_failure(other.m_failure), m_isUsable(other.m_isUsable) {}
 
 RecoveryLog& RecoveryLog::operator=(RecoveryLog&& other) noexcept {
     std::swap(m_number, other.m_number);
+    m_salt = other.m_salt;
     std::swap(m_waiting, other.m_waiting);
     m_end = other.m_end;
     m_committed = other.m_committed;
@@ -72,7 +73,8 @@ RecoveryLog::~RecoveryLog() {
 }
 
 void RecoveryLog::add(const RecoveryFacts& facts) {
-    m_end.chain = RecoveryRecord::append(facts, m_end.chain, m_waiting);
+    RecoveryRecord::append(facts, m_end.position, m_salt, m_waiting);
+    ++m_end.position.number;
 }
 
 void RecoveryLog::add(std::span<const RecoveryEdit> edits) {
@@ -89,14 +91,17 @@ void RecoveryLog::add(std::span<const RecoveryEdit> edits) {
 }
 
 void RecoveryLog::add(SourceRange range, std::u16string_view units) {
-    m_end.chain = RecoveryRecord::append(range, units, m_end.chain, m_waiting);
+    RecoveryRecord::append(range, units, m_end.position, m_salt, m_waiting);
+    ++m_end.position.number;
     if (m_waiting.size() >= bytesPerWrite) {
         write();
     }
 }
 
 std::expected<void, FileFailure> RecoveryLog::commit(const RecoveryMoment& moment, Offset textSize) {
-    m_end.chain = RecoveryRecord::append(moment, textSize, m_end.chain, m_waiting);
+    RecoveryRecord::append(moment, textSize, m_end.position, m_salt, m_waiting);
+    ++m_end.position.number;
+    ++m_end.position.batch;
     write();
     if (m_failure) {
         giveUpUncommitted();

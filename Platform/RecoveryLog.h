@@ -21,7 +21,7 @@
 class RecoveryLog {
 public:
     /// Starts a log in a new file, which only the user may read.
-    static std::expected<RecoveryLog, FileFailure> create(const QString& path);
+    static std::expected<RecoveryLog, FileFailure> create(const QString& path, RecoveryLineage lineage);
 
     RecoveryLog(RecoveryLog&& other) noexcept;
     RecoveryLog& operator=(RecoveryLog&& other) noexcept;
@@ -49,10 +49,10 @@ public:
     std::uint64_t size() const { return m_committed.size; }
 
 private:
-    /// Where the next record goes, and what its checksum starts from.
+    /// Where the next record goes.
     struct End {
         std::uint64_t size = 0;
-        std::uint64_t chain = 0;
+        RecoveryRecord::Position position;
     };
 
     explicit RecoveryLog(int number) : m_number(number) {}
@@ -61,6 +61,7 @@ private:
     void giveUpUncommitted();
 
     int m_number;
+    std::uint64_t m_salt = 0;
     RecoveryRecord::ByteString m_waiting; ///< Added, but not in the file yet.
     End m_end;
     End m_committed;

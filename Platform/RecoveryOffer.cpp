@@ -60,6 +60,10 @@ void RecoveryOffer::show(const Recoverables& found) {
         tell(QStringLiteral("Había textos sin guardar que el disco no devolvió enteros y no se pueden leer."),
              QStringLiteral("Se han apartado aquí:\n%1").arg(found.setAside.join(u'\n')), window());
     }
+    if (!found.newer.isEmpty()) {
+        tell(QStringLiteral("Hay textos sin guardar de una versión más nueva del programa."),
+             QStringLiteral("Ábrelos con ella. Siguen aquí:\n%1").arg(found.newer.join(u'\n')), window());
+    }
 }
 
 void RecoveryOffer::recover(const QStringList& ids) {

@@ -1,66 +1,49 @@
 #include "RecoveryReader.h"
 
 #include "FileContents.h"
-#include "RecoveryRecord.h"
+#include "FirstRecoveryFormat.h"
+#include "RecoveryReplay.h"
+#include "RecoveryScan.h"
 
-#include <optional>
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <string_view>
 #include <utility>
 
 namespace {
 
 using Kind = RecoveryReader::Failure::Kind;
+using Result = std::expected<RecoveredText, RecoveryReader::Failure>;
 
-/// The text as the records of a log make it.
-class Replay {
-public:
-    bool take(RecoveryFacts facts) {
-        m_facts = std::move(facts);
-        return true;
-    }
+constexpr int firstVersion = 1;
+constexpr int thisVersion = 2;
 
-    bool take(const RecoveryRecord::Replacement& replacement) {
-        if (replacement.range.upper > m_text.size()) {
-            return false;
-        }
-        m_text = m_text.replaced(replacement.range, replacement.units);
-        return true;
-    }
-
-    bool take(const RecoveryRecord::Commit& commit) {
-        if (commit.textSize != m_text.size() || commit.moment.selection.upper > commit.textSize) {
-            return false;
-        }
-        m_committed = {m_facts, commit.moment, m_text};
-        return true;
-    }
-
-    bool hasBegun() const { return !m_text.isEmpty(); }
-    std::optional<RecoveredText>& committed() { return m_committed; }
-
-private:
-    RecoveryFacts m_facts;
-    Rope m_text;
-    std::optional<RecoveredText> m_committed;
-};
-
-/// Replays the records from `rest`; answers whether the log is what was written, be it cut off.
-bool replay(Bytes rest, std::uint64_t chain, Replay& to) {
-    while (!rest.empty()) {
-        auto record = RecoveryRecord::parse(rest, chain);
-        if (!record) {
-            return record.error() == RecoveryRecord::Flaw::cutOff;
-        }
-        if (!std::visit([&to](auto& content) { return to.take(std::move(content)); }, record->content)) {
-            return false;
-        }
-        chain = record->chain;
-        rest = rest.subspan(record->size);
-    }
-    return true;
+Result failure(Kind kind, FileFailure cause = FileFailure::other) {
+    return std::unexpected(RecoveryReader::Failure{kind, cause});
 }
 
-std::unexpected<RecoveryReader::Failure> failure(Kind kind, FileFailure cause = FileFailure::other) {
-    return std::unexpected(RecoveryReader::Failure{kind, cause});
+/// Whether `log` ends within its header or facts, and is as it was written up to there.
+bool endsBeforeFacts(Bytes log, const std::optional<RecoveryScan>& scan) {
+    constexpr std::string_view start = "TamoRec2";
+    if (log.size() < RecoveryRecord::headersSize) {
+        const Bytes name = log.first(std::min(log.size(), start.size()));
+        return start.starts_with(stringOf(name));
+    }
+    const bool hasFacts =
+        scan && !scan->records.empty() && (scan->records.size() > 1 || scan->records.front().isWhole);
+    return scan && !scan->isDamaged && !hasFacts;
+}
+
+Result readThisVersion(Bytes log) {
+    const auto scan = RecoveryScan::of(log);
+    if (auto text = scan ? RecoveryReplay(*scan).text() : std::nullopt) {
+        return std::move(*text);
+    }
+    if (endsBeforeFacts(log, scan)) {
+        return failure(Kind::empty);
+    }
+    return failure(scan && !scan->isDamaged ? Kind::unfinished : Kind::damaged);
 }
 
 } // namespace
@@ -71,18 +54,15 @@ std::expected<RecoveredText, RecoveryReader::Failure> RecoveryReader::read(const
         return failure(Kind::unreadable, contents.error());
     }
     const Bytes log = contents->bytes();
-    const auto salt = RecoveryRecord::salt(log);
-    if (!salt) {
-        return failure(salt.error() == RecoveryRecord::Flaw::cutOff ? Kind::empty : Kind::damaged);
+    const int version = RecoveryRecord::version(log).value_or(thisVersion);
+    const bool isThisVersion = version == thisVersion || RecoveryRecord::header(log).has_value();
+    if (!isThisVersion && version > thisVersion) {
+        return failure(Kind::newer);
     }
-    Replay replayed;
-    const bool isWhole = replay(log.subspan(RecoveryRecord::fileHeaderSize), *salt, replayed);
-    if (auto& text = replayed.committed()) {
-        text->isDamaged = !isWhole;
-        return std::move(*text);
+    Result text = isThisVersion ? readThisVersion(log) : FirstRecoveryFormat::read(log);
+    if (text && text->moment.changed == 0) {
+        // That was lost.
+        text->moment.changed = QFileInfo(path).lastModified().toMSecsSinceEpoch();
     }
-    if (!isWhole) {
-        return failure(Kind::damaged);
-    }
-    return failure(replayed.hasBegun() ? Kind::unfinished : Kind::empty);
+    return text;
 }

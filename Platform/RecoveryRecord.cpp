@@ -1,27 +1,31 @@
 #include "RecoveryRecord.h"
 
-#include "Checksum.h"
+#include "RecoveryFields.h"
 #include "UTF8.h"
-
-#include <QtEndian>
 
 #include <algorithm>
 #include <concepts>
-#include <limits>
 #include <utility>
+
+#include <xxhash.h>
 
 namespace RecoveryRecord {
 
 namespace {
 
-constexpr std::string_view magic = "TamoRec1";
-constexpr std::uint8_t inUTF8 = 0;
-constexpr std::uint8_t inUTF16 = 1;
+constexpr std::string_view name = "TamoRec";
+constexpr char thisVersion = '2';
+constexpr std::size_t checksumSize = sizeof(std::uint64_t);
+
+constexpr std::size_t headerSize = 40;
+static_assert(headersSize == 2 * headerSize);
 
 /// No record is nearly as long: a longer one was never written.
 constexpr std::uint32_t longestPayload = std::uint32_t{1} << 20;
 
-enum class Kind : std::uint32_t { facts = 1, replace = 2, commit = 3 };
+std::uint64_t checksum(Bytes bytes, std::uint64_t salt) {
+    return XXH3_64bits_withSeed(bytes.data(), bytes.size(), salt);
+}
 
 template <std::integral Number>
 void put(Number number, ByteString& to) {
@@ -37,61 +41,35 @@ void putCounted(Bytes bytes, ByteString& to) {
     put(bytes, to);
 }
 
-/// Takes fields from the front of a payload. One that is too short is noted, and gives zeros.
-class Fields {
-public:
-    explicit Fields(Bytes rest) : m_rest(rest) {}
+/// The bytes of a head, or of a tail: they differ in what their own checksum starts from.
+ByteString headBytes(const Head& head, std::uint64_t seed) {
+    ByteString bytes;
+    put(std::to_underlying(head.kind), bytes);
+    put(head.length, bytes);
+    put(head.batch, bytes);
+    put(head.number, bytes);
+    put(head.range.lower, bytes);
+    put(head.range.upper, bytes);
+    put(head.units, bytes);
+    put(head.payloadChecksum, bytes);
+    put(checksum(bytes, seed), bytes);
+    return bytes;
+}
 
-    Bytes bytes(std::size_t count) {
-        m_isGood = m_isGood && count <= m_rest.size();
-        const Bytes taken = m_isGood ? m_rest.first(count) : Bytes();
-        m_rest = m_rest.subspan(taken.size());
-        return taken;
-    }
+/// Completes the record whose payload ends at the end of `to`, with room for a head before it at `startedAt`.
+void finish(Head head, std::size_t startedAt, std::uint64_t salt, ByteString& to) {
+    const Bytes payload = Bytes(to).subspan(startedAt + headSize);
+    head.length = static_cast<std::uint32_t>(payload.size());
+    head.payloadChecksum = checksum(payload, salt);
+    std::ranges::copy(headBytes(head, salt), to.begin() + static_cast<std::ptrdiff_t>(startedAt));
+    put(headBytes(head, ~salt), to);
+}
 
-    template <std::integral Number>
-    Number number() {
-        const Bytes taken = bytes(sizeof(Number));
-        return m_isGood ? qFromLittleEndian<Number>(taken.data()) : Number{};
-    }
-
-    Bytes countedBytes() { return bytes(number<std::uint32_t>()); }
-
-    SourceRange range() {
-        const auto lower = number<std::uint32_t>();
-        const auto upper = number<std::uint32_t>();
-        m_isGood = m_isGood && lower <= upper;
-        return m_isGood ? SourceRange(lower, upper) : SourceRange();
-    }
-
-    Bytes rest() { return bytes(m_rest.size()); }
-
-    bool isGood() const { return m_isGood; }
-
-private:
-    Bytes m_rest;
-    bool m_isGood = true;
-};
-
-/// Starts a record at the end of `to`; `finish` knows what follows it.
-std::size_t start(Kind kind, ByteString& to) {
+/// Leaves room for a head at the end of `to`.
+std::size_t start(ByteString& to) {
     const std::size_t at = to.size();
-    put(std::uint32_t{0}, to);
-    put(std::to_underlying(kind), to);
-    put(std::uint64_t{0}, to);
+    to.resize(at + headSize);
     return at;
-}
-
-std::uint64_t checksumOf(Bytes header, Bytes payload, std::uint64_t chain) {
-    return checksum(payload, checksum(header.first(2 * sizeof(std::uint32_t)), chain));
-}
-
-std::uint64_t finish(std::size_t startedAt, std::uint64_t chain, ByteString& to) {
-    const Bytes record = Bytes(to).subspan(startedAt);
-    qToLittleEndian(static_cast<std::uint32_t>(record.size() - headerSize), to.data() + startedAt);
-    const std::uint64_t sum = checksumOf(record.first(headerSize), record.subspan(headerSize), chain);
-    qToLittleEndian(sum, to.data() + startedAt + 2 * sizeof(std::uint32_t));
-    return sum;
 }
 
 void putUnits(std::u16string_view units, ByteString& to) {
@@ -110,87 +88,56 @@ void putUnits(std::u16string_view units, ByteString& to) {
     qToLittleEndian<char16_t>(units.data(), static_cast<qsizetype>(units.size()), to.data() + at + 1);
 }
 
-std::optional<std::u16string> units(std::uint8_t form, Bytes bytes) {
-    std::u16string result;
-    if (form == inUTF8) {
-        result.resize(bytes.size());
-        const UTF8::Progress progress = UTF8::decode(bytes, result.data());
-        result.resize(progress.written);
-        return progress.read == bytes.size() ? std::optional(std::move(result)) : std::nullopt;
-    }
-    if (form != inUTF16 || bytes.size() % sizeof(char16_t) != 0) {
+/// The head at the start of `bytes` whose own checksum starts from `seed`.
+std::optional<Head> headUnder(std::uint64_t seed, Bytes bytes) {
+    if (bytes.size() < headSize) {
         return std::nullopt;
     }
-    result.resize(bytes.size() / sizeof(char16_t));
-    qFromLittleEndian<char16_t>(bytes.data(), static_cast<qsizetype>(result.size()), result.data());
-    return result;
-}
-
-std::optional<FileIdentity> version(Fields& fields) {
-    if (fields.number<std::uint8_t>() == 0) {
+    RecoveryFields fields(bytes.first(headSize));
+    Head found;
+    found.kind = static_cast<Kind>(fields.number<std::uint32_t>());
+    found.length = fields.number<std::uint32_t>();
+    // Quick to see, where each byte of a log may be the start of a head.
+    if (found.kind < Kind::facts || found.kind > Kind::commit || found.length > longestPayload) {
         return std::nullopt;
     }
-    FileIdentity found;
-    found.device = fields.number<std::uint64_t>();
-    found.inode = fields.number<std::uint64_t>();
-    found.size = fields.number<std::uint64_t>();
-    found.modified = fields.number<std::int64_t>();
-    const bool hasHash = fields.number<std::uint8_t>() != 0;
-    const auto hash = fields.number<std::uint64_t>();
-    found.contentHash = hasHash ? std::optional(hash) : std::nullopt;
-    return found;
+    found.batch = fields.number<std::uint32_t>();
+    found.number = fields.number<std::uint32_t>();
+    found.range = fields.range();
+    found.units = fields.number<std::uint32_t>();
+    found.payloadChecksum = fields.number<std::uint64_t>();
+    const bool isGood =
+        fields.number<std::uint64_t>() == checksum(bytes.first(headSize - checksumSize), seed);
+    return isGood && fields.isGood() ? std::optional(found) : std::nullopt;
 }
 
-std::optional<decltype(Parsed::content)> content(Kind kind, Bytes payload) {
-    Fields fields(payload);
-    switch (kind) {
-    case Kind::facts: {
-        RecoveryFacts facts;
-        facts.encoding = stringOf(fields.countedBytes());
-        const Bytes bom = fields.countedBytes();
-        facts.bom.assign(bom.begin(), bom.end());
-        facts.origin = stringOf(fields.countedBytes());
-        facts.version = version(fields);
-        return fields.isGood() ? std::optional(std::move(facts)) : std::nullopt;
-    }
-    case Kind::replace: {
-        const SourceRange range = fields.range();
-        const auto form = fields.number<std::uint8_t>();
-        auto found = units(form, fields.rest());
-        return fields.isGood() && found ? std::optional(Replacement{range, std::move(*found)}) : std::nullopt;
-    }
-    case Kind::commit: {
-        Commit commit;
-        commit.moment.generation = fields.number<std::uint64_t>();
-        commit.moment.selection = fields.range();
-        commit.moment.changed = fields.number<std::int64_t>();
-        commit.textSize = fields.number<std::uint32_t>();
-        return fields.isGood() ? std::optional(commit) : std::nullopt;
-    }
-    }
-    return std::nullopt;
+std::optional<Header> oneHeader(Bytes bytes) {
+    RecoveryFields fields(bytes);
+    const bool isNamed = version(fields.bytes(name.size() + 1)) == thisVersion - '0';
+    Header found;
+    found.salt = fields.number<std::uint64_t>();
+    found.lineage.id = fields.number<std::uint64_t>();
+    found.lineage.serial = fields.number<std::uint64_t>();
+    const bool isGood = fields.number<std::uint64_t>() == checksum(bytes.first(headerSize - checksumSize), 0);
+    return isNamed && isGood ? std::optional(found) : std::nullopt;
 }
 
 } // namespace
 
-void appendFileHeader(std::uint64_t salt, ByteString& to) {
-    put(bytesOf(magic), to);
-    put(salt, to);
+void append(const Header& header, ByteString& to) {
+    ByteString bytes;
+    put(bytesOf(name), bytes);
+    bytes.push_back(static_cast<std::uint8_t>(thisVersion));
+    put(header.salt, bytes);
+    put(header.lineage.id, bytes);
+    put(header.lineage.serial, bytes);
+    put(checksum(bytes, 0), bytes);
+    put(bytes, to);
+    put(bytes, to);
 }
 
-std::expected<std::uint64_t, Flaw> salt(Bytes log) {
-    const Bytes start = log.first(std::min(log.size(), magic.size()));
-    if (!magic.starts_with(stringOf(start))) {
-        return std::unexpected(Flaw::damaged);
-    }
-    if (log.size() < fileHeaderSize) {
-        return std::unexpected(Flaw::cutOff);
-    }
-    return qFromLittleEndian<std::uint64_t>(log.data() + magic.size());
-}
-
-std::uint64_t append(const RecoveryFacts& facts, std::uint64_t chain, ByteString& to) {
-    const std::size_t at = start(Kind::facts, to);
+void append(const RecoveryFacts& facts, Position at, std::uint64_t salt, ByteString& to) {
+    const std::size_t startedAt = start(to);
     putCounted(bytesOf(facts.encoding), to);
     putCounted(facts.bom, to);
     putCounted(bytesOf(facts.origin), to);
@@ -203,50 +150,72 @@ std::uint64_t append(const RecoveryFacts& facts, std::uint64_t chain, ByteString
         put(static_cast<std::uint8_t>(facts.version->contentHash.has_value()), to);
         put(facts.version->contentHash.value_or(0), to);
     }
-    return finish(at, chain, to);
+    finish({.kind = Kind::facts, .batch = at.batch, .number = at.number}, startedAt, salt, to);
 }
 
-std::uint64_t append(SourceRange range, std::u16string_view units, std::uint64_t chain, ByteString& to) {
-    const std::size_t at = start(Kind::replace, to);
-    put(range.lower, to);
-    put(range.upper, to);
+void append(SourceRange range, std::u16string_view units, Position at, std::uint64_t salt, ByteString& to) {
+    const std::size_t startedAt = start(to);
     putUnits(units, to);
-    return finish(at, chain, to);
+    finish({.kind = Kind::replace,
+            .batch = at.batch,
+            .number = at.number,
+            .range = range,
+            .units = static_cast<Offset>(units.size())},
+           startedAt, salt, to);
 }
 
-std::uint64_t append(const RecoveryMoment& moment, Offset textSize, std::uint64_t chain, ByteString& to) {
-    const std::size_t at = start(Kind::commit, to);
+void append(const RecoveryMoment& moment, Offset textUnits, Position at, std::uint64_t salt, ByteString& to) {
+    const std::size_t startedAt = start(to);
     put(moment.generation, to);
-    put(std::min(moment.selection.lower, textSize), to);
-    put(std::min(moment.selection.upper, textSize), to);
     put(moment.changed, to);
-    put(textSize, to);
-    return finish(at, chain, to);
+    const SourceRange selection(std::min(moment.selection.lower, textUnits),
+                                std::min(moment.selection.upper, textUnits));
+    finish({.kind = Kind::commit,
+            .batch = at.batch,
+            .number = at.number,
+            .range = selection,
+            .units = textUnits},
+           startedAt, salt, to);
 }
 
-std::expected<Parsed, Flaw> parse(Bytes bytes, std::uint64_t chain) {
-    if (bytes.size() < headerSize) {
-        return std::unexpected(Flaw::cutOff);
+std::optional<Header> header(Bytes log) {
+    if (log.size() < headersSize) {
+        return std::nullopt;
     }
-    Fields header(bytes.first(headerSize));
-    const auto length = header.number<std::uint32_t>();
-    const auto kind = static_cast<Kind>(header.number<std::uint32_t>());
-    const auto sum = header.number<std::uint64_t>();
-    if (length > longestPayload) {
-        return std::unexpected(Flaw::damaged);
+    const auto first = oneHeader(log.first(headerSize));
+    return first ? first : oneHeader(log.subspan(headerSize, headerSize));
+}
+
+std::optional<int> version(Bytes log) {
+    if (log.size() <= name.size() || stringOf(log.first(name.size())) != name) {
+        return std::nullopt;
     }
-    if (bytes.size() - headerSize < length) {
-        return std::unexpected(Flaw::cutOff);
-    }
-    const Bytes payload = bytes.subspan(headerSize, length);
-    if (checksumOf(bytes.first(headerSize), payload, chain) != sum) {
-        return std::unexpected(Flaw::damaged);
-    }
-    auto found = content(kind, payload);
-    if (!found) {
-        return std::unexpected(Flaw::damaged);
-    }
-    return Parsed{std::move(*found), headerSize + length, sum};
+    const int digit = log[name.size()] - '0';
+    return digit >= 1 && digit <= 9 ? std::optional(digit) : std::nullopt;
+}
+
+std::optional<Head> head(Bytes bytes, std::uint64_t salt) { return headUnder(salt, bytes); }
+
+std::optional<Head> tail(Bytes bytes, std::uint64_t salt) { return headUnder(~salt, bytes); }
+
+bool isWhole(Bytes payload, const Head& head, std::uint64_t salt) {
+    return payload.size() == head.length && checksum(payload, salt) == head.payloadChecksum;
+}
+
+std::optional<RecoveryFacts> facts(Bytes payload) { return recoveryFacts(payload); }
+
+std::optional<std::u16string> units(Bytes payload) {
+    RecoveryFields fields(payload);
+    const auto form = fields.number<std::uint8_t>();
+    return fields.isGood() ? recoveryUnits(form, fields.rest()) : std::nullopt;
+}
+
+std::optional<RecoveryMoment> moment(Bytes payload) {
+    RecoveryFields fields(payload);
+    RecoveryMoment found;
+    found.generation = fields.number<std::uint64_t>();
+    found.changed = fields.number<std::int64_t>();
+    return fields.isGood() ? std::optional(found) : std::nullopt;
 }
 
 } // namespace RecoveryRecord

@@ -5,69 +5,103 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <expected>
-#include <string>
+#include <optional>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-/// The bytes of a recovery log. Numbers are little-endian.
+/// The bytes of a recovery log. Numbers are little-endian, checksums are XXH3 with 64 bits.
 ///
-///     log    = "TamoRec1" salt:u64 record*
-///     record = length:u32 kind:u32 checksum:u64 payload[length]
+///     log     = header header record*
+///     header  = "TamoRec2" salt:u64 lineage:u64 serial:u64 checksum:u64
+///               checksum of the 32 bytes before
+///     record  = head payload[length] tail
+///     head    = kind:u32 length:u32 batch:u32 number:u32 lower:u32 upper:u32 units:u32
+///               payload checksum:u64 head checksum:u64
+///               both checksums start from the salt
+///     tail    = the same as the head; its own checksum starts from the salt's complement
 ///
-/// The checksum of a record covers length, kind and payload and starts from the checksum of the record
-/// before, the first one's from the salt: no stretch of another log, or of this one, is taken for the next.
+///     facts   (1) payload = encoding, mark, path: each u32 length and bytes; u8 whether a version follows,
+///                 and then device, inode, size, modified: u64 each, u8 whether a hash follows, hash:u64
+///     replace (2) payload = form:u8 units, in UTF-8 (form 0) or in UTF-16 (form 1)
+///                 `units` of them take the place of the range from `lower` to `upper`.
+///     commit  (3) payload = generation:u64 changed:i64
+///                 The text has `units` units; `lower` and `upper` are the selection.
 ///
-///     facts   (1) = encoding, mark, path: each u32 length and bytes; u8 whether a version follows, and then
-///                   device, inode, size, modified: u64 each, u8 whether a hash follows, hash:u64
-///     replace (2) = lower:u32 upper:u32 form:u8 units, in UTF-8 (form 0) or in UTF-16 (form 1)
-///     commit  (3) = generation:u64 lower:u32 upper:u32 changed:i64 units of the text:u32
+/// A log starts from the empty text. The first batch is the facts and the pieces of the whole text in
+/// ascending order; each later batch is the changes that one commit makes count. `number` counts all records
+/// of the log, `batch` the commits before a record: both show what is missing, what stands twice and what was
+/// swapped.
 ///
-/// A log starts from the empty text. Only what a commit follows counts.
+/// Each head and tail has a checksum of its own, so that a record is found without the one before it, and
+/// damage is told from a cut. What is lost in a head stands in the tail.
 namespace RecoveryRecord {
 
 using ByteString = std::vector<std::uint8_t>;
 
-constexpr std::size_t fileHeaderSize = 16;
-constexpr std::size_t headerSize = 16;
+constexpr std::size_t headersSize = 80; ///< Both of them, at the start of a log.
+constexpr std::size_t headSize = 44;    ///< Of a tail as well.
 
-/// A replacement in a log has no more units than this.
+/// A replacement in a log has at most this many units.
 constexpr Offset longestReplacement = Offset{1} << 16;
 
-enum class Flaw : std::uint8_t {
-    cutOff,  ///< The bytes end before the record does, as after a write that was interrupted.
-    damaged, ///< All is there, but is not what was written.
+struct Header {
+    std::uint64_t salt = 0; ///< Different in each log.
+    RecoveryLineage lineage;
+
+    bool operator==(const Header&) const = default;
 };
 
-/// Adds the start of a log to `to`.
-void appendFileHeader(std::uint64_t salt, ByteString& to);
+enum class Kind : std::uint32_t { facts = 1, replace = 2, commit = 3 };
 
-/// The salt of a log; a flaw when that is not its start.
-std::expected<std::uint64_t, Flaw> salt(Bytes log);
-
-/// Each adds a record to `to`. `chain` is the checksum of the record before; answers the one of this.
-std::uint64_t append(const RecoveryFacts& facts, std::uint64_t chain, ByteString& to);
-std::uint64_t append(SourceRange range, std::u16string_view units, std::uint64_t chain, ByteString& to);
-std::uint64_t append(const RecoveryMoment& moment, Offset textSize, std::uint64_t chain, ByteString& to);
-
-struct Replacement {
+/// What head and tail tell of a record.
+struct Head {
+    Kind kind = Kind::facts;
+    std::uint32_t length = 0; ///< Of the payload, in bytes.
+    std::uint32_t batch = 0;
+    std::uint32_t number = 0;
     SourceRange range;
-    std::u16string units;
+    Offset units = 0;
+    std::uint64_t payloadChecksum = 0;
+
+    bool operator==(const Head&) const = default;
 };
 
-struct Commit {
-    RecoveryMoment moment;
-    Offset textSize = 0;
+/// Where the next record stands in the order of its log.
+struct Position {
+    std::uint32_t batch = 0;
+    std::uint32_t number = 0;
+
+    bool operator==(const Position&) const = default;
 };
 
-struct Parsed {
-    std::variant<RecoveryFacts, Replacement, Commit> content;
-    std::size_t size = 0; ///< Of the record with its header, in bytes.
-    std::uint64_t chain = 0;
-};
+// Writing: each function adds to the end of `to`.
 
-/// The record at the start of `bytes`, which are not empty.
-std::expected<Parsed, Flaw> parse(Bytes bytes, std::uint64_t chain);
+/// The start of a log: the header, twice.
+void append(const Header& header, ByteString& to);
+
+void append(const RecoveryFacts& facts, Position at, std::uint64_t salt, ByteString& to);
+void append(SourceRange range, std::u16string_view units, Position at, std::uint64_t salt, ByteString& to);
+void append(const RecoveryMoment& moment, Offset textUnits, Position at, std::uint64_t salt, ByteString& to);
+
+// Reading
+
+/// The header at the start of `log`. Absent if there are too few bytes, or both its copies are damaged.
+std::optional<Header> header(Bytes log);
+
+/// The version of the format that the first bytes of `log` name; absent if they name none.
+std::optional<int> version(Bytes log);
+
+/// The head or the tail at the start of `bytes`. Absent if none stands there, or its checksum says that it is
+/// damaged.
+std::optional<Head> head(Bytes bytes, std::uint64_t salt);
+std::optional<Head> tail(Bytes bytes, std::uint64_t salt);
+
+/// Whether `payload` is what was written under `head`.
+bool isWhole(Bytes payload, const Head& head, std::uint64_t salt);
+
+/// The contents of the payloads. Absent if the bytes do not have that form.
+std::optional<RecoveryFacts> facts(Bytes payload);
+std::optional<std::u16string> units(Bytes payload);
+std::optional<RecoveryMoment> moment(Bytes payload); ///< Its selection stands in the head.
 
 } // namespace RecoveryRecord

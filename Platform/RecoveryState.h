@@ -36,10 +36,27 @@ struct RecoveryEdit {
 /// Changes one after the other, each in the offsets that the one before left.
 using RecoveryEdits = std::vector<RecoveryEdit>;
 
+/// Which logs continue one another: of two with the same `id`, the one with the higher serial has all that
+/// the other one has.
+struct RecoveryLineage {
+    std::uint64_t id = 0; ///< 0 in logs that tell nothing of it.
+    std::uint64_t serial = 0;
+
+    bool operator==(const RecoveryLineage&) const = default;
+};
+
+/// What became of a kept text on the disk.
+enum class RecoveryDamage : std::uint8_t {
+    none,
+    cutOff,  ///< The program ended before the text was written for the first time: its end is missing.
+    damaged, ///< The disk gave back something else than was written: parts may be missing or wrong.
+};
+
 /// An unsaved text as it was kept.
 struct RecoveredText {
     RecoveryFacts facts;
     RecoveryMoment moment; ///< Its selection lies in the text.
     Rope text;
-    bool isDamaged = false; ///< More was kept, but the disk gave back something else.
+    RecoveryLineage lineage;
+    RecoveryDamage damage = RecoveryDamage::none;
 };

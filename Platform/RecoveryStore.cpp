@@ -1,5 +1,6 @@
 #include "RecoveryStore.h"
 
+#include "RecoveryAside.h"
 #include "RecoveryReader.h"
 
 #include <QDir>
@@ -11,9 +12,6 @@
 #include <cstdio>
 #include <functional>
 #include <utility>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -37,23 +35,15 @@ QString reason(FileFailure failure) {
 
 QString newLog(const QString& ofLog) { return ofLog + QStringLiteral(".new"); }
 
-/// Where a log that cannot be read is put: no file is there yet.
-QString pathAside(const QString& root, const QString& log) {
-    constexpr mode_t userOnly = 0700;
-    const QString folder = root + QStringLiteral("/damaged");
-    mkdir(QFile::encodeName(folder).constData(), userOnly);
-    const QFileInfo info(log);
-    const QString stem =
-        folder + QLatin1Char('/') + QFileInfo(info.path()).fileName() + QLatin1Char('-') + info.fileName();
-    QString path = stem;
-    for (int i = 2; QFileInfo::exists(path); ++i) {
-        path = stem + QLatin1Char('.') + QString::number(i);
-    }
-    return path;
-}
-
 bool move(const QString& from, const QString& to) {
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+/// Whether nothing of a log is lost when it is removed: it gives its text, or the start of one, or has none.
+bool isRead(const std::expected<RecoveredText, RecoveryReader::Failure>& log) {
+    using Kind = RecoveryReader::Failure::Kind;
+    return log ? log->damage != RecoveryDamage::damaged
+               : log.error().kind == Kind::empty || log.error().kind == Kind::unfinished;
 }
 
 } // namespace
@@ -82,7 +72,7 @@ RecoveryStore::~RecoveryStore() {
 
 Recoverables RecoveryStore::recoverable() {
     Recoverables result;
-    std::vector<Found> found = search(result.setAside);
+    std::vector<Found> found = search(result);
     const std::lock_guard guard(m_mutex);
     for (Found& one : found) {
         one.document.id = QString::number(++m_lastID);
@@ -98,56 +88,83 @@ Recoverables RecoveryStore::recoverable() {
 }
 
 /// What the dead runs left that this run did not take over before.
-std::vector<RecoveryStore::Found> RecoveryStore::search(QStringList& aside) const {
+std::vector<RecoveryStore::Found> RecoveryStore::search(Recoverables& left) const {
     std::vector<Found> found;
     for (const QString& folder : RecoverySession::folders(m_folder)) {
         const std::shared_ptr session = RecoverySession::adopted(m_folder, folder);
         for (const QString& log : session ? session->logs() : QStringList()) {
-            if (const auto text = readable(log, aside)) {
-                found.push_back(
-                    {session,
-                     log,
-                     {{}, text->facts, text->moment.changed, text->text.size(), text->isDamaged}});
+            if (const auto text = readable(log, left)) {
+                found.push_back({session,
+                                 log,
+                                 {{}, text->facts, text->moment.changed, text->text.size(), text->damage},
+                                 text->lineage});
             }
         }
     }
+    removeContinued(found);
     return found;
 }
 
-/// The text in `log`. When there is none, the file is gone afterwards: it was set aside or, with nothing in
-/// it, removed.
-std::optional<RecoveredText> RecoveryStore::readable(const QString& log, QStringList& aside) const {
+/// Leaves out the texts that another one goes on from, and removes their logs.
+void RecoveryStore::removeContinued(std::vector<Found>& found) {
+    std::map<std::uint64_t, std::uint64_t> latestWhole; // Serials by lineage.
+    for (const Found& one : found) {
+        if (one.document.damage == RecoveryDamage::none && one.lineage.id != 0) {
+            std::uint64_t& latest = latestWhole[one.lineage.id];
+            latest = std::max(latest, one.lineage.serial);
+        }
+    }
+    std::erase_if(found, [&](const Found& one) {
+        const auto latest = latestWhole.find(one.lineage.id);
+        const bool isContinued = latest != latestWhole.end() && one.lineage.serial < latest->second;
+        return isContinued && QFile::remove(one.log);
+    });
+}
+
+/// The text in `log`, or in the file that was to replace it. Without a text the log is set aside or, where it
+/// ends before a text was begun, removed.
+std::optional<RecoveredText> RecoveryStore::readable(const QString& log, Recoverables& left) const {
+    using Kind = RecoveryReader::Failure::Kind;
+    takeNewLog(log, left);
     auto text = RecoveryReader::read(log);
-    const bool isEmpty = !text && text.error().kind == RecoveryReader::Failure::Kind::empty;
-    if (isEmpty) {
+    const auto kind = text ? std::nullopt : std::optional(text.error().kind);
+    if (kind == Kind::empty) {
         QFile::remove(log);
-    } else if (!text) {
-        aside += setAside(log);
+    } else if (kind == Kind::newer) {
+        left.newer += log;
+    } else if (kind) {
+        left.setAside += RecoveryAside::moved(log, m_folder);
+    } else if (text->damage != RecoveryDamage::none) {
+        RecoveryAside::keepCopy(log, m_folder);
     }
-    if (!text && QFileInfo::exists(newLog(log))) {
-        // The run ended while it wrote the log anew, perhaps just before that took its place.
+    return text ? std::optional(std::move(*text)) : std::nullopt;
+}
+
+/// The run may have ended while it wrote the log anew. The new one takes the place of the old one if it has
+/// more.
+void RecoveryStore::takeNewLog(const QString& log, Recoverables& left) const {
+    if (!QFileInfo::exists(newLog(log))) {
+        return;
+    }
+    const auto next = RecoveryReader::read(newLog(log));
+    if (!next && next.error().kind == RecoveryReader::Failure::Kind::newer) {
+        left.newer += newLog(log);
+        return;
+    }
+    const auto old = RecoveryReader::read(log);
+    const bool isOldWhole = old && old->damage == RecoveryDamage::none;
+    const bool isNewWhole = next && next->damage == RecoveryDamage::none;
+    const bool isLater = old && next && next->moment.changed > old->moment.changed;
+    if (next && (!old || (isNewWhole && (!isOldWhole || isLater)))) {
+        if (QFileInfo::exists(log) && !isRead(old)) {
+            left.setAside += RecoveryAside::moved(log, m_folder);
+        }
         move(newLog(log), log);
-        return readable(log, aside);
+    } else if (!isRead(next)) {
+        left.setAside += RecoveryAside::moved(newLog(log), m_folder);
+    } else {
+        QFile::remove(newLog(log));
     }
-    if (!text) {
-        return std::nullopt;
-    }
-    QFile::remove(newLog(log));
-    if (text->isDamaged) {
-        setCopyAside(log);
-    }
-    return std::move(*text);
-}
-
-/// Moves `log` to where it stays; answers where it is now.
-QString RecoveryStore::setAside(const QString& log) const {
-    const QString path = pathAside(m_folder, log);
-    return move(log, path) ? path : log;
-}
-
-void RecoveryStore::setCopyAside(const QString& log) const {
-    const QString path = pathAside(m_folder, log);
-    link(QFile::encodeName(log).constData(), QFile::encodeName(path).constData());
 }
 
 std::optional<RecoveredText> RecoveryStore::take(const QString& id) {
@@ -161,8 +178,8 @@ std::optional<RecoveredText> RecoveryStore::take(const QString& id) {
         found->second.isTaken = true;
         log = found->second.log;
     }
-    QStringList aside;
-    return readable(log, aside);
+    Recoverables left;
+    return readable(log, left);
 }
 
 void RecoveryStore::discard(const QString& id) {
@@ -182,14 +199,14 @@ void RecoveryStore::discard(const QString& id) {
 std::unique_ptr<DocumentRecovery> RecoveryStore::follow(TextStorage& storage, const RecoveryFacts& facts,
                                                         const QString& taken) {
     std::shared_ptr<RecoverySession> session = m_session;
-    QString log;
+    std::optional<RecoveryWriter::Taken> log;
     if (!taken.isEmpty()) {
         const std::lock_guard guard(m_mutex);
         const auto found = m_found.find(taken);
         precondition(found != m_found.end() && found->second.isTaken,
                      "a text is taken before it is followed");
         session = found->second.session;
-        log = found->second.log;
+        log = {found->second.log, found->second.lineage};
     }
     const auto tell = [this, postbox = m_postbox](FileFailure failure, const QString& folder) {
         postbox->post([this, failure, folder] { tellFailure(failure, folder); });

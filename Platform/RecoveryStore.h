@@ -22,13 +22,14 @@ struct RecoverableDocument {
     RecoveryFacts facts;
     std::int64_t changed = 0; ///< When it last changed: milliseconds since 1970 in UTC.
     Offset size = 0;          ///< Of the text, in units.
-    bool isDamaged = false;   ///< The disk lost what came after this.
+    RecoveryDamage damage = RecoveryDamage::none;
 };
 
 /// What there is to recover.
 struct Recoverables {
     std::vector<RecoverableDocument> documents; ///< The latest first.
     QStringList setAside;                       ///< Files that could not be read, where they were moved to.
+    QStringList newer; ///< Files of a newer version of the program, left where they are.
 };
 
 /// Where the unsaved texts of this user's documents are kept, so that neither a crash nor a loss of power
@@ -37,7 +38,7 @@ struct Recoverables {
 ///     recovery/run-…/lock          held while the program lives that keeps its texts here
 ///     recovery/run-…/text-1.log    a text, in the format of `RecoveryRecord`
 ///     recovery/run-…/text-1.log.new    the same, on its way to replace it
-///     recovery/damaged/…           what could not be read; nobody removes it
+///     recovery/damaged/…           what could not be read, or not wholly; never removed
 ///
 /// Making one touches no disk, and a folder that cannot be written keeps nobody from working: it is told
 /// once.
@@ -83,13 +84,14 @@ private:
         std::shared_ptr<RecoverySession> session;
         QString log;
         RecoverableDocument document;
+        RecoveryLineage lineage;
         bool isTaken = false;
     };
 
-    std::vector<Found> search(QStringList& aside) const;
-    std::optional<RecoveredText> readable(const QString& log, QStringList& aside) const;
-    QString setAside(const QString& log) const;
-    void setCopyAside(const QString& log) const;
+    std::vector<Found> search(Recoverables& left) const;
+    static void removeContinued(std::vector<Found>& found);
+    std::optional<RecoveredText> readable(const QString& log, Recoverables& left) const;
+    void takeNewLog(const QString& log, Recoverables& left) const;
     void tellFailure(FileFailure failure, const QString& folder);
 
     const QString m_folder;

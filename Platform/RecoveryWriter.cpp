@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,8 +26,8 @@ using Clock = std::chrono::steady_clock;
 /// More changes at once are not worth looking at one by one: the text is written whole.
 constexpr std::size_t mostEdits = std::size_t{1} << 16;
 
-/// A record of a change takes about as much beside its units.
-constexpr std::uint64_t bytesPerEdit = 32;
+/// Bytes that the record of a change takes beside its units.
+constexpr std::uint64_t bytesPerEdit = 2 * RecoveryRecord::headSize + 1;
 
 /// Units of a whole text between two looks at what changed meanwhile.
 constexpr Offset unitsPerTurn = Offset{1} << 20;
@@ -64,16 +65,25 @@ RecoveryEdits joined(RecoveryEdits edits) {
 
 using Result = std::expected<void, FileFailure>;
 
+/// The lineage of logs that go on from `taken`.
+RecoveryLineage continuing(const std::optional<RecoveryWriter::Taken>& taken) {
+    RecoveryLineage lineage = taken ? taken->lineage : RecoveryLineage();
+    while (lineage.id == 0) {
+        lineage.id = QRandomGenerator::global()->generate64();
+    }
+    return lineage;
+}
+
 } // namespace
 
 /// The editor's side leaves notes under a lock; the thread takes them.
 class RecoveryWriter::Work {
 public:
     Work(std::shared_ptr<RecoverySession> session, const RecoveryPace& pace, RecoveryFacts facts,
-         const QString& taken, FailureStep onFailure)
+         const std::optional<Taken>& taken, FailureStep onFailure)
         : m_session(std::move(session)), m_pace(pace), m_onFailure(std::move(onFailure)),
-          m_facts(std::move(facts)), m_isKept(!taken.isEmpty()), m_path(taken),
-          m_retryDelay(pace.retryDelay) {}
+          m_facts(std::move(facts)), m_isKept(taken.has_value()), m_path(taken ? taken->path : QString()),
+          m_lineage(continuing(taken)), m_retryDelay(pace.retryDelay) {}
 
     void add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment);
     void setSelection(SourceRange selection);
@@ -154,6 +164,7 @@ private:
 
     // The thread's own.
     QString m_path; ///< Of the log; empty when there is none.
+    RecoveryLineage m_lineage;
     std::optional<RecoveryLog> m_log;
     std::optional<std::future<Result>> m_sync; ///< Under way.
     bool m_isSyncDue = false;                  ///< After the one that is under way.
@@ -450,7 +461,8 @@ std::expected<RecoveryLog, FileFailure> RecoveryWriter::Work::writtenLog(const Q
                                                                          const Notes& notes,
                                                                          const RecoveryFacts& facts,
                                                                          Rewrite& rewrite) {
-    auto log = RecoveryLog::create(file);
+    ++m_lineage.serial;
+    auto log = RecoveryLog::create(file, m_lineage);
     if (!log) {
         return log;
     }
@@ -532,7 +544,7 @@ void RecoveryWriter::Work::removeLog() {
 }
 
 RecoveryWriter::RecoveryWriter(std::shared_ptr<RecoverySession> session, const RecoveryPace& pace,
-                               RecoveryFacts facts, const QString& taken, FailureStep onFailure)
+                               RecoveryFacts facts, const std::optional<Taken>& taken, FailureStep onFailure)
     : m_work(
           std::make_shared<Work>(std::move(session), pace, std::move(facts), taken, std::move(onFailure))) {}
 

@@ -42,9 +42,15 @@ public:
     /// Hears of failures to keep the text, on the writer's thread.
     using FailureStep = std::function<void(FileFailure, const QString& folder)>;
 
-    /// `taken` is a log of the session, already there, that holds the text so far; empty for none.
+    /// A log of the session, already there, that holds the text so far.
+    struct Taken {
+        QString path;
+        RecoveryLineage lineage;
+    };
+
+    /// `taken` is absent for a text that no log holds yet.
     RecoveryWriter(std::shared_ptr<RecoverySession> session, const RecoveryPace& pace, RecoveryFacts facts,
-                   const QString& taken, FailureStep onFailure);
+                   const std::optional<Taken>& taken, FailureStep onFailure);
 
     /// Ends the thread soon, after it wrote what there is to write.
     ~RecoveryWriter();

@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -36,6 +37,8 @@ int main(int argc, char** argv) {
         std::fputs("tamo: No hay ninguna pantalla en la que abrir ventanas.\n", stderr);
         return EXIT_FAILURE;
     }
+    // A limit on the size of files fails the write instead, which is told.
+    std::signal(SIGXFSZ, SIG_IGN);
     const QApplication application(argc, argv);
     return run(QCoreApplication::arguments());
 }

@@ -9,6 +9,7 @@ Usage: recovery_tests.py PROGRAM [TEST…]
 import os
 import pathlib
 import random
+import resource
 import subprocess
 import sys
 import tempfile
@@ -16,9 +17,9 @@ import threading
 import time
 import unittest
 
-from desktop import Application, Desktop, accessibility, api_error, wait_until
+from desktop import Application, accessibility, api_error, wait_until
+from document_test import DocumentTest, run
 
-PROGRAM = ""
 PROMISE = 1.0  # Seconds from a change until nothing takes it away any more.
 
 
@@ -32,7 +33,7 @@ class Program(Application):
     """The program with a folder for unsaved texts, which outlives it."""
 
     def __init__(self, folder, *arguments):
-        super().__init__(PROGRAM, *arguments, state=folder / "state")
+        super().__init__(DocumentTest.program, *arguments, state=folder / "state")
 
     def text(self):
         """The source, which shows from here on."""
@@ -56,17 +57,9 @@ class Program(Application):
         self._focus(self._window)
 
 
-class Recovery(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
+class Recovery(DocumentTest):
     def start(self, *arguments):
         return self.enterContext(Program(self.folder, *arguments))
-
-    def wait_for_bytes(self, path, expected):
-        wait_until(lambda: path.exists() and path.read_bytes() == expected, f"{expected!r} in the file")
 
     def check_recovery(self, before, typed, after):
         path = self.folder / "carta.xml"
@@ -117,12 +110,79 @@ class Recovery(unittest.TestCase):
         again.recover("Sin título")
         wait_until(lambda: api.Text.get_text(again.text(), 0, -1) == "<nuevo/>", "recovered text")
 
+    def leave_typed(self, path, typed):
+        """Types into the file, kills the program, and returns the log that is left."""
+        app = self.start(path)
+        api = accessibility()
+        app.text()
+        app.press("ctrl+Home")
+        app.type(typed)
+        wait_until(lambda: api.Text.get_text(app.text(), 0, len(typed)) == typed, "typed text")
+        time.sleep(PROMISE)
+        app.process.kill()
+        app.process.wait()
+        return next((self.folder / "state").rglob("*.log"))
+
+    def test_offers_what_a_damaged_log_still_has_and_asks_before_it_goes_into_the_file(self):
+        path = self.folder / "carta.xml"
+        path.write_bytes(b"<a/>\n")
+        log = self.leave_typed(path, "<!-- x -->")
+        kept = bytearray(log.read_bytes())
+        kept[84] ^= 1  # In the length of the first record.
+        log.write_bytes(kept)
+
+        again = self.start()
+        again.recover("carta.xml")
+        wait_until(
+            lambda: again.find(role="label", state="showing", starts="El disco no devolvió entero"),
+            "notice about the damage",
+        )
+        api = accessibility()
+        self.assertEqual(api.Text.get_text(again.text(), 0, -1), "<!-- x --><a/>\n")
+        self.assertIn(kept, [each.read_bytes() for each in (self.folder / "state").rglob("damaged/*")])
+        again.press("ctrl+s")
+        press_button(again, "Guardar encima")
+        self.wait_for_bytes(path, b"<!-- x --><a/>\n")
+
+    def test_leaves_a_log_of_a_newer_version_alone(self):
+        path = self.folder / "carta.xml"
+        path.write_bytes(b"<a/>\n")
+        log = self.leave_typed(path, "<!-- x -->")
+        newer = b"TamoRec3" + log.read_bytes()[8:]
+        log.write_bytes(newer)
+        again = self.start(path)
+        wait_until(
+            lambda: again.find(role="label", state="showing", starts="Hay textos sin guardar de una versión más nueva"),
+            "message about the newer version",
+        )
+        self.assertEqual(log.read_bytes(), newer)
+
+    def test_lives_on_where_files_may_not_grow(self):
+        path = self.folder / "carta.xml"
+        path.write_bytes(b"<a/>\n")
+        resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, resource.RLIM_INFINITY))
+        try:
+            app = self.start(path)
+        finally:
+            resource.setrlimit(resource.RLIMIT_FSIZE, (resource.RLIM_INFINITY, resource.RLIM_INFINITY))
+        api = accessibility()
+        typed = "<!-- " + "x" * 200_000 + " -->"
+        api.EditableText.insert_text(app.text(), 0, typed, len(typed))
+        wait_until(
+            lambda: app.find(role="label", state="showing", starts="Los cambios sin guardar no se pueden proteger"),
+            "notice that nothing is kept",
+        )
+        app.press("ctrl+s")
+        wait_until(lambda: app.find(role="label", starts="No se pudo guardar"), "message about the save")
+        self.assertEqual(path.read_bytes(), b"<a/>\n")
+        self.assertIsNone(app.process.poll())
+
     def test_hands_files_to_the_running_program(self):
         first, second = self.folder / "uno.xml", self.folder / "dos.xml"
         first.write_text("<a/>")
         second.write_text("<b/>")
         app = self.start(first)
-        other = subprocess.run([PROGRAM, second.as_uri()], timeout=30, env=dict(os.environ))
+        other = subprocess.run([self.program, second.as_uri()], timeout=30, env=dict(os.environ))
         self.assertEqual(other.returncode, 0)
         wait_until(lambda: {"uno.xml — Tamo", "dos.xml — Tamo"} <= set(app.names("frame")), "second window")
 
@@ -275,10 +335,4 @@ class Kills(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROGRAM = sys.argv.pop(1)
-    desktop = Desktop()
-    try:
-        result = unittest.main(exit=False, verbosity=2).result
-    finally:
-        desktop.close()
-    sys.exit(not result.wasSuccessful())
+    run()

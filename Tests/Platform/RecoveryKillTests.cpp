@@ -144,8 +144,15 @@ private:
             checkState(0, *life);
             return;
         }
-        const auto text = store.take(left.documents.front().id);
-        if (!text || text->isDamaged) {
+        const QString id = left.documents.front().id;
+        const auto text = store.take(id);
+        if (text && text->damage == RecoveryDamage::cutOff && !m_isKept) {
+            // The kill came while the first log of all was written.
+            store.discard(id);
+            checkState(0, *life);
+            return;
+        }
+        if (!text || text->damage != RecoveryDamage::none) {
             m_complaint = "the text is damaged";
             return;
         }

@@ -3,6 +3,7 @@
 #include "DocumentDesk.h"
 #include "RecoveryDialog.h"
 
+#include <QDirIterator>
 #include <QTreeWidget>
 
 namespace {
@@ -18,6 +19,16 @@ void leave(const QString& folder, const QStringList& texts) {
         DocumentWindow* const window = desk.controller.newDocument();
         DocumentDesk::note(window).type(text);
     }
+}
+
+/// Leaves a text of the file `origin` in `folder`, without the version of that file.
+void leaveWithoutVersion(const QString& folder, const QString& origin, std::u16string_view text) {
+    RecoveryStore store(folder, RecoveryPace{.flushDelay = 1ms});
+    TextStorage storage{Rope()};
+    const auto recovery =
+        store.follow(storage, {.encoding = "UTF-8", .origin = origin.toStdString(), .version = {}});
+    storage.replaceCharacters({0, 0}, text);
+    ASSERT_TRUE(recovery->waitUntilKept(10s));
 }
 
 struct Start {
@@ -103,4 +114,49 @@ TEST(RecoveryOffer, AsksAgainLaterOrNeverAgain) {
         }
         EXPECT_EQ(leftIn(folder.path()), row.left) << row.button.toStdString();
     }
+}
+
+TEST(RecoveryOffer, AsksBeforeATextReplacesAFileOfUnknownVersion) {
+    const QTemporaryDir folder;
+    Start start(folder.path());
+    const QString file = start.desk.write(QStringLiteral("a.txt"), "de otro programa");
+    leaveWithoutVersion(folder.path(), file, u"recuperado");
+    RecoveryDialog* const dialog = start.offered();
+    ASSERT_NE(dialog, nullptr);
+    Start::press(*dialog, QStringLiteral("Recuperar"));
+    ASSERT_TRUE(start.waitUntilDone());
+    ASSERT_EQ(start.desk.controller.windows().size(), 1U);
+    DocumentWindow* const window = start.desk.controller.windows().front();
+    {
+        Answer answer(QStringLiteral("Cancelar"));
+        window->save();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
+        EXPECT_EQ(answer.question(),
+                  QStringLiteral("No se sabe si “a.txt” ha cambiado en el disco desde que se abrió."));
+    }
+    EXPECT_EQ(start.desk.read(QStringLiteral("a.txt")), QByteArray("de otro programa"));
+    QSignalSpy saved(window, &DocumentWindow::saved);
+    const Answer answer(QStringLiteral("Guardar encima"));
+    window->save();
+    ASSERT_TRUE(saved.wait(10'000));
+    EXPECT_EQ(start.desk.read(QStringLiteral("a.txt")), QByteArray("recuperado"));
+}
+
+TEST(RecoveryOffer, TellsOfTextsOfANewerVersionOfTheProgram) {
+    const QTemporaryDir folder;
+    leave(folder.path(), {QStringLiteral("uno")});
+    QDirIterator files(folder.path(), {QStringLiteral("*.log")}, QDir::Files, QDirIterator::Subdirectories);
+    const QString log = files.next();
+    {
+        QFile file(log);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("TamoRec9 in a form of its own");
+    }
+    Start start(folder.path());
+    Answer answer(QStringLiteral("OK"));
+    EXPECT_EQ(start.offered(), nullptr);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
+    EXPECT_EQ(answer.question(),
+              QStringLiteral("Hay textos sin guardar de una versión más nueva del programa."));
+    EXPECT_TRUE(QFile::exists(log));
 }

@@ -271,7 +271,7 @@ TEST_F(RecoveryStoreTest, OffersWhatDeadRunsLeftAndNotWhatLivingOnesKeep) {
     ASSERT_EQ(left.documents.size(), 1U);
     EXPECT_EQ(left.documents[0].facts, facts);
     EXPECT_EQ(left.documents[0].size, 4U);
-    EXPECT_FALSE(left.documents[0].isDamaged);
+    EXPECT_EQ(left.documents[0].damage, RecoveryDamage::none);
     EXPECT_EQ(next->recoverable().documents.size(), 1U);
     // Two starts at once do not both offer it.
     EXPECT_EQ(store()->recoverable().documents.size(), 0U);
@@ -331,7 +331,7 @@ TEST_F(RecoveryStoreTest, AnUnfinishedNewLogHarmsNothing) {
     const QString log = files().front();
     QFile unfinished(log + QStringLiteral(".new"));
     ASSERT_TRUE(unfinished.open(QIODevice::WriteOnly));
-    unfinished.write("TamoRec1saltsalt and no more");
+    unfinished.write("TamoRec2saltsalt and no more");
     unfinished.close();
     EXPECT_EQ(found()->text, Rope(u"text"));
     EXPECT_EQ(files(), QStringList{log});
@@ -386,12 +386,81 @@ TEST_F(RecoveryStoreTest, ADamagedTextIsOfferedAndACopySetAside) {
     const auto next = store();
     const auto left = next->recoverable();
     ASSERT_EQ(left.documents.size(), 1U);
-    EXPECT_TRUE(left.documents[0].isDamaged);
+    EXPECT_EQ(left.documents[0].damage, RecoveryDamage::damaged);
     next->discard(left.documents[0].id);
     ASSERT_EQ(files().size(), 1);
     QFile copy(files().front());
     ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
     EXPECT_EQ(copy.readAll(), damaged);
+}
+
+TEST_F(RecoveryStoreTest, ADamagedLogIsSetAsideOnce) {
+    leave(u"text");
+    {
+        QFile file(files().front());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        file.seek(file.size());
+        file.write(QByteArray(100, '\0'));
+    }
+    for (int start = 0; start < 3; ++start) {
+        EXPECT_EQ(store()->recoverable().documents.size(), 1U);
+        EXPECT_EQ(files().size(), 2);
+    }
+}
+
+TEST_F(RecoveryStoreTest, LeavesALogOfANewerVersionWhereItIsAndSaysSo) {
+    leave(u"text");
+    const QString log = files().front();
+    {
+        QFile file(log);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("TamoRec3 and what only a later version understands");
+    }
+    for (int start = 0; start < 2; ++start) {
+        const auto left = store()->recoverable();
+        EXPECT_EQ(left.documents.size(), 0U);
+        EXPECT_EQ(left.setAside, QStringList());
+        EXPECT_EQ(left.newer, QStringList{log});
+        EXPECT_EQ(files(), QStringList{log});
+    }
+}
+
+TEST_F(RecoveryStoreTest, OffersATextOnceThatTwoLogsHave) {
+    leave(u"text");
+    const QString old = files().front();
+    QFile::copy(old, old + QStringLiteral(".kept"));
+    {
+        const auto next = store();
+        const auto id = next->recoverable().documents.at(0).id;
+        TextStorage storage(next->take(id)->text);
+        const auto recovery = next->follow(storage, facts, id);
+        storage.replaceCharacters({4, 4}, u" and more");
+        EXPECT_TRUE(recovery->waitUntilKept(10s));
+    }
+    const QString second = QFileInfo(old).path() + QStringLiteral("/text-9.log");
+    ASSERT_TRUE(QFile::rename(old, second));
+    ASSERT_TRUE(QFile::rename(old + QStringLiteral(".kept"), old));
+    EXPECT_EQ(found()->text, Rope(u"text and more"));
+    EXPECT_EQ(files(), QStringList{second});
+}
+
+TEST_F(RecoveryStoreTest, TakesTheNewLogWhereItHasMore) {
+    leave(u"text");
+    const QString log = files().front();
+    QFile::copy(log, log + QStringLiteral(".old"));
+    QTest::qWait(2);
+    {
+        const auto next = store();
+        const auto id = next->recoverable().documents.at(0).id;
+        TextStorage storage(next->take(id)->text);
+        const auto recovery = next->follow(storage, facts, id);
+        storage.replaceCharacters({4, 4}, u" and more");
+        EXPECT_TRUE(recovery->waitUntilKept(10s));
+    }
+    ASSERT_TRUE(QFile::rename(log, log + QStringLiteral(".new")));
+    ASSERT_TRUE(QFile::rename(log + QStringLiteral(".old"), log));
+    EXPECT_EQ(found()->text, Rope(u"text and more"));
+    EXPECT_EQ(files(), QStringList{log});
 }
 
 TEST_F(RecoveryStoreTest, SaysOnceThatItCannotKeepAndTriesAgain) {
