@@ -31,6 +31,8 @@ DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, QObject* parent
     if (!bus.isConnected()) {
         return;
     }
+    // The connection looks up the types of a slot by their names, and connects nothing if one is unknown.
+    qRegisterMetaType<QDBusVariant>();
     QDBusConnection listening = bus;
     // A connection without a bus in between has no names of services.
     const QString name = bus.interface() == nullptr ? QString() : service;
