@@ -148,7 +148,7 @@ class Recovery(DocumentTest):
         path = self.folder / "carta.xml"
         path.write_bytes(b"<a/>\n")
         log = self.leave_typed(path, "<!-- x -->")
-        newer = b"TamoRec3" + log.read_bytes()[8:]
+        newer = log.read_bytes().replace(b"TamoRec2", b"TamoRec3")
         log.write_bytes(newer)
         again = self.start(path)
         wait_until(
