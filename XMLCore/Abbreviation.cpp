@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::size_t maximumCount = 500;
 
-/// The offset of the first of `units` in `text` from `from` on, or the end of the text.
+/// The offset of the first unit of `text`, from `from` on, that is one of `units`; the length of `text` if
+/// there is none.
 std::size_t findAny(std::u16string_view text, std::u16string_view units, std::size_t from) {
     return std::min(text.find_first_of(units, from), text.size());
 }
@@ -58,7 +59,7 @@ std::optional<std::u16string_view> AbbreviationReader::name() {
     return Lexer::isValidName(name) ? std::optional(name) : std::nullopt;
 }
 
-/// Reads up to the `]`, and it too.
+/// Reads the attributes and their closing `]`; returns false if they are malformed.
 bool AbbreviationReader::readAttributes(std::vector<Element::Attribute>& attributes) {
     while (!std::exchange(m_visited[m_at].attributes, true)) {
         takeUntil(std::min(m_text.find_first_not_of(u' ', m_at), m_text.size()));

@@ -5,11 +5,11 @@
 #include <string_view>
 #include <vector>
 
-/// What an abbreviation says of one element. Borrows its strings from the abbreviation.
+/// One element of an abbreviation. Its strings are borrowed from the abbreviation.
 struct AbbreviatedElement {
     struct Attribute {
         std::u16string_view name;
-        std::u16string_view value; ///< Not escaped; empty when none was given.
+        std::u16string_view value; ///< Not escaped; empty if no value is given.
 
         bool operator==(const Attribute&) const = default;
     };
@@ -18,24 +18,25 @@ struct AbbreviatedElement {
     std::vector<Attribute> attributes; ///< In the order written.
     std::size_t count = 1;             ///< Repetitions, 1 to 500.
     bool selfClosing = false;
-    /// All elements after this one are inside it: its children up to the next that has children.
+    /// All later elements are inside this one. Its children are those up to and including the next one that
+    /// has children itself.
     bool hasChildren = false;
 
     bool operator==(const AbbreviatedElement&) const = default;
 };
 
-/// Reads an abbreviation, from its start or from later on. An attempt that comes to where an earlier one has
-/// been would go on and fail in the same way, and ends there, so that all attempts together take time linear
-/// in the text.
+/// Parses an abbreviation that ends at the end of a text and may start at any offset of it. An attempt that
+/// reaches an offset in the same state as an earlier, failed attempt fails at once, so that all attempts
+/// together take time linear in the text.
 class AbbreviationReader {
 public:
     using Elements = std::vector<AbbreviatedElement>;
 
-    /// A reader of `text`, which is borrowed, also by the elements.
+    /// Borrows `text`; so do the elements that the reader returns.
     explicit AbbreviationReader(std::u16string_view text);
 
-    /// The elements in the order written, none unless everything from `from` to the end is an abbreviation.
-    /// To be asked for increasing `from`, and no more once it has succeeded.
+    /// The elements in the order written; none unless the units from offset `from` to the end of the text
+    /// form an abbreviation. Call it with increasing `from`, and no more after it has succeeded.
     std::optional<Elements> elements(std::size_t from);
 
 private:
@@ -52,7 +53,8 @@ private:
     bool take(char16_t unit);
     std::u16string_view takeUntil(std::size_t end);
 
-    /// Where an attempt was at the start of an element, or between attributes.
+    /// What earlier attempts have tried to read at one offset: an element, or the rest of a list of
+    /// attributes.
     struct Visited {
         bool element = false;
         bool attributes = false;
@@ -61,6 +63,8 @@ private:
     std::u16string_view m_text;
     std::size_t m_at = 0;
     std::vector<Visited> m_visited;
-    std::size_t m_bareValueStart = 0; ///< A value without quotes that starts from here on
-    std::size_t m_bareValueEnd = 0;   ///< and before here ends here.
+    /// Cache: an unquoted value that starts in `m_bareValueStart ..< m_bareValueEnd` ends at
+    /// `m_bareValueEnd`.
+    std::size_t m_bareValueStart = 0;
+    std::size_t m_bareValueEnd = 0;
 };

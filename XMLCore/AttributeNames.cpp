@@ -11,7 +11,8 @@ bool AttributeNames::isAmong(std::span<const AttributeSpan> earlier, SourceRange
 }
 
 std::vector<SourceRange> AttributeNames::repeatedLater(std::span<const AttributeSpan> attributes) {
-    // A hash and a position in one number: sorting brings equal names together, the first one first.
+    // Each key is a hash and an index in one number: sorting puts equal names next to each other, in the
+    // order of the tag.
     m_keys.clear();
     m_keys.reserve(attributes.size());
     for (std::size_t i = 0; i < attributes.size(); ++i) {
@@ -21,7 +22,7 @@ std::vector<SourceRange> AttributeNames::repeatedLater(std::span<const Attribute
     const auto name = [&](std::uint64_t key) { return attributes[static_cast<std::uint32_t>(key)].name; };
 
     std::vector<SourceRange> repeated;
-    std::vector<SourceRange> distinct; // The names of one hash; two only by a rare chance.
+    std::vector<SourceRange> distinct; // The distinct names that have the current hash: almost always one.
     std::uint64_t hash = 0;
     for (const std::uint64_t key : m_keys) {
         if (distinct.empty() || key >> 32 != hash) {

@@ -6,36 +6,39 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Sixteen bytes side by side, and the ways between them and two `UnitVector`s. Like there, everything works
-/// lane by lane.
+/// A SIMD vector of sixteen bytes, with conversions from and to UTF-16 units. As in `UnitVector`, all
+/// operators work lane by lane.
 struct ByteVector {
     static constexpr int lanes = 16;
 
+    /// Reads sixteen bytes from `at`, which may have any alignment; `store` and `widen` write in the same
+    /// way.
     static ByteVector load(const std::uint8_t* at);
     static ByteVector all(std::uint8_t byte);
     void store(std::uint8_t* at) const;
 
-    /// Writes the sixteen bytes as sixteen units.
+    /// Writes the bytes as sixteen units.
     void widen(char16_t* to) const;
 
-    /// The low bytes of sixteen units. Where a unit is 0x100 or above, the byte may be any.
+    /// The low bytes of sixteen units. For a unit of 0x100 or above the byte is unspecified.
     static ByteVector narrow(UnitVector first, UnitVector second);
 
-    /// Sixteen units as bytes, those of 0xFF and above as 0xFF.
+    /// Sixteen units as bytes; a unit above 0xFF becomes 0xFF.
     static ByteVector clamp(UnitVector first, UnitVector second);
 
     ByteVector operator==(ByteVector other) const;
     ByteVector operator|(ByteVector other) const;
     ByteVector operator-(ByteVector other) const;
-    /// The bits that `other` does not have.
+    /// The bits that are set here and not in `other`.
     ByteVector without(ByteVector other) const;
-    /// All bits of a lane set where its byte is at most `other`'s.
+    /// Sets all bits of each lane whose byte, as an unsigned number, is at most that of `other`; clears the
+    /// others.
     ByteVector atMost(ByteVector other) const;
 
-    /// The highest bit of every lane, that of the first lane lowest.
+    /// The highest bits of the sixteen lanes as a mask; the lowest bit is that of the first lane.
     std::uint32_t highBits() const;
 
-    /// How many bytes from the first on are below 0x80: 0 to 16.
+    /// The number of bytes below 0x80 before the first other byte: 0 to 16.
     int asciiPrefix() const {
         constexpr std::uint32_t pastTheLast = 1u << lanes;
         return std::countr_zero(highBits() | pastTheLast);

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// Just after the comment or instruction whose `<` stands at `at`, or after the `<` of anything else. `end`
-/// when the construct does not end.
+/// The offset just after the comment or instruction whose `<` is at `at`, or `end` if it has no end. For any
+/// other construct, the offset after the `<`.
 std::ptrdiff_t afterConstruct(const char16_t* units, std::ptrdiff_t at, std::ptrdiff_t end) {
     constexpr std::u16string_view commentOpener = u"<!--";
     constexpr std::u16string_view instructionOpener = u"<?";

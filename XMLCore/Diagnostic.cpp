@@ -26,8 +26,7 @@ std::u16string terminatorOf(Rule rule) {
     }
 }
 
-/// The name that a cut-off start tag's record points at; empty when it points at the `<` of a tag without
-/// one.
+/// The name of a start tag that was cut off; empty if `range` is the `<` of a tag without a name.
 std::u16string startTagName(const SourceText& text, SourceRange range) {
     return text.hasPrefix(u"<", range.lower) ? u"" : text.string(range);
 }
@@ -111,7 +110,8 @@ std::optional<Fix> fix(const DiagnosticRecord& record, const SourceText& text) {
     case Rule::unmatchedEndTag:
         return Fix{u"Eliminar cierre", {TextEdit::deleteRange(record.range)}};
     case Rule::unclosedElement: {
-        // What is inserted into the source repeats the name exactly; what is shown is repaired.
+        // The inserted end tag repeats the name unit for unit; the title shows it with lone surrogates
+        // replaced.
         const std::u16string_view name = text.units(record.range);
         return insertion(u"Cerrar <" + text.string(record.range) + u">", u"</" + std::u16string(name) + u">",
                          at);

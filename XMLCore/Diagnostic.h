@@ -11,19 +11,19 @@
 #include <string>
 #include <vector>
 
-/// One problem in a text, with the edits that would mend it where that is plain. Messages and titles are
-/// Spanish, for the user as they stand; names in them come from the document and are plain text.
+/// One problem in a text, with a fix where one is obvious. Messages and titles are Spanish and are shown to
+/// the user unchanged. The names in them come from the document, so they must be shown as plain text.
 struct Diagnostic {
     enum class Severity : std::uint8_t { error, warning };
 
     struct Fix {
         std::u16string title;
-        std::vector<TextEdit> edits; ///< To be applied as one change.
+        std::vector<TextEdit> edits; ///< Applied together, as one change.
 
         bool operator==(const Fix&) const = default;
     };
 
-    SourceRange range; ///< What the problem points at.
+    SourceRange range; ///< The part of the text that is marked as wrong.
     std::u16string message;
     Severity severity = Severity::error;
     std::optional<Fix> fix;
@@ -46,8 +46,8 @@ struct std::hash<Diagnostic> {
     }
 };
 
-/// A diagnostic as the parser notes it: enough to compose the `Diagnostic` from the text when somebody wants
-/// to see it. A hostile document has millions.
+/// A diagnostic as the parser stores it: what is needed to compose the `Diagnostic` from the text later, when
+/// it is shown. A hostile document has millions of them.
 struct DiagnosticRecord {
     enum class Rule : std::uint8_t {
         unescapedLessThan,
@@ -73,43 +73,46 @@ struct DiagnosticRecord {
     };
 
     SourceRange range;
-    Offset fixOffset = 0; ///< Where the fix inserts; unused where it replaces `range` or there is none.
+    Offset fixOffset = 0; ///< Where the fix inserts; unused if it replaces `range` or there is no fix.
     Rule rule = Rule::noRoot;
 
     Diagnostic::Severity severity() const;
 };
 static_assert(sizeof(DiagnosticRecord) == 16);
 
-/// The diagnostics of a text, in ascending order of `range.lower`. Looks like an array of `Diagnostic`, each
-/// composed when it is asked for.
+/// The diagnostics of a text, in ascending order of `range.lower`. Behaves like an array of `Diagnostic`;
+/// each element is composed when it is accessed.
 class DiagnosticList {
 public:
     class Iterator;
 
     DiagnosticList() = default;
 
-    /// `records` of `text`, in order.
+    /// The diagnostics of `text` that `records` describe, which are in ascending order of `range.lower`.
     DiagnosticList(SourceText text, RecordArray<DiagnosticRecord> records);
 
     std::size_t size() const { return m_records.size(); }
     bool empty() const { return m_records.empty(); }
 
+    /// Aborts if there is no diagnostic at `index`.
     Diagnostic operator[](std::size_t index) const;
     Iterator begin() const;
     Iterator end() const;
 
-    /// The range, the severity and the rule alone, without composing anything.
+    /// The range, the severity and the rule of a diagnostic, without composing its texts. `index` is not
+    /// checked.
     SourceRange range(std::size_t index) const { return m_records[index].range; }
     Diagnostic::Severity severity(std::size_t index) const { return m_records[index].severity(); }
     DiagnosticRecord::Rule rule(std::size_t index) const { return m_records[index].rule; }
 
-    /// The position of the first diagnostic whose range starts at or after `from`.
+    /// The index of the first diagnostic whose range starts at or after `from`; `size()` if there is none.
     std::size_t firstIndex(Offset from) const;
 
     /// The number of diagnostics of severity `error`.
     std::size_t errorCount() const { return m_errorCount; }
 
-    /// Takes the storage of the records away, for another parse to use again.
+    /// Moves the storage of the records out, so that another parse can reuse it. The list may only be
+    /// destroyed or assigned to afterwards.
     RecordArray<DiagnosticRecord> releaseRecords() { return std::move(m_records); }
 
 private:

@@ -7,7 +7,8 @@ namespace {
 
 constexpr std::u16string_view opener = u"<!DOCTYPE";
 
-/// The end of the declaration that starts at `start`: by the letter, else past comments and instructions.
+/// The end of the declaration that starts at `start` by the strict rule or, if there is none, with comments
+/// and instructions skipped.
 std::optional<std::ptrdiff_t> endOf(std::u16string_view units, std::ptrdiff_t start) {
     using DeclarationEnd::Skipping;
     for (const Skipping skipping : {Skipping::quotesOnly, Skipping::commentsAndInstructions}) {

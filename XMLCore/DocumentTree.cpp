@@ -10,11 +10,11 @@
 
 namespace {
 
-/// A part of a text that is wanted on one line.
+/// The beginning of a text, collapsed to one line.
 struct Line {
     std::u16string string;
     bool isCut = false;        ///< Whether `string` reached the limit of its length.
-    std::size_t unitsRead = 0; ///< How many units of the text `string` depends on.
+    std::size_t unitsRead = 0; ///< How many units of the text were read for `string`.
 };
 
 /// `text` with its white space collapsed, cut after `limit` characters.
@@ -54,15 +54,15 @@ std::u16string shown(Line line) {
     return std::move(line.string);
 }
 
-/// What the user reads in the first `units` units of a leaf's content.
+/// The first `units` units of a leaf's content as the user reads them.
 std::u16string contentPrefix(const DocumentTree& tree, const TreeNode& leaf, std::size_t units) {
     const std::u16string_view content = tree.text.units(leaf.contentRange);
     std::u16string prefix = repaired(content.substr(0, units));
     return leaf.kind == TreeNode::Kind::text ? Escaping::unescape(std::move(prefix)) : prefix;
 }
 
-/// What the user reads in the direct texts and CDATA sections of an element, as far as the first `units`
-/// units of them go.
+/// The direct texts and CDATA sections of an element as the user reads them, cut after `units` units of the
+/// source.
 std::u16string textPrefix(const DocumentTree& tree, NodeID element, std::size_t units) {
     std::u16string prefix;
     for (const NodeID id : tree.children(element)) {
@@ -79,9 +79,11 @@ std::u16string textPrefix(const DocumentTree& tree, NodeID element, std::size_t 
     return prefix;
 }
 
-/// The text of an element, collapsed. Reads no more of it than the line needs; `units` is a first guess.
+/// The text of an element, collapsed. `units` is a first guess of how much of the text has to be read; it is
+/// doubled until that is enough.
 Line collapsedText(const DocumentTree& tree, NodeID element, std::size_t units, std::size_t limit) {
-    // Where a prefix ends, a reference or a character may be cut in two, so its last units prove nothing.
+    // The end of a prefix may cut a reference or a character in two, so what its last units show does not
+    // count.
     constexpr std::size_t unprovenUnits = 32;
     const std::size_t count = tree[element].contentRange.length();
     for (units += 2 * unprovenUnits;; units *= 2) {
@@ -153,7 +155,7 @@ std::optional<NodeID> DocumentTree::lastChild(NodeID of) const {
     if (!(*this)[of].hasChildren()) {
         return std::nullopt;
     }
-    // The last of the nodes inside `of` stands right before the first one after it.
+    // The last node inside `of` has the index before that of the first node after `of`.
     NodeID enclosing = of;
     while (enclosing != NodeID::document() && (*this)[enclosing].nextSibling.isNone()) {
         enclosing = (*this)[enclosing].parent;
@@ -207,7 +209,7 @@ std::optional<std::u16string> DocumentTree::textContent(NodeID of) const {
 std::optional<std::u16string> DocumentTree::preview(NodeID of, std::size_t limit) const {
     const TreeNode& node = (*this)[of];
     const std::size_t count = node.contentRange.length();
-    // A limit beyond the content is as good as none; the product cannot overflow.
+    // A limit beyond the content has no effect, so it is clamped, and the product cannot overflow.
     const std::size_t units = 4 * std::min(limit, count);
     if (node.isElement()) {
         const bool isText = node.hasChildren() && hasOnlyTextContent(of);

@@ -15,12 +15,12 @@
 struct NodePath;
 
 /// The result of one parse: the text, its nodes in document order linked by index, their attributes, and the
-/// diagnostics. Never changed after the parser returned it; may be read from any thread. Moves, never
-/// copies: a large document's tree takes hundreds of megabytes.
+/// diagnostics. It does not change after the parser has returned it, and any thread may read it. It can be
+/// moved but not copied, because the tree of a large document takes hundreds of megabytes.
 ///
-/// Node 0 is the document and spans the whole text. Node indices grow with `range.lower`, children stand in
-/// text order, and so the first child of a node is the node right after it. Operations that take a node stop
-/// the program when the tree has no such node.
+/// Node 0 is the document and spans the whole text. Node indices ascend with `range.lower`, and children are
+/// in text order, so the first child of a node has the next index. Operations that take a node abort if the
+/// tree has no such node.
 struct DocumentTree {
     class Children;
 
@@ -42,61 +42,64 @@ struct DocumentTree {
     /// The first element among the document's children.
     std::optional<NodeID> rootElement() const;
 
-    /// Whether any diagnostic is an error; warnings alone leave the document well-formed.
+    /// Whether any diagnostic is an error. A document with warnings only counts as well-formed.
     bool hasErrors() const { return diagnostics.errorCount() != 0; }
 
-    /// The text of the node's `nameRange`, lone surrogates replaced.
+    /// The text of the node's `nameRange`, with lone surrogates replaced by U+FFFD.
     std::u16string name(NodeID of) const { return text.string((*this)[of].nameRange); }
 
     /// The attributes of a node, in text order; borrowed from the tree.
     std::span<const AttributeSpan> attributesOf(NodeID node) const;
 
-    /// The first attribute of the node whose name has exactly these units.
+    /// The first attribute of the node whose name has exactly the units of `named`.
     std::optional<AttributeSpan> attribute(std::u16string_view named, NodeID of) const;
 
-    /// The position of a node among its parent's children; 0 for the document.
+    /// The index of a node among its parent's children; 0 for the document. Takes time linear in that index.
     std::size_t indexInParent(NodeID node) const;
 
-    /// The child at position `at`, counted from 0.
+    /// The child at index `at`, counted from 0; none if the node has fewer children.
     std::optional<NodeID> child(NodeID of, std::size_t at) const;
 
-    /// The last child, found without a walk over the others; none when there are none.
+    /// The last child; none if there are no children. Does not visit the other children.
     std::optional<NodeID> lastChild(NodeID of) const;
 
-    /// The sibling right before the node, found without a walk from the first; none for the first.
+    /// The sibling before the node; none for a first child and for the document. Does not visit the other
+    /// siblings.
     std::optional<NodeID> previousSibling(NodeID of) const;
 
-    /// Where the node stands, which outlives this tree.
+    /// The path of the node, which can also be resolved in later trees.
     NodePath path(NodeID of) const;
 
-    /// The node that stands at `path`, none when one of its positions is out of range.
+    /// The node at `path`; none if one of its indices is out of range.
     std::optional<NodeID> resolve(const NodePath& path) const;
 
-    /// The path of a node as shown to the user, such as "/rss/channel/item[2]/title/text()". A position
-    /// counts the sibling elements of the same name, and is left out when there are no others.
+    /// The path of a node as it is shown to the user, such as "/rss/channel/item[2]/title/text()"; "/" for
+    /// the document. A number counts the sibling elements of the same name from 1, and is left out if there
+    /// are no others.
     std::u16string xpath(NodeID of) const;
 
-    /// The last node that starts at or before `at`. The innermost node that contains the offset is that one
-    /// or the nearest of its ancestors that does.
+    /// The last node, in document order, that starts at or before `at`. The innermost node that contains `at`
+    /// is this node or its nearest ancestor that contains `at`.
     NodeID node(Offset at) const;
 
     /// The innermost node whose range contains `offset`, the document if no other does.
     NodeID innermostNode(Offset containing) const;
 
-    /// Whether all children are texts or CDATA sections; also when there are none.
+    /// Whether all children are texts or CDATA sections; true if there are no children.
     bool hasOnlyTextContent(NodeID node) const;
 
-    /// What the user reads in the node: of an element its direct texts, references resolved, and its direct
-    /// CDATA sections as written, or nothing when it has no children; of a text its content, references
-    /// resolved; of any other node its content as written.
+    /// The text that the user reads in the node, with lone surrogates replaced. For an element: its direct
+    /// texts, with references resolved, and its direct CDATA sections as written; none if it has no children.
+    /// For a text: its content, with references resolved. For any other node: its content as written.
     std::optional<std::u16string> textContent(NodeID of) const;
 
-    /// `textContent` on one line for lists: white space collapsed, cut after `limit` characters (extended
-    /// grapheme clusters), "…" added when that many were reached. Of texts and other leaves at most
-    /// 4 × `limit` units are looked at; the document, and elements with other content than text, have none.
+    /// `textContent` on one line, for lists: white space is collapsed, and a text that reaches `limit`
+    /// characters (extended grapheme clusters) is cut there and gets "…" appended. Of texts and other leaves
+    /// at most 4 × `limit` units are read. None for the document, for elements without children and for
+    /// elements with other children than text.
     std::optional<std::u16string> preview(NodeID of, std::size_t limit) const;
 
-    /// The distinct names that the tree uses, in order of first appearance.
+    /// The distinct names in the tree, in order of first appearance.
     struct Vocabulary {
         std::vector<std::u16string> elements;
         std::vector<std::u16string> attributes;
@@ -110,7 +113,7 @@ struct DocumentTree {
     Offset lexStart(Offset before) const;
 
 private:
-    /// `startingAt` or the ancestor of it that is a child of `below`.
+    /// The child of `below` that is `startingAt` or one of its ancestors.
     NodeID ancestor(NodeID below, NodeID startingAt) const;
 };
 

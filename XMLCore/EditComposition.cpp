@@ -25,7 +25,8 @@ void EditComposition::add(std::span<const TextEdit> edits) {
     std::size_t piece = 0;
     std::size_t inPiece = 0;
     std::size_t at = 0;
-    // Passes over the units up to `until`, and takes them along if they are kept.
+    // Moves forward to offset `until` of the current text, and copies the units on the way to `result` if
+    // `keeps`.
     const auto advance = [&](std::size_t until, bool keeps) {
         precondition(at <= until, "edits do not overlap");
         while (at < until) {

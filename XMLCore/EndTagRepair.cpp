@@ -10,10 +10,11 @@ namespace {
 
 using Rule = DiagnosticRecord::Rule;
 
-/// How many elements of one name, each in the other, are looked at.
+/// The maximum number of nested elements of one name that are examined.
 constexpr int mostAncestors = 64;
 
-/// What stands in an end tag between `</` and `>`, without white space around it; nothing if that is no name.
+/// The name between `</` and `>` of an end tag, without the white space around it; empty if there is no name.
+/// None if the tag contains anything else or has no `>`.
 std::optional<SourceRange> writtenName(const SourceText& text, SourceRange endTag) {
     std::u16string_view inside = text.units(endTag);
     if (!inside.ends_with(u'>')) {
@@ -36,7 +37,7 @@ std::optional<EndTagRepair::Renaming> EndTagRepair::renaming(std::size_t index) 
     if (m_tree.diagnostics.rule(index) != Rule::unmatchedEndTag) {
         return std::nullopt;
     }
-    // The end tag was kept as text, or as a part of one.
+    // The tree contains an unmatched end tag as a text or as a part of one.
     const SourceRange endTag = m_tree.diagnostics.range(index);
     const NodeID element = m_tree[m_tree.node(endTag.lower)].parent;
     if (element.isNone() || !m_tree[element].isElement()) {
@@ -54,8 +55,9 @@ std::optional<EndTagRepair::Renaming> EndTagRepair::renaming(std::size_t index) 
     return Renaming{{{endTag.lower + 2, written->upper}, std::u16string(name)}, element, *unclosed};
 }
 
-/// The element, or the next around it of the same name, that lacks an end tag and gets one once another end
-/// tag of its name stands at `endTag`.
+/// The innermost element that lacks an end tag, of `innermost` and the elements of the same name directly
+/// around it: the one that gets an end tag once another end tag of this name is at `endTag`. None if it is
+/// already claimed, or if it is the root and its content continues.
 std::optional<NodeID> EndTagRepair::elementWithoutEndTag(NodeID innermost, SourceRange endTag) const {
     NodeID element = innermost;
     Offset end = endTag.upper;
@@ -75,7 +77,8 @@ std::optional<NodeID> EndTagRepair::elementWithoutEndTag(NodeID innermost, Sourc
     return std::nullopt;
 }
 
-/// Whether `element` holds nothing from `from` on: the root may end only where all ends.
+/// Whether `element` contains only white space from `from` on. The root may be closed only there: content
+/// after it would be an error.
 bool EndTagRepair::endsDocument(Offset from, NodeID element) const {
     const Offset end = m_tree[element].contentRange.upper;
     const char16_t* const units = m_tree.text.units().data();

@@ -7,27 +7,28 @@
 #include <unordered_set>
 #include <vector>
 
-/// Renames an end tag that matches no open element to the innermost open one, where that lacks its own and
-/// the name looks like a slip of it.
+/// Repairs mistyped end tags. An end tag that matches no open element is renamed to the innermost open
+/// element if its name is similar or missing, and if that element, or one of the same name around it, lacks
+/// an end tag.
 class EndTagRepair {
 public:
     explicit EndTagRepair(const DocumentTree& tree) : m_tree(tree) {}
 
     struct Renaming {
         TextEdit edit;
-        NodeID element; ///< Whose name it gets.
-        NodeID
-            unclosed; ///< Which element no longer lacks an end tag: `element` or one around it of its name.
+        NodeID element; ///< The element whose name the end tag gets.
+        /// The element that then no longer lacks an end tag: `element` or one of the same name around it.
+        NodeID unclosed;
     };
 
-    /// For the problem at `index` of the tree's list; nothing if it is another one, or if it needs an element
-    /// that `claim` was told of.
+    /// The renaming that repairs the diagnostic at `index` of the tree's list; none if there is none, or if
+    /// the element that would get the end tag is claimed.
     std::optional<Renaming> renaming(std::size_t index) const;
 
-    /// The element gets an end tag by a renaming: no other one is renamed for it.
+    /// Records that a renaming gives `unclosed` an end tag, so that no other end tag is renamed for it.
     void claim(NodeID unclosed) { m_claimed.insert(m_tree[unclosed].nameRange.lower); }
 
-    /// Whether the element whose name starts at `name` was claimed.
+    /// Whether the element whose name starts at offset `name` is claimed.
     bool isClaimed(Offset name) const { return m_claimed.contains(name); }
 
 private:
@@ -35,5 +36,5 @@ private:
     bool endsDocument(Offset from, NodeID element) const;
 
     const DocumentTree& m_tree;
-    std::unordered_set<Offset> m_claimed; ///< By the start of the name.
+    std::unordered_set<Offset> m_claimed; ///< The offsets at which the names of the claimed elements start.
 };

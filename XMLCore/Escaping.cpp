@@ -13,14 +13,14 @@ namespace {
 using UnicodeProperties::GraphemeBreak;
 using UnicodeProperties::graphemeBreak;
 
-/// The first of `wanted` from `from` on, or `end`.
+/// The first unit from `from` on that is one of `wanted`, or `end`.
 template <class... Units>
 const char16_t* findAny(const char16_t* from, const char16_t* end, Units... wanted) {
     return from + UnitScan::findAny(from, 0, end - from, wanted...);
 }
 
-/// Whether the ASCII unit at `at`, no control, is a character by itself. Its two neighbours decide that, so
-/// that no character is ever walked, however many marks it carries.
+/// Whether the unit at `at`, a printable ASCII unit, is a character by itself. Only its two neighbours
+/// decide, so that the time is constant, however many marks follow.
 bool standsAlone(const char16_t* begin, const char16_t* at, const char16_t* end) {
     if (at != begin && graphemeBreak(UTF16::scalarBefore(begin, at)) == GraphemeBreak::prepend) {
         return false;
@@ -33,7 +33,7 @@ bool standsAlone(const char16_t* begin, const char16_t* at, const char16_t* end)
            after != GraphemeBreak::spacingMark;
 }
 
-/// What stands for `unit` where it is markup.
+/// The reference that replaces `unit`.
 std::u16string_view reference(char16_t unit) {
     switch (unit) {
     case u'&':
@@ -53,7 +53,7 @@ std::u16string_view reference(char16_t unit) {
     }
 }
 
-/// Whether the unit at `at`, one of those that have a `reference`, is that character and nothing more.
+/// Whether the unit at `at`, one of those that `reference` knows, is a character by itself.
 bool isWholeCharacter(const char16_t* begin, const char16_t* at, const char16_t* end) {
     switch (*at) {
     case u'\t':
@@ -65,7 +65,7 @@ bool isWholeCharacter(const char16_t* begin, const char16_t* at, const char16_t*
     }
 }
 
-/// `text` with its characters `markup` replaced by references, appended to `result`.
+/// `text` with each character that is one of `markup` replaced by its reference.
 template <class... Units>
 std::u16string escape(std::u16string_view text, Units... markup) {
     const char16_t* const begin = text.data();
@@ -84,8 +84,8 @@ std::u16string escape(std::u16string_view text, Units... markup) {
     return result;
 }
 
-/// The value of `digits`, at most nine of them and perhaps a sign before; none when they are no number or a
-/// negative one.
+/// The value of `digits`, an optional sign and at most nine digits; none if they are not a number or the
+/// number is negative.
 std::optional<char32_t> parse(std::u16string_view digits, std::uint32_t radix) {
     const bool isNegative = digits.starts_with(u'-');
     if (isNegative || digits.starts_with(u'+')) {
@@ -94,7 +94,7 @@ std::optional<char32_t> parse(std::u16string_view digits, std::uint32_t radix) {
     if (digits.empty()) {
         return std::nullopt;
     }
-    std::uint32_t value = 0; // A name is too short for more than 32 bits.
+    std::uint32_t value = 0; // Nine digits fit into 32 bits.
     for (const char16_t unit : digits) {
         const char16_t letter = unit | 0x20;
         std::uint32_t digit = radix;
@@ -111,7 +111,7 @@ std::optional<char32_t> parse(std::u16string_view digits, std::uint32_t radix) {
     return isNegative && value != 0 ? std::nullopt : std::optional<char32_t>(value);
 }
 
-/// The scalar that a reference of `name` means, none when it means nothing.
+/// The scalar that the reference `&name;` stands for; none if it stands for nothing.
 std::optional<char32_t> decode(std::u16string_view name) {
     if (name.starts_with(u'#')) {
         const bool isHexadecimal = name.starts_with(u"#x") || name.starts_with(u"#X");
@@ -134,8 +134,8 @@ struct Reference {
     const char16_t* end; ///< Just after its `;`.
 };
 
-/// The reference that starts with the `&` at `at`. Whatever else than ASCII stands between it and the `;`
-/// spoils the name, so that no more than the longest name is looked at.
+/// The reference that starts with the `&` at `at`. Only as many units as the longest name has are searched
+/// for the `;`: a character of several units would make the name invalid anyway.
 std::optional<Reference> referenceAt(const char16_t* at, const char16_t* end) {
     constexpr std::ptrdiff_t longestName = 10;
     const char16_t* const name = at + 1;
@@ -168,7 +168,7 @@ std::u16string Escaping::unescape(std::u16string text) {
     char16_t* const begin = text.data();
     const char16_t* const end = begin + text.size();
     const auto nextAmpersand = [end](const char16_t* from) { return findAny(from, end, u'&'); };
-    // A reference is longer than what it means, so the result never catches up with what is still to be read.
+    // A reference is longer than the scalar that replaces it, so writing never overtakes reading.
     char16_t* written = begin;
     const char16_t* read = begin;
     const auto keepUntil = [&](const char16_t* at) {
@@ -176,7 +176,7 @@ std::u16string Escaping::unescape(std::u16string text) {
         written += at - read;
     };
     for (const char16_t* at = nextAmpersand(begin); at != end;) {
-        // What stands before `read` is a `;` or nothing, and joins no `&`.
+        // Before `read` is a `;` or the start of the text, and neither forms one character with an `&`.
         const auto found = standsAlone(read, at, end) ? referenceAt(at, end) : std::nullopt;
         if (found) {
             keepUntil(at);

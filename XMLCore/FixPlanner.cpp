@@ -26,14 +26,16 @@ bool belongs(Rule rule, Stage stage) {
     return stage == Stage::everything || isEndTagRule(rule) == (stage == Stage::endTags);
 }
 
-/// Whether one of the edits replaces units, and the other changes these or adds to them.
+/// Whether the edits conflict: one of them replaces units, and the other changes these units or inserts next
+/// to them.
 bool clash(const TextEdit& first, const TextEdit& second) {
     const bool areInsertions = first.range.isEmpty() && second.range.isEmpty();
     return !areInsertions && first.range.lower <= second.range.upper &&
            second.range.lower <= first.range.upper;
 }
 
-/// The edits that rename end tags, by the index of the problem. `endTags` is told of the elements they end.
+/// The edits that rename end tags, by the index of the diagnostic. The elements that they close are claimed
+/// in `endTags`.
 std::unordered_map<std::size_t, TextEdit> renamings(const DocumentTree& tree, EndTagRepair& endTags) {
     std::unordered_map<std::size_t, TextEdit> edits;
     for (std::size_t index = 0; index < tree.diagnostics.size(); ++index) {
@@ -45,8 +47,9 @@ std::unordered_map<std::size_t, TextEdit> renamings(const DocumentTree& tree, En
     return edits;
 }
 
-/// The edits of the fixes of a stage, an end tag renamed where that does more than its fix. Of two fixes of
-/// the same piece of markup, one that removes it and one that adds to it, only the first is taken.
+/// The edits of the fixes of a stage. An end tag is renamed where that is possible, instead of its fix. Of
+/// two fixes that conflict, such as one that removes a piece of markup and one that adds to it, only the
+/// first is used.
 std::vector<TextEdit> catalogueEdits(const DocumentTree& tree, Stage stage) {
     const DiagnosticList& problems = tree.diagnostics;
     EndTagRepair endTags(tree);
@@ -54,9 +57,9 @@ std::vector<TextEdit> catalogueEdits(const DocumentTree& tree, Stage stage) {
     if (stage != Stage::markup) {
         renamed = renamings(tree, endTags);
     }
-    // Fixes replace the range of their problem or insert something, never inside the range of another fix. So
-    // only those of problems that start at the same offset can clash, as when an end tag that nothing needs
-    // (`</b` in `<a></b`) has no `>` either.
+    // A fix replaces the range of its diagnostic or inserts something, never inside the range of another fix.
+    // So only fixes of diagnostics that start at the same offset can conflict, as those of an unmatched end
+    // tag without `>` (`</b` in `<a></b`).
     std::vector<TextEdit> edits;
     std::size_t firstHere = 0;
     for (std::size_t index = 0; index < problems.size(); ++index) {
@@ -86,12 +89,12 @@ std::vector<TextEdit> editsOf(Stage stage, const DocumentTree& tree) {
     return stage == Stage::quotes ? QuoteRepair::edits(tree) : catalogueEdits(tree, stage);
 }
 
-/// The tree as the application reads it.
+/// Parses `text` as the application does.
 DocumentTree parsed(const SourceText& text, const std::stop_token& stop) {
     return TreeParser::parse(text, stop, {}, DoctypeReading::of(text));
 }
 
-/// A text on the way to one with fewer problems.
+/// An intermediate result: the changes made so far, and the tree of the text after them.
 struct Draft {
     EditComposition changes;
     DocumentTree tree;
@@ -107,7 +110,8 @@ bool fits(std::span<const TextEdit> edits, const SourceText& text) {
     return length <= std::numeric_limits<Offset>::max();
 }
 
-/// `draft` after one more stage; nothing if the stage changes nothing.
+/// `draft` after one more stage. None if the stage changes nothing, if the text would become too long, or if
+/// `stop` is requested.
 std::optional<Draft> next(const Draft& draft, Stage stage, const std::stop_token& stop) {
     const std::vector<TextEdit> edits = editsOf(stage, draft.tree);
     if (edits.empty() || !fits(edits, draft.tree.text) || stop.stop_requested()) {
@@ -143,7 +147,8 @@ std::vector<Diagnostic::Fix> FixPlanner::fixes(const DocumentTree& tree, std::si
 
 std::optional<FixPlanner::Plan> FixPlanner::plan(const SourceText& text, const std::stop_token& stop) {
     Draft best{EditComposition(text.count()), parsed(text, stop)};
-    // A stage may uncover problems that the next one mends: what counts is where it leads to.
+    // A stage may uncover problems that a later stage repairs, so a draft with more errors is kept until the
+    // last stage.
     std::optional<Draft> current;
     for (const Stage stage : stages) {
         auto changed = next(current ? *current : best, stage, stop);

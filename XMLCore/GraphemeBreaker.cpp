@@ -12,12 +12,12 @@ using enum UnicodeProperties::GraphemeBreak;
 using UnicodeProperties::graphemeBreak;
 using UnicodeProperties::GraphemeBreak;
 
-/// What two neighbouring scalars say about the place between them.
+/// What the properties of two adjacent scalars say about the position between them.
 enum class Junction : std::uint8_t {
     boundary,
     joined,
-    joinedInEmoji, ///< Joined when a pictograph, marks and the joiner come before.
-    joinedInFlag,  ///< Joined when the flag's second half comes next.
+    joinedInEmoji, ///< Joined if a pictograph, marks and the joiner come before.
+    joinedInFlag,  ///< Joined if the second half of a flag comes next.
 };
 
 constexpr bool isControl(GraphemeBreak property) {
@@ -76,13 +76,13 @@ Junction junction(GraphemeBreak before, GraphemeBreak after) {
     return junctions[static_cast<std::size_t>(before)][static_cast<std::size_t>(after)];
 }
 
-/// Whether nothing but CR and LF could join the two, as between all units of plain Latin text.
+/// Whether the units can be joined only if they are CR and LF. This holds for all units of plain Latin text.
 bool areUnremarkable(char16_t before, char16_t after) {
     return before < UnicodeProperties::Tables::firstRemarkable &&
            after < UnicodeProperties::Tables::firstRemarkable;
 }
 
-/// Whether a pictograph and any number of marks end at `at`.
+/// Whether a pictograph, followed by any number of marks, ends at `at`.
 bool endsPictograph(const char16_t* begin, const char16_t* at) {
     while (at != begin) {
         const char32_t scalar = UTF16::scalarBefore(begin, at);
@@ -95,7 +95,8 @@ bool endsPictograph(const char16_t* begin, const char16_t* at) {
     return false;
 }
 
-/// Whether the run of regional indicators that ends at `at` leaves a flag half done.
+/// Whether the run of regional indicators that ends at `at` has an odd length, so that its last one is the
+/// first half of a flag.
 bool endsHalfFlag(const char16_t* begin, const char16_t* at) {
     bool isHalf = false;
     while (at != begin) {

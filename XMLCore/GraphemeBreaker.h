@@ -7,27 +7,27 @@
 #include <iterator>
 #include <string_view>
 
-/// The characters that a reader sees: the extended grapheme clusters of Unicode 15.0. A lone surrogate is a
-/// character by itself. Offsets count UTF-16 units; those beyond the text stop the program.
+/// The characters as a reader sees them: the extended grapheme clusters of Unicode 15.0. A lone surrogate is
+/// a character by itself. Offsets count UTF-16 units; the program aborts if one lies beyond the text.
 namespace GraphemeBreaker {
 
-/// Whether a character starts or ends at `at`. Both ends of the text are boundaries, the middle of a
-/// surrogate pair is none. Looks back as far as a run of flags or of marks between joined emoji reaches,
-/// two scalars otherwise.
+/// Whether a character starts or ends at `at`. Both ends of the text are boundaries; the middle of a
+/// surrogate pair is not. Reads the two scalars around `at` and, between flags or joined emoji, the run of
+/// flags or of marks before `at`.
 bool isBoundary(std::u16string_view text, std::size_t at);
 
-/// The nearest boundary after `from`, itself a boundary or not; the end of the text when `from` is there.
-/// Who walks a whole text takes `Characters`.
+/// The first boundary after `from`, which need not be a boundary; the end of the text if `from` is there. To
+/// iterate over a whole text, use `Characters`.
 std::size_t nextBoundary(std::u16string_view text, std::size_t from);
 
-/// The nearest boundary before `from`, itself a boundary or not; 0 when `from` is 0.
+/// The last boundary before `from`, which need not be a boundary; 0 if `from` is 0.
 std::size_t previousBoundary(std::u16string_view text, std::size_t from);
 
-/// Finds the boundaries of a text that is fed to it scalar by scalar, wherever its units are kept. A
-/// constant time a scalar. It may start at any boundary of the text.
+/// Finds the boundaries of a text that is passed to it scalar by scalar, so the units may be stored anywhere.
+/// The first scalar must follow a boundary of the text. Takes constant time per scalar.
 class BoundaryFinder {
 public:
-    /// Whether a character starts with `scalar`, the next one of the text. The first always does.
+    /// Whether a character starts with `scalar`, the next one of the text. True for the first scalar.
     bool startsCharacter(char32_t scalar) {
         return startsCharacter(UnicodeProperties::graphemeBreak(scalar));
     }
@@ -35,22 +35,22 @@ public:
 private:
     using GraphemeBreak = UnicodeProperties::GraphemeBreak;
 
-    /// How much of "pictograph, marks, joiner" stands before the next scalar.
+    /// How much of the sequence "pictograph, marks, joiner" ends before the next scalar.
     enum class Emoji : std::uint8_t { none, pictograph, joiner };
 
     bool startsCharacter(GraphemeBreak property);
 
-    // As after a control, which nothing joins.
+    // The initial state is that after a control: no scalar is joined to a control.
     GraphemeBreak m_before = GraphemeBreak::control;
     Emoji m_emoji = Emoji::none;
     bool m_isHalfFlag = false;
 };
 
-/// Where the character that starts at `from` ends. `from` is a boundary before `end`, the text's end.
+/// The end of the character that starts at `from`, which is a boundary before `end`, the end of the text.
 const char16_t* characterEnd(const char16_t* from, const char16_t* end);
 
-/// The characters of a text in order, each as a view of `text`, whose storage it borrows. A walk looks at
-/// every unit a constant number of times.
+/// The characters of a text in order, each as a view that borrows the storage of `text`. Iterating takes time
+/// linear in the text.
 class Characters {
 public:
     class Iterator {

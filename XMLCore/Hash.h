@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <functional>
 
-/// One hash for all of `fields`, in order; what `std::hash` of a plain value is made of.
+/// One hash of all `fields`, in order. The specializations of `std::hash` for plain values use it.
 template <class... Fields>
 std::size_t hashOf(const Fields&... fields) {
     std::size_t hash = 0;
@@ -11,7 +11,7 @@ std::size_t hashOf(const Fields&... fields) {
     return hash;
 }
 
-/// One hash for all items of `list`, in order.
+/// One hash of all items of `list`, in order.
 template <class List>
 std::size_t hashOfList(const List& list) {
     std::size_t hash = 0;

@@ -13,9 +13,9 @@ using UnitScanBackward::nowhere;
 using UnitScanBackward::Position;
 
 constexpr std::array<std::u16string_view, 3> openers{u"<!--", u"<![CDATA[", u"<?"};
-constexpr char16_t maskingUnit = u'&'; ///< No markup by itself, no blank, no part of a name.
+constexpr char16_t maskingUnit = u'&'; ///< Opens no construct, is no white space and no part of a name.
 
-/// Tells, for one offset after the other backwards, whether a construct of the tree hides what stands there.
+/// Tells, for descending offsets, whether a construct of the tree contains the opener at an offset.
 class HidingConstructs {
 public:
     HidingConstructs(const HiddenOpeners::Knowledge& known, Offset end)
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    /// The construct around `at`, empty when there is none that is closed within what is known.
+    /// The range of the construct around `at`; empty if there is none that is closed within the known part.
     SourceRange around(Offset at) const {
         using Kind = TreeNode::Kind;
         if (at >= m_end) {

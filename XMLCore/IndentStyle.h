@@ -10,12 +10,14 @@ public:
     /// Four spaces.
     constexpr IndentStyle() = default;
 
+    /// `width` spaces, at least one.
     static constexpr IndentStyle spaces(int width) { return IndentStyle(width); }
     static constexpr IndentStyle tabs() { return IndentStyle(tabsWidth); }
 
-    /// What the first `maxLines` lines of the text use, four spaces when they tell nothing: tabs when more
-    /// lines start with a tab than with spaces, else the commonest step from one line's width to the next,
-    /// the smaller of two equally common ones.
+    /// The style of the first `maxLines` lines of the text: tabs if more lines start with a tab than with a
+    /// space, otherwise as many spaces as the most frequent difference between the indentations of two
+    /// consecutive lines, the smallest of several equally frequent ones. Differences of more than eight
+    /// spaces do not count. Four spaces if there is none.
     static IndentStyle detect(const SourceText& in, int maxLines);
 
     constexpr bool usesTabs() const { return m_width == tabsWidth; }

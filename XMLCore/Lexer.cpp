@@ -9,8 +9,8 @@ namespace {
 constexpr std::u16string_view commentOpener = u"<!--";
 constexpr std::u16string_view cdataOpener = u"<![CDATA[";
 
-/// Whether `unit` may stand in a character reference after `&#`. Deliberately loose: which digits and `x`
-/// make sense together is not the lexer's business.
+/// Whether `unit` may stand in a character reference after `&#`. Deliberately permissive: the lexer does not
+/// check which combinations of digits and `x` are valid.
 bool isReferenceDigit(char16_t unit) {
     return (u'0' <= unit && unit <= u'9') || (u'a' <= unit && unit <= u'f') ||
            (u'A' <= unit && unit <= u'F') || unit == u'x' || unit == u'X';

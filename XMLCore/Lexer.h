@@ -13,11 +13,11 @@
 #include <string_view>
 #include <vector>
 
-/// Cuts UTF-16 text into tokens: a small state machine that never allocates, never fails and reports
-/// nothing. What it cannot classify becomes an `invalid` token. Tokens come in increasing order, are never
-/// empty and never overlap; white space inside tags belongs to none.
+/// Splits UTF-16 text into tokens: a small state machine that does not allocate memory, cannot fail and
+/// reports no problems. What it cannot classify becomes an `invalid` token. Tokens are in ascending order,
+/// are not empty and do not overlap; white space inside tags belongs to no token.
 ///
-/// Units are looked at one by one, surrogates included: every unit of 128 and above counts as a letter.
+/// Units are classified one by one, surrogates included: every unit from 128 on counts as a letter.
 class Lexer {
 public:
     enum class Mode : std::uint8_t {
@@ -26,69 +26,70 @@ public:
         tag,     ///< Inside a start or end tag, after its name.
     };
 
-    std::u16string_view units;   ///< The whole text; borrowed. Not to be changed any more, nor is `end`.
+    std::u16string_view units;   ///< The whole text; borrowed. Constant, as is `end`.
     std::ptrdiff_t end = 0;      ///< Where lexing stops.
     std::ptrdiff_t position = 0; ///< The next offset to read.
     Mode mode = Mode::content;
-    /// Where the document type declaration of `units` ends; by default that is found by the letter.
+    /// Where the document type declaration of `units` ends; by default the strict rule applies.
     DoctypeReading doctype;
 
-    /// A lexer over all of `wholeText`, in content. `index` is its working space, borrowed: nobody else may
-    /// use it meanwhile, and what an earlier lexer left in it does not matter.
+    /// A lexer for all of `wholeText` that starts in content. `index` is borrowed as working space: no other
+    /// lexer may use it at the same time, and its previous contents do not matter.
     Lexer(std::u16string_view wholeText, UnitIndex& index)
         : Lexer(wholeText, index, 0, static_cast<std::ptrdiff_t>(wholeText.size()), Mode::content) {}
 
-    /// A lexer over the units from `start` to `stop`, which lie inside the text.
+    /// A lexer for the units `start ..< stop`, a range inside `wholeText`.
     Lexer(std::u16string_view wholeText, UnitIndex& index, std::ptrdiff_t start, std::ptrdiff_t stop,
           Mode startMode)
         : units(wholeText), end(stop), position(start), mode(startMode), m_index(&index),
           m_flags(index.begin()) {}
 
-    /// The next token, or none at the end (inside a tag: when only white space remains).
+    /// The next token; none at the end, and inside a tag also if only white space remains.
     std::optional<Token> next();
 
-    /// What `scan` answers instead of a kind when there is no next token.
+    /// The result of `scan` if there is no next token.
     static constexpr auto noToken = static_cast<Token::Kind>(0xFF);
 
-    /// `next()` in the form that the parser's inner loop needs, all in registers: answers the kind, and the
-    /// token covers `start ..< position`.
+    /// `next()` in the form that the parser's inner loop needs, with all results in registers: returns the
+    /// kind, and the token covers `start ..< position`.
     Token::Kind scan(std::ptrdiff_t& start);
 
-    /// `scan` for those who know the mode.
+    /// `scan` for a known mode.
     Token::Kind scanContent(std::ptrdiff_t& start);
     Token::Kind scanTagName(std::ptrdiff_t& start);
     Token::Kind scanTag(std::ptrdiff_t& start);
 
-    /// `scanTag` where an `attributeValue` comes next in all likelihood.
+    /// `scanTag`, faster if an `attributeValue` comes next.
     Token::Kind scanValue(std::ptrdiff_t& start);
 
-    // Shortcuts for what mostly comes next. Each takes the tokens that it names when they stand right at
-    // `position`, no white space before or between them, and otherwise changes nothing and answers false.
+    // Shortcuts for the tokens that usually come next. Each consumes the tokens that it names and returns
+    // true if they are directly at `position`, without white space before or between them. Otherwise it
+    // returns false and consumes nothing.
 
-    /// In a start tag after its `<`: the `tagName`, which covers `start ..< position`. The mode is `tag`
-    /// then, whatever stands there.
+    /// In a start tag after its `<`: the `tagName`, which covers `start ..< position`. Sets the mode to `tag`
+    /// in any case.
     bool takeTagName(std::ptrdiff_t& start);
     /// The `equals` between an attribute's name and its value.
     bool takeEquals();
     /// In an end tag after its `</`: a `tagName` with the units of `expected`, and the `tagEnd`.
     bool takeEndTagRest(SourceRange expected);
 
-    /// Whether the `text` that `scanContent` has just found holds anything but white space.
+    /// Whether the `text` token that `scanContent` has just returned contains anything but white space.
     bool textHasContent() const { return m_textContent < position; }
 
-    /// Goes back to a token that starts at `start`, to be read again in `inMode`.
+    /// Goes back to a token that starts at `start`, which is then read again in mode `inMode`.
     void rewind(std::ptrdiff_t start, Mode inMode) {
         position = start;
         mode = inMode;
     }
 
-    /// All tokens of `range` of the text, read from its start as content. Stops the program when the range
-    /// reaches beyond the text.
+    /// All tokens of `range` of the text. Lexing starts in content. Aborts if the range reaches beyond the
+    /// text.
     static std::vector<Token> tokens(const SourceText& in, SourceRange range, DoctypeReading doctype = {});
     static std::vector<Token> tokens(const SourceText& in) { return tokens(in, in.fullRange()); }
 
-    /// Whether `name` is a name for elements and attributes: not empty, a name-start unit first, name units
-    /// after it. Reserved prefixes and Unicode's own classes are not looked at.
+    /// Whether `name` is a valid name for elements and attributes: a name-start unit, followed by name units.
+    /// Reserved prefixes and the character classes of Unicode are not checked.
     static bool isValidName(std::u16string_view name);
 
 private:
@@ -100,7 +101,7 @@ private:
         return kind;
     }
 
-    /// A token that is worth a function call.
+    /// The result of the functions for rare tokens, which are not inlined.
     struct Rare {
         Token::Kind kind;
         std::ptrdiff_t upper;
@@ -112,11 +113,12 @@ private:
     Token::Kind takeValue(std::ptrdiff_t from, char16_t quote);
 
     UnitIndex* m_index;
-    const UnitFlags* m_flags; ///< Those of the index that are at work.
-    /// The offset of the first unit that they tell of. At first far enough before the text that not even the
-    /// flags after them are taken for the text's: the index may still hold another one's.
+    const UnitFlags* m_flags; ///< The current flags of the index.
+    /// The offset of the first unit that the current flags describe. The initial value lies so far before the
+    /// text that neither the current flags nor the next ones are used for it: the index may still contain
+    /// those of another text.
     std::ptrdiff_t m_flagsLower = -2 * UnitIndex::flagsLength;
-    std::ptrdiff_t m_textContent = 0; ///< Where the white space that the last text starts with ends.
+    std::ptrdiff_t m_textContent = 0; ///< The end of the leading white space of the last text.
 };
 
 inline std::optional<Token> Lexer::next() {
@@ -128,7 +130,7 @@ inline std::optional<Token> Lexer::next() {
     return Token{kind, SourceRange::unchecked(static_cast<Offset>(start), static_cast<Offset>(position))};
 }
 
-/// The first unit from `from` on that has one of `flags`, or `end`.
+/// The offset of the first unit from `from` on whose bit in `flags` is set, or `end`.
 TAMO_ALWAYS_INLINE std::ptrdiff_t Lexer::find(std::uint64_t UnitFlags::* flags, std::ptrdiff_t from) {
     const auto index = static_cast<std::size_t>(from - m_flagsLower);
     std::uint64_t rest = index < UnitIndex::flagsLength ? m_flags->*flags >> index : 0;
@@ -140,7 +142,7 @@ TAMO_ALWAYS_INLINE std::ptrdiff_t Lexer::find(std::uint64_t UnitFlags::* flags, 
     return from + std::countr_zero(rest);
 }
 
-/// Goes on to the flags of the next units, or to those of `from` where these are others.
+/// Moves on to the flags of the next units, or to those of `from` if it lies beyond them.
 TAMO_ALWAYS_INLINE void Lexer::nextFlags(std::ptrdiff_t from) {
     const auto index = static_cast<std::size_t>(from - m_flagsLower);
     if (index < 2 * UnitIndex::flagsLength && m_flags + 1 != m_index->end()) [[likely]] {
@@ -148,7 +150,7 @@ TAMO_ALWAYS_INLINE void Lexer::nextFlags(std::ptrdiff_t from) {
         m_flagsLower += UnitIndex::flagsLength;
         return;
     }
-    // Who jumps here may soon be done; who comes from the units before goes on.
+    // After a jump, few units may be needed; after the units before, probably many.
     const bool isNext = index < UnitIndex::flagsLength;
     m_flagsLower = isNext ? m_flagsLower + UnitIndex::flagsLength : from & ~(UnitIndex::flagsLength - 1);
     m_flags = m_index->begin();
@@ -237,7 +239,8 @@ TAMO_ALWAYS_INLINE bool Lexer::takeEndTagRest(SourceRange expected) {
     return true;
 }
 
-/// The quoted value that starts at `from` and ends with `quote`, the mark that stands there.
+/// Consumes the value whose opening quote, `quote`, is at `from`: up to the next `quote`, or to the `<` or
+/// the end that comes before it.
 TAMO_ALWAYS_INLINE Token::Kind Lexer::takeValue(std::ptrdiff_t from, char16_t quote) {
     std::ptrdiff_t stop = from;
     do {
@@ -279,7 +282,7 @@ TAMO_ALWAYS_INLINE Token::Kind Lexer::scanTag(std::ptrdiff_t& start) {
     return unit == u'<' ? takeMarkup() : take(Token::Kind::invalid, position + 1);
 }
 
-/// The token that starts with the `<` at `position`.
+/// Consumes the token that starts with the `<` at `position`.
 TAMO_ALWAYS_INLINE Token::Kind Lexer::takeMarkup() {
     const Rare token = markup(units, position, end, doctype);
     const bool opensTag = token.kind == Token::Kind::openTagStart || token.kind == Token::Kind::closeTagStart;

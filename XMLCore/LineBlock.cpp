@@ -10,12 +10,12 @@ namespace {
 
 using LineBlock::Change;
 
-/// The unit of the selection that is last, or the caret's.
+/// The offset of the last unit of the selection; for a caret, its offset.
 Offset lastSelected(SourceRange selection) {
     return selection.isEmpty() ? selection.upper : selection.upper - 1;
 }
 
-/// Asks `editLine` for the edit of each line of `selection`, by the line's start.
+/// The edits that `editLine` returns for the lines of `selection`. It is called with the start of each line.
 template <class EditLine>
 std::vector<TextEdit> editLines(const SourceText& in, SourceRange selection, EditLine editLine) {
     std::vector<TextEdit> edits;
@@ -34,8 +34,8 @@ std::vector<TextEdit> editLines(const SourceText& in, SourceRange selection, Edi
     return edits;
 }
 
-/// `edits` with the selection they leave: its start moves by `firstDelta`, but not to an earlier line, and
-/// its end by all that they change.
+/// `edits` with the selection after them: its start moves by `firstDelta`, but not to an earlier line; its
+/// end moves by the sum of all changes in length. None if there are no edits.
 std::optional<Change> change(std::vector<TextEdit> edits, const SourceText& in, SourceRange selection,
                              std::int64_t firstDelta) {
     if (edits.empty()) {
@@ -51,7 +51,7 @@ std::optional<Change> change(std::vector<TextEdit> edits, const SourceText& in, 
     return Change{std::move(edits), {lower, upper}};
 }
 
-/// The lines of `selection` without the spaces and tabs before and all white space after.
+/// The lines of `selection` without spaces and tabs before and without any white space after.
 SourceRange core(const SourceText& in, SourceRange selection) {
     const SourceRange block = LineBlock::lines(in, selection);
     const std::u16string_view units = in.units(block);
@@ -72,7 +72,8 @@ Change comment(SourceRange core) {
             {core.lower, core.upper + std::ssize(opener) + std::ssize(closer)}};
 }
 
-/// Takes the comment marks off `comment`, with the spaces inside them that they do not share.
+/// Removes the delimiters of `comment`, each with one space inside it. If there is only one space, the opener
+/// takes it.
 Change uncomment(const SourceText& in, SourceRange comment) {
     const std::u16string_view units = in.units(comment);
     const Offset opener = units.starts_with(u"<!-- ") ? 5 : 4;

@@ -7,11 +7,12 @@
 #include <string_view>
 #include <vector>
 
-/// What is done to whole lines. The lines of a selection go from that of its start to that of its last unit:
-/// one that ends at the start of a line leaves that line out. A caret has the line that it is on.
+/// Commands for whole lines. The lines of a selection are those from the line of its start to the line of its
+/// last unit: a selection that ends at the start of a line does not include that line. For a caret it is the
+/// line that contains it.
 namespace LineBlock {
 
-/// Edits, and what is selected after them.
+/// Edits, and the selection in the text after them.
 struct Change {
     std::vector<TextEdit> edits;
     SourceRange selection;
@@ -19,14 +20,14 @@ struct Change {
     bool operator==(const Change&) const = default;
 };
 
-/// The lines of `selection`, without the line break of the last.
+/// The range of the lines of `selection`, without the line break of the last line.
 SourceRange lines(const SourceText& in, SourceRange selection);
 
-/// Every line starts with one `unit` more; empty ones stay as they are unless the caret is there. None when
+/// Inserts `unit` at the start of each line. An empty line is left out, unless it is the caret's. None if
 /// nothing changes.
 std::optional<Change> indent(const SourceText& in, SourceRange selection, std::u16string_view unit);
 
-/// Every line loses the tab, or up to as many spaces as `unit` has characters, that it starts with. None when
+/// Removes from the start of each line a tab, or its spaces, but no more than `unit` has units. None if
 /// nothing changes.
 std::optional<Change> outdent(const SourceText& in, SourceRange selection, std::u16string_view unit);
 

@@ -22,7 +22,7 @@ std::unexpected<Failure> invalidName(std::u16string_view name) {
 std::u16string startTag(std::u16string_view name) { return std::u16string(u"<").append(name).append(u">"); }
 std::u16string endTag(std::u16string_view name) { return std::u16string(u"</").append(name).append(u">"); }
 
-/// `text` as a comment may hold it: no hyphen follows another.
+/// `text` as the content of a comment: a space is inserted between two adjacent hyphens.
 std::u16string commentText(std::u16string_view text) {
     std::u16string result;
     for (const char16_t unit : text) {
@@ -34,7 +34,7 @@ std::u16string commentText(std::u16string_view text) {
     return result;
 }
 
-/// `text` as a CDATA section may hold it: where it would end the section, one section ends and another
+/// `text` as the content of a CDATA section: before the `>` of each `]]>`, one section ends and another
 /// starts.
 std::u16string cdataText(std::u16string_view text) {
     std::u16string result;
@@ -71,7 +71,7 @@ public:
         return plan;
     }
 
-    /// The value of an attribute is replaced inside its quotes; a new attribute goes behind the others.
+    /// Replaces the value of the attribute inside its quotes; adds a new attribute after the others.
     Result operator()(const TreeMutation::SetAttribute& set) const {
         const auto id = elementTaking(set.name, set.path);
         if (!id) {
@@ -104,7 +104,7 @@ public:
         return planAt(*id, {attribute->name, rename.newName});
     }
 
-    /// The white space before the attribute goes with it, unless it is all that keeps two names apart.
+    /// Also removes the white space before the attribute, unless nothing else separates two names.
     Result operator()(const TreeMutation::RemoveAttribute& remove) const {
         const auto id = element(remove.path);
         if (!id) {
@@ -243,7 +243,7 @@ private:
         return id && !m_tree[*id].isElement() ? failure(NotAnElement()) : id;
     }
 
-    /// The element at `path`, if `newName` is a name at all.
+    /// The element at `path`; fails if `newName` is not a valid name.
     std::expected<NodeID, Failure> elementTaking(const std::u16string& newName, const NodePath& path) const {
         if (!Lexer::isValidName(newName)) {
             return invalidName(newName);
@@ -256,17 +256,18 @@ private:
         return id && *id == NodeID::document() ? failure(InvalidTarget()) : id;
     }
 
-    /// Whether what ends at `end` and what begins at `start` would be one name if they met: nothing but
-    /// faulty markup, such as a value without quotes, follows an attribute so closely.
+    /// Whether the units before `end` and from `start` on would form one name without the units between them.
+    /// This occurs only in malformed markup: for example, if an unquoted value directly follows the
+    /// attribute.
     bool wouldJoinNames(Offset end, Offset start) const {
         const std::u16string_view text = m_text.units();
         return start < text.size() && UnitScan::isName(text[end - 1]) && UnitScan::isName(text[start]);
     }
 
-    /// One edit that leaves the start of `id` where it is, and `id` selected.
+    /// A plan with one edit that does not move the start of `id`, and that selects `id`.
     Plan planAt(NodeID id, TextEdit edit) const { return {{std::move(edit)}, m_tree[id].range.lower}; }
 
-    /// Puts the source of a node into or beside `target`, and selects it.
+    /// Inserts the source of a node into or beside `target`, and selects the new node.
     Result insertion(const std::u16string& source, NodeID target, Placement placement) const {
         NodeLayout layout(m_tree, m_indent);
         const auto insertion = NodeInsertion::plan(source, target, placement, m_tree, layout);
@@ -276,7 +277,8 @@ private:
         return Plan{{insertion->edit}, insertion->nodeStart()};
     }
 
-    /// Where the node next to the deleted one begins, or its parent when it is alone.
+    /// Where the next sibling of the deleted node starts; without one, the previous sibling; without one, the
+    /// parent. None for the document.
     std::optional<Offset> selectionAfter(const TextEdit& deletion, NodeID deleted) const {
         const NodeID next = m_tree[deleted].nextSibling;
         const std::optional<NodeID> previous = m_tree.previousSibling(deleted);
@@ -290,8 +292,8 @@ private:
                                               : std::optional(map(m_tree[selected].range.lower, deletion));
     }
 
-    /// Where a text begins that lost its start, and whatever stood between it and `previous`: it takes in all
-    /// that is left between the two, and `previous` too when that is a text.
+    /// Where a text starts after a deletion that includes its start: it then also includes all units left
+    /// between `previous` and itself, and `previous` if that is a text.
     Offset textStart(std::optional<NodeID> previous, NodeID parent) const {
         if (!previous) {
             return m_tree[parent].contentRange.lower;

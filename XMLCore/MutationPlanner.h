@@ -11,49 +11,51 @@
 #include <variant>
 #include <vector>
 
-/// Turns a change of the tree into edits of the text. Whatever the change does not touch stays as it is, to
-/// the last unit.
+/// Turns a change of the tree into edits of the text. All units that the change does not concern stay as they
+/// are.
 namespace MutationPlanner {
 
 /// The edits that carry a mutation out.
 struct Plan {
-    /// In the coordinates of the text before all of them. They never overlap, and may stand in any order.
+    /// In the coordinates of the text before any of them. They do not overlap, and may be in any order.
     std::vector<TextEdit> edits;
-    /// Where the node to select afterwards begins in the text after the edits; none when there is none.
+    /// The offset, in the text after the edits, at which the node to select starts; none if no node is to be
+    /// selected.
     std::optional<Offset> selectOffset;
 
     bool operator==(const Plan&) const = default;
 };
 
-/// A new name that is no name.
+/// The new name is not a valid name.
 struct InvalidName {
     std::u16string name;
     bool operator==(const InvalidName&) const = default;
 };
-/// A new name that another attribute of the element has already.
+/// Another attribute of the element already has the new name.
 struct DuplicateAttribute {
     std::u16string name;
     bool operator==(const DuplicateAttribute&) const = default;
 };
-/// No node stands at a path, or its element has no attribute of that name.
+/// There is no node at the path, or its element has no attribute of the name.
 struct NodeNotFound {
     bool operator==(const NodeNotFound&) const = default;
 };
-/// Only an element can have that done.
+/// The mutation needs an element, and the node is not an element.
 struct NotAnElement {
     bool operator==(const NotAnElement&) const = default;
 };
-/// That node cannot have that done, or not there.
+/// The mutation is not possible for the node, or not at that place.
 struct InvalidTarget {
     bool operator==(const InvalidTarget&) const = default;
 };
 
-/// Why a mutation cannot be carried out. Names are as shown, lone surrogates replaced.
+/// Why a mutation is not possible. Names are ready for display: lone surrogates are replaced.
 using Failure = std::variant<InvalidName, DuplicateAttribute, NodeNotFound, NotAnElement, InvalidTarget>;
 
-/// The plan for `mutation` of the document `in`; new lines are indented by units of `indent`. Of several
-/// causes of failure the first one is told: first names, then paths, then kinds of nodes. Takes time in
-/// proportion to the source of the node at hand, not to the document. May run on any thread.
+/// The plan for `mutation` of the document `in`; new lines are indented by units of `indent`. If there are
+/// several causes of failure, the first is returned; names are checked first, then paths, then kinds of
+/// nodes. The time depends on the node concerned, its line and the siblings along its path, not on the rest
+/// of the document. May run on any thread.
 std::expected<Plan, Failure> plan(const TreeMutation& mutation, const DocumentTree& in, IndentStyle indent);
 
 } // namespace MutationPlanner

@@ -21,8 +21,8 @@ std::size_t slips(std::size_t length) {
     return length <= mediumName ? 1 : 2;
 }
 
-/// Whether at most `slips` slips turn one name into the other. Each slip tries four ways to go on, and there
-/// are at most two of them, so the names are read a bounded number of times.
+/// Whether at most `slips` typing errors turn one name into the other. After each error there are four ways
+/// to continue, and there are at most two errors, so each unit is read a bounded number of times.
 bool differByAtMost(std::size_t slips, std::u16string_view first, std::u16string_view second) {
     const auto same = std::ranges::mismatch(first, second, isSame).in1 - first.begin();
     first.remove_prefix(static_cast<std::size_t>(same));

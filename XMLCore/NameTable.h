@@ -13,10 +13,10 @@ public:
     /// `units` is the text that the names lie in; borrowed.
     explicit NameTable(std::u16string_view units) : m_units(units) {}
 
-    /// The number of `name`, a new one when it was not met before.
+    /// The number of `name`; a new name gets the next number.
     std::uint32_t number(SourceRange name);
 
-    /// The number of a name with these units.
+    /// The number of the name with the units of `name`; none if the table does not contain it.
     std::optional<std::uint32_t> find(std::u16string_view name) const;
 
 private:
@@ -28,7 +28,7 @@ private:
 
     std::u16string_view units(SourceRange name) const { return m_units.substr(name.lower, name.length()); }
 
-    /// The slot of `name`, or the unused one where it belongs.
+    /// The index of the slot of `name`, or of the unused slot in which it belongs.
     std::size_t slot(std::u16string_view name, std::uint32_t hash) const;
     void grow();
 

@@ -4,7 +4,7 @@ namespace {
 
 using Placement = TreeMutation::Placement;
 
-/// Works out one insertion.
+/// Computes one insertion.
 class Insertion {
 public:
     Insertion(const std::u16string& source, const DocumentTree& tree, NodeLayout& layout)
@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    /// A target that starts its line moves down to one of its own.
+    /// A target that starts its line moves to a new line below.
     NodeInsertion before(NodeID target) {
         std::u16string replacement = m_source;
         if (m_layout.startsLine(target)) {
@@ -70,7 +70,7 @@ private:
         return {fillSelfClosing(element, prefix + m_source + suffix, m_tree), length(prefix) + tagEndLength};
     }
 
-    /// Into an element without other children than texts and CDATA sections.
+    /// The insertion into an element whose children are all texts or CDATA sections.
     NodeInsertion intoText(NodeID element) {
         const SourceRange content = m_tree[element].contentRange;
         const std::u16string prefix = lineStart(m_layout.childIndentation(element));

@@ -8,23 +8,23 @@
 #include <string>
 #include <string_view>
 
-/// The edit that puts the source of a node somewhere into a document.
+/// The edit that inserts the source of a node into a document.
 struct NodeInsertion {
     TextEdit edit;
-    Offset prefixLength = 0; ///< How much layout the replacement holds before the node.
+    Offset prefixLength = 0; ///< The number of units before the node in the replacement.
 
-    /// Where the node begins once nothing but this edit was applied.
+    /// The offset at which the node starts after this edit alone has been applied.
     Offset nodeStart() const { return edit.range.lower + prefixLength; }
 
-    /// The insertion of `source` into or beside `target`. A node that starts its line keeps a line to itself;
-    /// what goes into an empty element gets a line of its own, one level deeper. An element that holds only
-    /// text takes a last child as a first one, before its text. None when something other than an element or
-    /// the document is to take a child.
+    /// The insertion of `source` into or beside `target`. A new node beside a node that starts its line gets
+    /// a line of its own; in an empty element it gets a line of its own, one level deeper. In an element that
+    /// contains only text, a last child is inserted like a first child, before the text. None if `target` is
+    /// to get a child but is neither an element nor the document.
     static std::optional<NodeInsertion> plan(const std::u16string& source, NodeID target,
                                              TreeMutation::Placement placement, const DocumentTree& in,
                                              NodeLayout& layout);
 };
 
-/// The edit that gives a self-closing element a content: `<a/>` becomes `<a>content</a>`. A start tag that
-/// was cut off has no `/>` to be replaced, and gets the rest behind it.
+/// The edit that gives content to a self-closing element: `<a/>` becomes `<a>content</a>`. A start tag that
+/// was cut off has no `/>` to be replaced; the rest is inserted after it.
 TextEdit fillSelfClosing(NodeID element, std::u16string_view content, const DocumentTree& in);

@@ -8,13 +8,13 @@ namespace {
 
 bool isBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
 
-/// The position of the first LF of `text` from `from` on, or its end.
+/// The offset of the first LF of `text` from `from` on, or the end of `text`.
 std::size_t findLineFeed(std::u16string_view text, std::size_t from) {
     return static_cast<std::size_t>(UnitScan::findAny(text.data(), static_cast<std::ptrdiff_t>(from),
                                                       static_cast<std::ptrdiff_t>(text.size()), u'\n'));
 }
 
-/// Where the spaces and tabs before `at` begin.
+/// The start of the spaces and tabs before `at`.
 Offset blankStart(std::u16string_view text, Offset at) {
     while (at > 0 && isBlank(text[at - 1])) {
         --at;
@@ -22,7 +22,7 @@ Offset blankStart(std::u16string_view text, Offset at) {
     return at;
 }
 
-/// Where the spaces and tabs from `at` on end.
+/// The end of the spaces and tabs from `at` on.
 Offset blankEnd(std::u16string_view text, Offset at) {
     while (at < text.size() && isBlank(text[at])) {
         ++at;
@@ -30,7 +30,7 @@ Offset blankEnd(std::u16string_view text, Offset at) {
     return at;
 }
 
-/// Where the LF that stands before `lineStart` begins, or its CR.
+/// The start of the line break before `lineStart`: of the LF, or of the CR before it.
 Offset lineBreakStart(std::u16string_view text, Offset lineStart) {
     return text.substr(0, lineStart).ends_with(u"\r\n") ? lineStart - 2 : lineStart - 1;
 }
@@ -46,7 +46,7 @@ bool NodeLayout::startsLine(NodeID node) const {
     const Offset start = m_tree[node].range.lower;
     const Offset blank = blankStart(text, start);
     const bool isAtLineStart = blank == 0 || text[blank - 1] == u'\n';
-    // A text may itself begin with the line's indentation, and then stands amid it.
+    // A text may itself begin with spaces and tabs: then it starts inside the indentation of its line.
     return isAtLineStart && blankEnd(text, start) == start;
 }
 
@@ -88,7 +88,7 @@ SourceRange NodeLayout::deletionRange(NodeID node) const {
     return range;
 }
 
-/// Looks only at what the line asked for last does not tell already.
+/// The start of the line that contains `at`. Reads only the units that the remembered line does not cover.
 Offset NodeLayout::lineStart(Offset at) {
     const bool isInLine =
         m_line.lower <= at &&

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The name of `element`, and its place among the siblings of that name when there are any.
+/// The name of `element`, followed by its position among the siblings of that name if there are others.
 std::u16string elementStep(const DocumentTree& tree, NodeID element) {
     const SourceRange name = tree[element].nameRange;
     std::size_t position = 0;
@@ -27,7 +27,7 @@ std::u16string elementStep(const DocumentTree& tree, NodeID element) {
     return step;
 }
 
-/// How the display path names `node`, which is not the document.
+/// The step of the displayed path for `node`, which is not the document.
 std::u16string step(const DocumentTree& tree, NodeID node) {
     switch (tree[node].kind) {
     case TreeNode::Kind::element:
@@ -42,7 +42,7 @@ std::u16string step(const DocumentTree& tree, NodeID node) {
     }
 }
 
-/// The nodes from below the document down to `node`, which comes last.
+/// The nodes on the way from the document (excluded) down to `node` (included).
 std::vector<NodeID> lineage(const DocumentTree& tree, NodeID node) {
     std::vector<NodeID> nodes;
     for (; node != NodeID::document(); node = tree[node].parent) {

@@ -9,14 +9,17 @@
 #include <string>
 #include <vector>
 
-/// Where a node stands: its position, counted from 0, among the children of each node on the way down from
-/// the document. Node ids change with every parse; a path finds the node again in the next tree.
+/// The position of a node in a tree: its index, counted from 0, among the children of each node on the way
+/// down from the document. Node IDs change with every parse; a path finds the node at the same position in
+/// the next tree.
 ///
-/// The empty path is the document. Paths order as their nodes do in the document, a node before its children.
+///
+/// The empty path is that of the document. Paths are ordered as their nodes are in the document: a node comes
+/// before its children.
 struct NodePath {
     std::vector<std::uint32_t> indices;
 
-    /// Whether `node` is the path of a node inside this path's node; no node is inside itself.
+    /// Whether the node at the path `node` is a descendant of the node at this path.
     bool contains(const NodePath& node) const;
 
     /// "/0/2/1", or "/" for the document.

@@ -28,7 +28,7 @@ constexpr auto foldingTable = [] {
 
 constexpr char16_t fold(char16_t unit) { return unit <= lastAccented ? foldingTable[unit] : unit; }
 
-/// A folded query, ready to be looked for in time linear in the text.
+/// A folded query, prepared so that a search takes time linear in the text.
 class Query {
 public:
     /// `query` is not empty.
@@ -43,11 +43,12 @@ public:
     std::size_t length() const { return m_units.size(); }
     bool occurs(std::u16string_view in) const { return firstEnd(in).has_value(); }
 
-    /// Where the first occurrence ends.
+    /// The end of the first occurrence in `in`.
     std::optional<std::size_t> firstEnd(std::u16string_view in) const;
 
 private:
-    /// How many units of the query are matched once `unit`, a folded one, follows `matched` of them.
+    /// The number of matched units of the query after `unit`, which is folded, follows `matched` matched
+    /// units.
     std::size_t matchedAfter(char16_t unit, std::size_t matched) const {
         while (matched > 0 && m_units[matched] != unit) {
             matched = m_fallback[matched - 1];
@@ -55,17 +56,19 @@ private:
         return m_units[matched] == unit ? matched + 1 : 0;
     }
 
-    /// The first unit of `units` from `from` on that may fold to the query's first, as accented ones may.
+    /// The offset of the first unit from `from` on that may fold to the first unit of the query; every
+    /// accented letter may.
     std::ptrdiff_t findCandidate(std::u16string_view units, std::ptrdiff_t from) const;
 
     std::u16string m_units;
-    /// For each stretch of the query from its start, by its last unit: how many units at its end are again
-    /// the query's start.
+    /// Failure table: for each prefix of the query, at the index of its last unit, the length of its longest
+    /// proper border.
     std::vector<std::size_t> m_fallback;
 };
 
 std::ptrdiff_t Query::findCandidate(std::u16string_view units, std::ptrdiff_t from) const {
-    // Setting this bit folds the case of letters and makes a few others equal, which are then refused.
+    // Setting this bit folds the case of letters. It also makes a few other units equal; the exact comparison
+    // rejects them later.
     constexpr char16_t caseBit = 0x20;
     const char16_t first = m_units.front() | caseBit;
     return UnitScan::find(

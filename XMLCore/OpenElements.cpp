@@ -26,7 +26,7 @@ void OpenElements::indexAll() {
         if (number == m_nearest.size()) {
             m_nearest.push_back(none);
         }
-        // The document, at position 0, is no element to be found.
+        // The document, at position 0, must not be found.
         m_indexed.push_back({number, position == 0 ? none : std::exchange(m_nearest[number], position)});
     }
 }

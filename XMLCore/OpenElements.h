@@ -13,12 +13,12 @@
 /// An element, or the document, that the parser has not closed yet.
 struct OpenElement {
     std::uint32_t node = 0;
-    std::uint32_t lastChild = 0; ///< The last child appended so far; meaningless without children.
+    std::uint32_t lastChild = 0; ///< The last child appended so far; unspecified without children.
     std::uint32_t childCount = 0;
     SourceRange name;
 };
 
-/// The open elements of a parse, the document at the bottom, the innermost on top.
+/// The stack of open elements of a parse: the document at the bottom, the innermost element at the top.
 class OpenElements {
 public:
     /// `units` is the text that the elements' names lie in; borrowed.
@@ -36,8 +36,9 @@ public:
         m_elements.removeLast();
     }
 
-    /// The position of the nearest element with exactly this name, the document left out. The whole parse
-    /// spends time linear in the text on this, however deep the elements are nested.
+    /// The position in the stack, counted from the bottom, of the innermost element with exactly this name;
+    /// the document is ignored. None if there is no such element. All calls of a parse together take time
+    /// linear in the text, however deep the elements are nested.
     std::optional<std::size_t> nearest(std::u16string_view named);
 
 private:
@@ -52,10 +53,10 @@ private:
     std::u16string_view m_units;
     RecordArray<OpenElement> m_elements;
 
-    // What finds elements deep below the top: for every name, by its number, the nearest position in the
-    // stack, and for every position the number of its name and the next position below it of the same name.
-    // Covers the bottom `m_indexed.size()` elements, and grows only when a search reaches below the few that
-    // it compares one by one.
+    // An index of the lower part of the stack. For each name, by its number: the highest indexed position
+    // with this name. For each indexed position: the number of its name and the next lower position with the
+    // same name. The index covers the lowest `m_indexed.size()` positions. It grows only if a search does not
+    // succeed among the top positions, which are compared one by one.
     struct Indexed {
         std::uint32_t name;
         std::uint32_t nextOfSameName;

@@ -14,7 +14,7 @@ std::optional<SourceRange> PlaceholderTracker::next() {
     if (!isActive()) {
         return std::nullopt;
     }
-    // The last stop ends tracking, so there is a next one as long as there are stops.
+    // The tracker becomes inactive at the last stop, so an active one always has a next stop.
     ++m_current;
     const SourceRange stop = m_stops[m_current];
     if (m_current + 1 == m_stops.size()) {

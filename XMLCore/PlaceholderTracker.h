@@ -6,24 +6,24 @@
 #include <optional>
 #include <vector>
 
-/// The stops of a snippet that was inserted into a document: hands them out one by one and keeps them in step
-/// with the edits of the document. Inactive, without stops, until `start` and again once the last stop was
-/// handed out.
+/// The stops of a snippet that was inserted into a document. Returns them one by one, and adjusts them to the
+/// edits of the document. Inactive, without stops, before `start` and after the last stop has been returned.
 class PlaceholderTracker {
 public:
-    /// Starts at the first of `stops`, offsets of the document, where the caret is already. Fewer than two
-    /// leave nowhere to go, so that the tracker becomes inactive.
+    /// Starts at the first of `stops`, ranges in the document; the caret is already there. With fewer than
+    /// two stops, the tracker becomes inactive.
     void start(std::vector<SourceRange> stops);
 
-    /// Goes to the next stop and answers it, none when there is none. Ends tracking at the last one.
+    /// Goes to the next stop and returns it; none if the tracker is inactive. Becomes inactive at the last
+    /// stop.
     std::optional<SourceRange> next();
 
-    /// Goes to the previous stop and answers it; none, staying, when it is at the first one.
+    /// Goes to the previous stop and returns it; none, without moving, at the first stop.
     std::optional<SourceRange> previous();
 
-    /// Carries the stops through `forEdit`, which has just been applied: the current one grows and shrinks
-    /// with what is typed inside it or at its ends, the others move. An edit that overlaps one of the others
-    /// ends tracking.
+    /// Adjusts the stops to `forEdit`, which has just been applied. The current stop grows and shrinks with
+    /// edits inside it and at its ends; the others move. The tracker becomes inactive if the edit overlaps
+    /// another stop.
     void adjust(const TextEdit& forEdit);
 
     void cancel() { m_stops.clear(); }

@@ -1,10 +1,9 @@
 #pragma once
 
-/// Reports `message` on the error stream and stops the program.
+/// Writes `message` to the standard error stream and aborts.
 [[noreturn]] void preconditionFailed(const char* message);
 
-/// Stops the program, in every build, unless `holds`. For broken promises between pieces of the program,
-/// never for input.
+/// Aborts, in every build, unless `holds` is true. For errors in the program itself, never for wrong input.
 constexpr void precondition(bool holds, const char* message) {
     if (!holds) [[unlikely]] {
         preconditionFailed(message);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// `text` without White_Space at its ends. All of White_Space are single units.
+/// `text` without White_Space at its ends. Each character of White_Space is a single unit.
 std::u16string_view trimmed(std::u16string_view text) {
     const auto isWhitespace = [](char16_t unit) {
         return unit <= u' ' ? UnitScan::isWhitespace(unit) || unit == u'\v' || unit == u'\f'
@@ -24,9 +24,10 @@ std::u16string_view trimmed(std::u16string_view text) {
     return text;
 }
 
-/// Walks the nodes below the document in order and tells `printer` the lines that they become: `startLine`
-/// with its depth, then its pieces in text order: `markup`, to be copied, `text`, to be trimmed, and
-/// `missingEndTag` of an element without one. What stands before a range lies in the content of `in`.
+/// Visits the nodes below the document in order and passes the lines of the result to `printer`: `startLine`
+/// with the depth, then the pieces of the line in text order: `markup`, which is copied, `text`, which is
+/// trimmed, and `missingEndTag` for an element without an end tag. `in` is the node whose content contains
+/// the text before the piece.
 template <class Printer>
 class Walk {
 public:
@@ -74,7 +75,7 @@ private:
         }
     }
 
-    /// The node that follows `id` and all inside it, after the end tags that stand between them.
+    /// The node that follows `id` and its descendants. Prints the end tags in between.
     NodeID next(NodeID id) {
         while (m_tree[id].nextSibling.isNone()) {
             id = m_tree[id].parent;
@@ -93,7 +94,7 @@ private:
     std::size_t m_depth = 0;
 };
 
-/// How many lines there are and of how many units they are made, at most.
+/// Counts the lines of the result and an upper bound of their units.
 class Measure {
 public:
     explicit Measure(const DocumentTree& tree) : m_tree(tree) {}
@@ -109,15 +110,15 @@ public:
     void text(SourceRange range, NodeID) { m_text += range.length(); }
     void missingEndTag(NodeID of) { m_markup += endTagFrame + m_tree[of].nameRange.length(); }
 
-    /// What is to be written, but for the indentation, `perBreak` units a line break.
+    /// The length of the result without indentation, with `perBreak` units for each line break.
     std::size_t length(std::size_t perBreak) const { return m_markup + m_text + m_lines * perBreak; }
 
     struct Indentation {
-        std::size_t deepest; ///< Lines below this depth are indented no farther.
+        std::size_t deepest; ///< Lines below this depth have the same indentation.
         std::size_t length;  ///< The units of all indentation together.
     };
-    /// Every level indented by `perLevel` units, as deep as the bound allows. The bound depends on nothing
-    /// that formatting changes, so that formatting again changes nothing.
+    /// The indentation with `perLevel` units per level, up to the depth that the limit allows. The limit
+    /// depends only on what formatting keeps, so that formatting again changes nothing.
     Indentation indentation(std::size_t perLevel) const {
         constexpr std::size_t alwaysAllowed = std::size_t{1} << 26;
         constexpr std::size_t allowedPerMarkup = 4;
@@ -145,7 +146,7 @@ private:
     std::size_t m_text = 0;
 };
 
-/// Writes the document down; `trace`, null for none, follows what becomes of the old text.
+/// Writes the formatted document. `trace`, which may be null, follows where the old text goes.
 class Writer {
 public:
     Writer(const DocumentTree& tree, std::u16string_view lineBreak, std::u16string_view indentUnit,

@@ -10,12 +10,12 @@ namespace {
 using QuoteRepair::Repair;
 using Rule = DiagnosticRecord::Rule;
 
-/// How far a quote is looked for; values are seldom longer.
+/// How many units are searched for a quote. Values are rarely longer.
 constexpr std::size_t farthest = 4096;
 
 constexpr bool isQuote(char16_t unit) { return unit == u'"' || unit == u'\''; }
 
-/// A text, and the questions about tags that can be asked of any place in it.
+/// A text, with functions that read the markup at any offset of it.
 class Tag {
 public:
     explicit Tag(std::u16string_view units) : m_units(units) {}
@@ -23,7 +23,8 @@ public:
     char16_t unit(std::size_t at) const { return at < m_units.size() ? m_units[at] : u'\0'; }
     std::size_t size() const { return m_units.size(); }
 
-    /// The first unit from `from` on for which `isMatch` holds, or where the search ends.
+    /// The offset of the first unit from `from` on for which `isMatch` returns true. If there is none, the
+    /// offset where the search ends: `farthest` units farther or at the end of the text.
     template <class IsMatch>
     std::size_t find(std::size_t from, IsMatch isMatch) const {
         const std::size_t end = std::min(m_units.size(), from + farthest);
@@ -46,7 +47,7 @@ public:
         return from;
     }
 
-    /// Whether a tag goes on or ends at `at`, where a value has just ended.
+    /// Whether a tag correctly continues or ends at `at`, just after a value.
     bool continuesAt(std::size_t at) const {
         const std::size_t next = skipSpace(at);
         if (unit(next) == u'>' || (unit(next) == u'/' && unit(next + 1) == u'>')) {
@@ -56,7 +57,7 @@ public:
         return next > at && UnitScan::isNameStart(unit(next)) && unit(skipSpace(nameEnd)) == u'=';
     }
 
-    /// Where the markup after `at` begins.
+    /// The offset of the first `<` from `at` on, or the end of the text.
     std::size_t nextMarkup(std::size_t at) const { return std::min(m_units.find(u'<', at), m_units.size()); }
 
 private:
@@ -67,7 +68,7 @@ TextEdit insertion(char16_t quote, std::size_t at) {
     return TextEdit::insert(std::u16string(1, quote), static_cast<Offset>(at));
 }
 
-/// `b="1 < 2"`: the value goes on behind the `<` up to a quote after which the tag goes on.
+/// `b="1 < 2"`: the value continues after the `<`, up to a quote after which the tag continues.
 std::optional<Repair> escapedValue(const Tag& tag, SourceRange value) {
     const char16_t quote = tag.unit(value.lower);
     const std::size_t end = tag.find(value.upper, [quote](char16_t unit) { return unit == quote; });
@@ -84,7 +85,7 @@ std::optional<Repair> escapedValue(const Tag& tag, SourceRange value) {
     return repair;
 }
 
-/// `b="x>t</a>`: the value ended before the first `>` or `/>`.
+/// `b="x>t</a>`: the closing quote is missing before the first `>` or `/>`.
 std::optional<Repair> valueEndedByTag(const Tag& tag, SourceRange value) {
     std::size_t end = tag.find(value.lower + 1, [](char16_t unit) { return unit == u'>'; });
     if (end >= value.upper || tag.unit(end) != u'>') {
@@ -94,8 +95,8 @@ std::optional<Repair> valueEndedByTag(const Tag& tag, SourceRange value) {
     return Repair{u"Cerrar comilla antes de >", {insertion(tag.unit(value.lower), end)}, value.upper};
 }
 
-/// `b="x c="y">`: what stands at `at` follows on a quote that closes a value which ends like the start of an
-/// attribute. The quote that is missing belongs before that attribute.
+/// `b="x c="y">`: the text at `at` follows a quote that closes a value, and this value ends like the start of
+/// an attribute (`c=`). The missing quote belongs before that attribute.
 std::optional<Repair> valueEndedByAttribute(const Tag& tag, std::size_t at) {
     const std::size_t earliest = at - std::min(at, farthest);
     std::size_t quote = at;
@@ -117,8 +118,8 @@ std::optional<Repair> valueEndedByAttribute(const Tag& tag, std::size_t at) {
         u"Cerrar comilla", {insertion(tag.unit(quote - 1), end)}, static_cast<Offset>(tag.nextMarkup(at))};
 }
 
-/// `b=x">`, `b=x` or `b=`: the value of the attribute of that name lacks one quote or both. Without edits
-/// where what follows is too long for a value.
+/// `b=x">`, `b=x` or `b=`: the value of the attribute whose name is at `name` lacks one quote or both.
+/// Returns a repair without edits if what follows is too long for a value.
 std::optional<Repair> quotedValue(const Tag& tag, SourceRange name) {
     const std::size_t equals = tag.skipSpace(name.upper);
     if (tag.unit(equals) != u'=') {
@@ -153,7 +154,7 @@ std::optional<Repair> quotedValue(const Tag& tag, SourceRange name) {
         u"Poner comillas", {insertion(u'"', start), insertion(u'"', end)}, static_cast<Offset>(end)};
 }
 
-/// What `repair` answers, or a repair without edits: then nothing can be told of what stands before its end.
+/// The result of `repair`, or a repair without edits if nothing is known about the text before its end.
 std::optional<Repair> look(const DocumentTree& tree, std::size_t index) {
     const Tag tag(tree.text.units());
     const SourceRange range = tree.diagnostics.range(index);
@@ -180,7 +181,7 @@ std::optional<Repair> QuoteRepair::repair(const DocumentTree& tree, std::size_t 
 
 std::vector<TextEdit> QuoteRepair::edits(const DocumentTree& tree) {
     std::vector<TextEdit> edits;
-    // A repair reads a damaged tag anew, so that further problems in it may not be there.
+    // A repair changes how a malformed tag is read, so later problems in the tag may disappear.
     Offset end = 0;
     for (std::size_t index = 0; index < tree.diagnostics.size(); ++index) {
         if (tree.diagnostics.range(index).lower < end) {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-/// Mends the quotes of attribute values where the text around them shows which one is missing or what is too
-/// much.
+/// Repairs attribute values where the surrounding text shows which quote is missing or which `<` must be
+/// escaped.
 ///
-/// | damaged             | mended                 |
+/// | malformed           | repaired               |
 /// |---------------------|------------------------|
 /// | `<a b="1 < 2">`     | `<a b="1 &lt; 2">`     |
 /// | `<a b="x>t</a>`     | `<a b="x">t</a>`       |
@@ -22,14 +22,16 @@ namespace QuoteRepair {
 struct Repair {
     std::u16string title;
     std::vector<TextEdit> edits; ///< Ascending; they do not overlap.
-    Offset end = 0; ///< Of the tag as far as the repair sees it; problems up to there go with it.
+    Offset end = 0; ///< The end of what the repair covers: problems before it need no repair of their own.
 };
 
-/// The repair of the problem at `index` of the tree's list, if it is one of quotes that can be told. Looks at
-/// most a few thousand units around the problem.
+/// The repair of the diagnostic at `index` of the tree's list. None if the diagnostic does not concern
+/// quotes, or if the text does not show what is right. Reads a few thousand units around the problem, or up
+/// to the next `<` if that is farther.
 std::optional<Repair> repair(const DocumentTree& tree, std::size_t index);
 
-/// The repairs of all problems with quotes, one a tag. Takes time linear in the text.
+/// The edits of all repairs of quotes. A problem before the `end` of an earlier repair is skipped. Takes time
+/// linear in the text.
 std::vector<TextEdit> edits(const DocumentTree& tree);
 
 } // namespace QuoteRepair

@@ -7,9 +7,9 @@
 #include <type_traits>
 #include <utility>
 
-/// A growing array of plain records for the millions that a parse writes: what is beyond the last record is
-/// never touched, growing and shrinking a large array moves no memory (`realloc` moves its pages), and
-/// `clear` keeps the capacity for the next parse. Moves, never copies.
+/// A growing array of trivially copyable records, made for the millions that a parse writes. Memory after the
+/// last record is not touched; growing and shrinking a large array copies nothing (`realloc` moves its
+/// pages); `clear` keeps the capacity for the next parse. Can be moved but not copied.
 template <class Record>
 class RecordArray {
     static_assert(std::is_trivially_copyable_v<Record> && std::is_trivially_destructible_v<Record>);
@@ -42,27 +42,28 @@ public:
     Record& operator[](std::size_t index) { return m_records[index]; }
     Record& back() { return m_records[m_size - 1]; }
 
-    /// Makes room for `wanted` records in all.
+    /// Makes the capacity at least `wanted` records. Throws `std::bad_alloc` if there is not enough memory,
+    /// as `append` does.
     void reserve(std::size_t wanted) {
         if (wanted > m_capacity) {
             reallocate(wanted);
         }
     }
 
-    /// Adds a record, all of whose fields are to be assigned at once.
+    /// Adds an uninitialized record and returns it. The caller must assign all its fields.
     Record& append() {
         if (m_size == m_capacity) [[unlikely]] {
             grow();
         }
         return m_records[m_size++];
     }
-    /// `record` may be one of the array's own: growing does not touch the copy.
+    /// `record` may be an element of the array itself: it is copied before the array grows.
     void append(Record record) { append() = record; }
 
     void removeLast() { --m_size; }
     void clear() { m_size = 0; }
 
-    /// Gives back the capacity that exceeds the size by more than a quarter.
+    /// Reduces the capacity to the size if it exceeds the size by more than a quarter.
     void trim() {
         if (m_capacity - m_size > m_size / 4) {
             reallocate(m_size);

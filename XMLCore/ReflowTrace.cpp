@@ -4,7 +4,7 @@
 
 namespace {
 
-/// What `xml:space` of the element says: to keep white space or not; nothing without that attribute.
+/// Whether the attribute `xml:space` of the element preserves white space; none without the attribute.
 std::optional<bool> preserves(const DocumentTree& tree, NodeID element) {
     const auto space = tree.attribute(u"xml:space", element);
     if (!space) {
@@ -27,7 +27,7 @@ std::vector<bool> nodesWithTextSpace(const DocumentTree& tree) {
             keeps[raw] = preserves(tree, NodeID{raw}).value_or(keeps[node.parent.raw]);
         }
     }
-    // Outside the root no white space is text.
+    // Starts after the document, because white space outside the root is never text.
     for (std::uint32_t raw = 1; raw < count; ++raw) {
         keeps[raw] = keeps[raw] || (holdsText[raw] && holdsOther[raw]);
     }
@@ -45,7 +45,7 @@ ReflowTrace::ReflowTrace(const DocumentTree& tree, std::span<const Offset> place
 
 void ReflowTrace::keep(SourceRange range, NodeID in, std::u16string_view output) {
     noteSpace({m_oldEnd, range.lower}, output.substr(m_newEnd), in);
-    // What an empty range stands for is put in behind a place right there.
+    // An empty range stands for added text, which comes after a place at its offset.
     const Offset end = range.isEmpty() ? range.upper + 1 : range.upper;
     for (; m_next < m_places.size() && m_places[m_next].before < end; ++m_next) {
         Place& place = m_places[m_next];

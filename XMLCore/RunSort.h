@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-/// Sorts `records` by `key`, ascending and stable: a natural merge sort. What is sorted already, backwards or
-/// put together from few sorted stretches takes linear time; nothing takes more than n log n, and memory is
-/// walked from one end to the other throughout.
+/// Sorts `records` by `key`, ascending and stable, with a natural merge sort. Takes linear time if the
+/// records consist of a few ascending or descending runs, and O(n log n) otherwise. Reads and writes memory
+/// sequentially.
 template <class Record, class Key>
 void sortByRuns(std::span<Record> records, Key key) {
-    // The positions at which the sorted stretches end.
+    // The index at which each ascending run ends.
     std::vector<std::size_t> ends;
     for (std::size_t begin = 0; begin < records.size(); begin = ends.back()) {
         std::size_t end = begin + 1;

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-/// A piece of text to insert, with the places where the user will type next.
+/// A text to insert, with the places at which the user will type next.
 struct Snippet {
     std::u16string text;
-    std::vector<SourceRange> placeholders; ///< In `text`, in the order in which they are visited.
+    std::vector<SourceRange> placeholders; ///< Ranges of `text`, in the order in which they are visited.
 
-    /// Where the caret goes, counted from the start of `text`: to the first placeholder, or to the end of the
-    /// text when there is none.
+    /// The offset of the caret, counted from the start of `text`: that of the first placeholder or, if there
+    /// is none, the end of `text`.
     Offset cursor() const;
 
     bool operator==(const Snippet&) const = default;

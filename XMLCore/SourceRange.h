@@ -17,7 +17,7 @@ struct SourceRange {
 
     constexpr SourceRange() = default;
 
-    /// Stops the program when a bound is negative or above 4294967295, or `upper` lies below `lower`.
+    /// Aborts if a bound is negative or above 4294967295, or if `upperBound` is below `lowerBound`.
     constexpr SourceRange(std::int64_t lowerBound, std::int64_t upperBound)
         : lower(static_cast<Offset>(lowerBound)), upper(static_cast<Offset>(upperBound)) {
         precondition(0 <= lowerBound && lowerBound <= upperBound &&
@@ -25,7 +25,7 @@ struct SourceRange {
                      "a range needs 0 <= lower <= upper <= 4294967295");
     }
 
-    /// The range without the constructor's check, for code that has just proved it.
+    /// A range without the constructor's check, for callers that know that `lower <= upper`.
     static constexpr SourceRange unchecked(Offset lower, Offset upper) {
         SourceRange range;
         range.lower = lower;
@@ -47,10 +47,11 @@ struct SourceRange {
     /// Whether `offset` is the offset of a unit in the range: `lower` is, `upper` is not.
     constexpr bool contains(Offset offset) const { return lower <= offset && offset < upper; }
 
-    /// The range with both bounds plus `base`; maps a range of a sub-text back to the whole text.
+    /// The range with `base` added to both bounds, which maps a range of a part of a text to the whole text.
+    /// Aborts if a bound is then negative or too large.
     constexpr SourceRange shifted(std::int64_t base) const { return {lower + base, upper + base}; }
 
-    /// "3..<7"
+    /// The range as text, such as "3..<7".
     std::string description() const;
 
     constexpr bool operator==(const SourceRange&) const = default;

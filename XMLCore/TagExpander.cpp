@@ -18,19 +18,19 @@ using TagExpander::Expansion;
 
 constexpr char16_t quote = u'"';
 
-/// No abbreviation is longer than this.
+/// The maximum length of an abbreviation, in units.
 constexpr Offset maximumLength = 1'000'000;
 
 struct Indentation {
-    std::u16string_view line; ///< Of the line where the expansion starts.
+    std::u16string_view line; ///< The indentation of the line in which the expansion starts.
     std::u16string_view unit;
 };
 
-/// How large an expansion is; numbers beyond every limit stay at one number.
+/// The size of an expansion. Numbers are clamped to a value that exceeds every limit.
 struct Size {
     std::uint64_t elements = 0;
-    std::uint64_t units = 0;  ///< Without the indentation of the line where it starts.
-    std::uint64_t breaks = 0; ///< Between its lines.
+    std::uint64_t units = 0;  ///< All units except for `Indentation::line`.
+    std::uint64_t breaks = 0; ///< The number of line breaks.
 
     Size operator+(const Size& other) const {
         return Size{elements + other.elements, units + other.units, breaks + other.breaks}.limited();
@@ -53,7 +53,7 @@ bool isWithinLimits(const Size& size, const Indentation& indentation) {
            size.units + size.breaks * indentation.line.size() <= TagExpander::maximumUnits;
 }
 
-/// Of `element` alone, with both its tags.
+/// The size of one `element` with both its tags, without its children.
 Size tagsSize(const Element& element) {
     const std::size_t tags = element.selfClosing
                                  ? std::u16string_view(u"</>").size() + element.name.size()
@@ -66,7 +66,7 @@ Size tagsSize(const Element& element) {
     return size;
 }
 
-/// Of `element` with its repetitions; `inside` is that of its children.
+/// The size of `element` with its repetitions; `inside` is the size of its children.
 Size elementSize(const Element& element, const Size& inside, std::size_t unitLength) {
     Size size = tagsSize(element);
     if (element.hasChildren) {
@@ -75,8 +75,8 @@ Size elementSize(const Element& element, const Size& inside, std::size_t unitLen
     return size * element.count + lineBreak * (element.count - 1);
 }
 
-/// Whether no attribute is given twice, and each value can stand between quotes: a `<` or a quote that is one
-/// character together with a mark is not escaped.
+/// Whether no attribute is given twice, and each value can be enclosed in quotes: a `<` or a quote that forms
+/// one character with a combining mark is not escaped.
 bool isWellFormed(const Element& element) {
     std::vector<std::u16string_view> names;
     for (const auto& [name, value] : element.attributes) {
@@ -91,8 +91,8 @@ bool isWellFormed(const Element& element) {
     return std::ranges::adjacent_find(names) == names.end();
 }
 
-/// The number of elements to drop, up to one with children, until what is left may be expanded; all of them
-/// when nothing may.
+/// The number of elements to drop from the start, so that the rest may be expanded; the last one dropped has
+/// children. The number of all elements if no rest may be expanded.
 std::size_t firstExpandable(const Elements& elements, const Indentation& indentation) {
     std::size_t first = elements.size();
     Size after;
@@ -110,7 +110,7 @@ std::size_t firstExpandable(const Elements& elements, const Indentation& indenta
     return first;
 }
 
-/// Writes elements without recursion, since there may be as many levels as elements.
+/// Writes elements without recursion, because there may be as many levels as elements.
 class Writer {
 public:
     Writer(std::span<const Element> elements, const Indentation& indentation)
@@ -151,14 +151,14 @@ public:
     }
 
 private:
-    /// Where the writer is among siblings.
+    /// The writer's position in a list of siblings.
     struct Level {
         std::size_t element = 0;
         std::size_t repetition = 0;
-        bool isInside = false; ///< Between the element's tags.
+        bool isInside = false; ///< Whether the writer is between the element's tags.
     };
 
-    /// Goes on to the next repetition or sibling; answers false after the last.
+    /// Moves on to the next repetition or sibling; returns false after the last.
     bool advance(Level& level) const {
         const Element& element = m_elements[level.element];
         if (++level.repetition < element.count) {
@@ -200,7 +200,8 @@ private:
     Snippet m_snippet;
 };
 
-/// The construct that `abbreviation` stands for, none when it stands for elements or nothing.
+/// The comment, CDATA section, instruction or declaration that `abbreviation` stands for; none for any other
+/// abbreviation.
 std::optional<Snippet> construct(std::u16string_view abbreviation, bool atDocumentStart) {
     const auto around = [](std::u16string_view opener, std::u16string_view closer) {
         const auto stop = SourceRange::empty(static_cast<std::int64_t>(opener.size()));
@@ -219,8 +220,8 @@ std::optional<Snippet> construct(std::u16string_view abbreviation, bool atDocume
     return std::nullopt;
 }
 
-/// Where what may be an abbreviation starts that ends with `text`, none when it cannot be one. `text` is what
-/// stands before the caret, from the start of the document if `isWhole`.
+/// Where an abbreviation that ends with `text` may start at the earliest; none if there cannot be one. `text`
+/// is the text before the caret. It starts at the start of the document if `isWhole`.
 std::optional<std::size_t> candidateStart(std::u16string_view text, bool isWhole) {
     const auto afterTag = [text](std::size_t from) {
         const std::size_t tagEnd = text.find(u'>', from);
@@ -245,12 +246,12 @@ std::optional<std::size_t> candidateStart(std::u16string_view text, bool isWhole
 }
 
 struct Expanded {
-    Offset start; ///< Of the abbreviation, in the candidate.
+    Offset start; ///< The offset of the abbreviation in the candidate.
     Snippet snippet;
 };
 
-/// The expansion of the longest part of `candidate` that is an abbreviation: the whole, or what follows a
-/// `>`.
+/// The expansion of the longest part of `candidate` that is a valid abbreviation: the whole, or what follows
+/// a `>`.
 std::optional<Expanded> expandLongest(std::u16string_view candidate, const Indentation& indentation) {
     AbbreviationReader reader(candidate);
     auto elements = reader.elements(0);
@@ -297,7 +298,7 @@ std::optional<Expansion> TagExpander::expansion(Offset before, const SourceText&
     }
     const SourceRange candidate(searched.lower + static_cast<Offset>(*offset), before);
     const std::u16string_view text = in.units(candidate);
-    // No construct holds a `>`, and nothing that ends with one is made of elements.
+    // The abbreviation of a construct contains no `>`, and no abbreviation of elements ends with `>`.
     const auto last = static_cast<Offset>(text.rfind(u'>') + 1);
     const bool atDocumentStart = last == 0 && in.isWhitespace({0, candidate.lower});
     if (auto snippet = construct(text.substr(last), atDocumentStart)) {

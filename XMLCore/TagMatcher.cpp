@@ -15,7 +15,7 @@ using UnitScanBackward::findLastAny;
 using UnitScanBackward::nowhere;
 using UnitScanBackward::Position;
 
-/// What hides the markup inside it.
+/// A construct that contains no markup: what looks like markup inside it is text.
 struct Construct {
     Context context;
     std::u16string_view opener;
@@ -30,7 +30,8 @@ constexpr std::array constructs = {
 
 Position size(std::u16string_view text) { return static_cast<Position>(text.size()); }
 
-/// Just after the first `closer` of `text` that starts at `from` or later, `nowhere` when there is none.
+/// The offset just after the first `closer` of `text` that starts at `from` or later; `nowhere` if there is
+/// none.
 Position closerEnd(std::u16string_view text, Position from, std::u16string_view closer) {
     for (Position at = from;; ++at) {
         at = UnitScan::findAny(text.data(), at, size(text), closer.front());
@@ -43,11 +44,12 @@ Position closerEnd(std::u16string_view text, Position from, std::u16string_view 
     }
 }
 
-/// For each construct the last opener in `text`, or `nowhere`.
+/// For each construct, the offset of its last opener in `text`, or `nowhere`.
 std::array<Position, constructs.size()> lastOpeners(std::u16string_view text) {
     std::array<Position, constructs.size()> openers;
     openers.fill(nowhere);
-    // One search for all three: what a document does not hold is looked for up to its start.
+    // One search for all three openers: if a document does not contain one of them, the search goes back to
+    // the start of the text.
     Position end = size(text);
     while (std::ranges::find(openers, nowhere) != openers.end()) {
         const Position at = UnitScanBackward::findLastPair(text.data(), 0, end, u'<', u'!', u'?');
@@ -64,15 +66,15 @@ std::array<Position, constructs.size()> lastOpeners(std::u16string_view text) {
     return openers;
 }
 
-/// A construct with its opener and closer, as far as it hides what stands inside.
+/// The range of a construct, with its opener and closer.
 struct HiddenStretch {
     Position start = nowhere;
     Position end = nowhere;
 };
 using HiddenStretches = std::array<HiddenStretch, constructs.size()>;
 
-/// Whether `at` lies in one of `stretches`. A stretch that starts inside another one hides nothing: its
-/// opener is none.
+/// Whether `at` lies in one of `stretches`. A construct that starts inside another one is ignored, because
+/// its opener is only text.
 bool isHidden(Position at, HiddenStretches stretches) {
     std::ranges::sort(stretches, {}, &HiddenStretch::start);
     Position end = 0;
@@ -87,7 +89,7 @@ bool isHidden(Position at, HiddenStretches stretches) {
     return false;
 }
 
-/// What the end of `markup` stands in. It starts with the only `<` that it holds, which opens a tag.
+/// The context at the end of `markup`, which starts with its only `<`, that of a tag.
 Context contextAfter(std::u16string_view markup) {
     for (Position at = 0;; ++at) {
         at = UnitScan::findAny(markup.data(), at, size(markup), u'>', u'"', u'\'');
@@ -104,7 +106,7 @@ Context contextAfter(std::u16string_view markup) {
     }
 }
 
-/// The name that starts at `from`, empty when none does.
+/// The range of the name that starts at `from`; empty if there is none.
 SourceRange nameRange(std::u16string_view text, Position from) {
     const bool isName = from < size(text) && UnitScan::isNameStart(text[from]);
     return {from, isName ? UnitScan::findNameEnd(text.data(), from, size(text)) : from};
@@ -114,7 +116,8 @@ std::u16string_view part(std::u16string_view text, SourceRange range) {
     return text.substr(range.lower, range.length());
 }
 
-/// The name around `around`, none unless all of `opener` stands right before it.
+/// The range of the name around `around`; none if there is no name there, or if `opener` is not directly
+/// before it.
 std::optional<SourceRange> nameAfter(std::u16string_view opener, Offset around, const SourceText& in) {
     const std::u16string_view before = in.units({0, around});
     const auto start = std::find_if_not(before.rbegin(), before.rend(), UnitScan::isName).base();
@@ -125,7 +128,8 @@ std::optional<SourceRange> nameAfter(std::u16string_view opener, Offset around, 
     return name.isEmpty() ? std::nullopt : std::optional(name);
 }
 
-/// Whether `tag` starts with a start tag that a `>` ends and no `/>`. `index` is for the lexer.
+/// Whether `tag` starts with a start tag that ends with `>` and not with `/>`. `index` is working space for
+/// the lexer.
 bool opensElement(std::u16string_view tag, UnitIndex& index) {
     const SourceRange name = nameRange(tag, 1);
     if (!name.isEmpty() && tag.substr(name.upper).starts_with(u'>')) {
@@ -141,13 +145,14 @@ bool opensElement(std::u16string_view tag, UnitIndex& index) {
     return token && token->kind == Token::Kind::tagEnd;
 }
 
-/// Tells, for one `>` after the other backwards through a text, where the construct starts that it closes.
+/// Finds, for each `>` of a text in descending order, the start of the construct that it closes.
 class ClosedConstructs {
 public:
     explicit ClosedConstructs(std::u16string_view text) : m_text(text) {}
 
-    /// Where the construct starts that ends at `end`; `nowhere` when what ends there is none, or only looks
-    /// like one because its opener was closed before. `end` is never larger than the last time.
+    /// The start of the construct that ends at `end`. `nowhere` if no construct ends there, or if the units
+    /// before `end` only look like a closer because the opener was closed before. Call it with descending
+    /// `end`.
     Position openerOf(Position end) {
         for (std::size_t i = 0; i < constructs.size(); ++i) {
             if (m_text.substr(0, end).ends_with(constructs[i].closer)) {
@@ -164,7 +169,7 @@ private:
         Position end = 0; ///< Just after its closer.
     };
 
-    /// The last opener of a construct that ends at or before `limit`.
+    /// The construct with the last opener that ends at or before `limit`.
     const Found& lastBefore(Position limit, std::size_t construct) {
         const auto& [context, opener, closer] = constructs[construct];
         std::optional<Found>& found = m_found[construct];
@@ -213,7 +218,7 @@ std::optional<std::u16string> TagMatcher::openTagName(Offset endingAt, const Sou
 
 std::optional<std::u16string> TagMatcher::unclosedElement(Offset before, const SourceText& in) {
     const std::u16string_view text = in.units({0, before});
-    std::vector<SourceRange> closed; // The names of end tags whose start tags are still to come.
+    std::vector<SourceRange> closed; // The names of end tags whose start tags are not found yet.
     bool mayHoldInstructions = true;
     Position at = size(text);
     while ((at = findLastAny(text.data(), 0, at, u'>')) != nowhere) {
@@ -246,8 +251,8 @@ std::optional<std::u16string> TagMatcher::unclosedElement(Offset before, const S
             if (match == closed.rend()) {
                 return std::u16string(part(text, name));
             }
-            // Those above it belong to elements inside this one, whose start tags are missing. Each name is
-            // looked at once more at most: when a name is not found the search is over.
+            // The end tags above it belong to elements inside this one whose start tags are missing. Each
+            // name is compared at most once more, because the search ends when a name is not found.
             closed.erase(std::prev(match.base()), closed.end());
         }
         at = start;
@@ -316,7 +321,8 @@ std::optional<SourceRange> TagMatcher::matchingOpenName(Offset forEndTagAt, cons
     ClosedConstructs closedConstructs(text);
     UnitIndex index;
     Offset unopened = 0;
-    Position markup = forEndTagAt; // The markup met last; what stands before it ends there at the latest.
+    // The start of the last markup found; the markup before it ends there at the latest.
+    Position markup = forEndTagAt;
     Position at = forEndTagAt;
     while ((at = findLastAny(text.data(), 0, at, u'<', u'>')) != nowhere) {
         if (text[at] == u'>') {
@@ -332,7 +338,8 @@ std::optional<SourceRange> TagMatcher::matchingOpenName(Offset forEndTagAt, cons
             ++unopened;
         } else if (opensElement(tag, index)) {
             if (unopened == 0) {
-                // Counting backwards cannot know all that counting forwards does; what differs has no match.
+                // Counting backwards knows less than counting forwards; if the two disagree, there is no
+                // match.
                 const auto start = static_cast<Offset>(at);
                 const bool isMatch = matchingCloseName(start, in) == closeName;
                 return isMatch ? std::optional(nameRange(text, at + 1)) : std::nullopt;

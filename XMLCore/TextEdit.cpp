@@ -18,7 +18,7 @@ std::u16string TextEdit::apply(std::span<const TextEdit> edits, std::u16string_v
     for (const TextEdit& edit : ordered) {
         length += edit.delta();
     }
-    // The text is put together from its start; what is applied last stands first.
+    // The result is composed from its start, so the edits are taken in the reverse order of application.
     std::u16string result;
     result.reserve(static_cast<std::size_t>(std::max<std::int64_t>(length, 0)));
     std::size_t kept = 0;

@@ -9,7 +9,8 @@
 #include <vector>
 
 /// The replacement of one range of a text by a string. An insertion has an empty range, a deletion an empty
-/// replacement. The edits of a list all speak of the text before any of them, and do not overlap.
+/// replacement. The edits of a list are all in the coordinates of the text before any of them, and do not
+/// overlap.
 struct TextEdit {
     SourceRange range;
     std::u16string replacement;
@@ -19,22 +20,22 @@ struct TextEdit {
     }
     static TextEdit deleteRange(SourceRange range) { return {range, {}}; }
 
-    /// What the edit adds to the text's length, in units.
+    /// The change of the text's length, in units; negative if the text becomes shorter.
     std::int64_t delta() const {
         return static_cast<std::int64_t>(replacement.size()) - static_cast<std::int64_t>(range.length());
     }
 
-    /// `edits` in the order in which they are applied: from the highest `range.lower` down, at one offset
-    /// the longer range first, otherwise as given. Of two insertions at one offset the first given is
-    /// therefore applied first, and its text ends up last.
+    /// `edits` in the order in which they are applied: by descending `range.lower`; at the same offset, the
+    /// longer range first; otherwise in the given order. So of two insertions at one offset, the one given
+    /// first is applied first, and its text comes last.
     static std::vector<TextEdit> applicationOrder(std::span<const TextEdit> edits);
 
-    /// `to` with `edits` applied, given in any order. Stops the program when two of them overlap or one
-    /// reaches beyond the text.
+    /// `to` with `edits` applied, which may be in any order. Aborts if two of them overlap or one reaches
+    /// beyond the text.
     static std::u16string apply(std::span<const TextEdit> edits, std::u16string_view to);
 
-    /// Where `offset` of the text before `edits` is found after them: it moves with every edit that ends at
-    /// or before it, but stays before an insertion exactly at it and within an edit that contains it.
+    /// The offset after `edits` that corresponds to `offset` before them. An edit that ends at or before
+    /// `offset` moves it. An insertion exactly at `offset` and an edit that contains it do not.
     static std::int64_t map(Offset offset, std::span<const TextEdit> edits);
 
     bool operator==(const TextEdit&) const = default;

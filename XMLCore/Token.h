@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-/// One piece of markup or character data, as the lexer cuts it out.
+/// One piece of markup or character data that the lexer has found.
 struct Token {
     enum class Kind : std::uint8_t {
         text,           ///< A run of character data.

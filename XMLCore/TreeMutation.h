@@ -9,10 +9,10 @@
 #include <utility>
 #include <variant>
 
-/// A change to a document that the user asks for outside its source: what `MutationPlanner` turns into edits.
-/// Names and texts are meant as the user reads them; the planner escapes what has to be.
+/// A change to a document that the user requests in the tree or the inspector; `MutationPlanner` turns it
+/// into edits. Names and texts are unescaped; the planner escapes them where necessary.
 struct TreeMutation {
-    /// Where a node goes: into the target, or beside it.
+    /// The new position of a node: inside the target, or beside it.
     enum class Placement : std::uint8_t { firstChild, lastChild, before, after };
 
     struct Rename {
@@ -68,7 +68,7 @@ struct TreeMutation {
         Placement placement;
         bool operator==(const Move&) const = default;
     };
-    /// Puts the node into a new element.
+    /// Puts the node into a new element named `name`.
     struct Wrap {
         NodePath path;
         std::u16string name;
@@ -79,7 +79,7 @@ struct TreeMutation {
                               InsertComment, Delete, Duplicate, Move, Wrap>;
     Case value;
 
-    /// Any of the cases is a mutation.
+    /// Each of the cases converts to a mutation.
     TreeMutation(Case mutation) : value(std::move(mutation)) {}
     template <class Specific>
         requires std::constructible_from<Case, Specific>

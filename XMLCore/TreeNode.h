@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-/// A node of a tree, by its position in `DocumentTree::nodes`. Means nothing to another tree.
+/// Identifies a node by its index in `DocumentTree::nodes`. Valid for one tree only.
 struct NodeID {
     static constexpr std::uint32_t noneRaw = 0xFFFFFFFF;
 
@@ -18,7 +18,7 @@ struct NodeID {
 
     constexpr bool isNone() const { return raw == noneRaw; }
 
-    /// "#3", or "#none".
+    /// The ID as text: "#3", or "#none".
     std::string description() const {
         return std::string("#").append(isNone() ? "none" : std::to_string(raw));
     }
@@ -26,7 +26,7 @@ struct NodeID {
     constexpr auto operator<=>(const NodeID&) const = default;
 };
 
-/// One node of a parsed document. Holds ranges of the text, never copies of it.
+/// One node of a parsed document. It contains ranges of the text, not copies.
 struct TreeNode {
     enum class Kind : std::uint8_t { document, element, text, comment, cdata, instruction, doctype };
 
@@ -42,7 +42,7 @@ struct TreeNode {
         }
         constexpr bool operator==(const Flags&) const = default;
     };
-    /// The start tag ended with `/>`, or never ended.
+    /// The start tag ends with `/>`, or was cut off.
     static constexpr Flags selfClosing{1};
     /// A matching end tag closed the element.
     static constexpr Flags hasCloseTag{2};
@@ -54,15 +54,16 @@ struct TreeNode {
     Kind kind = Kind::document;
     Flags flags;
 
-    /// The whole extent. An element reaches from its `<` to the end of its end tag; without one, to the end
-    /// of the start tag or to where it was closed implicitly.
+    /// All units of the node. An element extends from its `<` to the end of its end tag; without an end tag,
+    /// to the end of the start tag or to where it was closed implicitly.
     SourceRange range;
     /// An element's name in its start tag, an instruction's target; otherwise empty at `range.lower`.
     SourceRange nameRange;
-    /// What lies between the tags of an element or the delimiters of another construct; all of a text.
+    /// The units between the tags of an element or between the delimiters of another construct; for a text,
+    /// all of them.
     SourceRange contentRange;
 
-    std::uint32_t firstAttribute = 0; ///< Position in `DocumentTree::attributes`.
+    std::uint32_t firstAttribute = 0; ///< Index in `DocumentTree::attributes`.
     std::uint32_t attributeCount = 0;
 
     NodeID parent;
@@ -87,7 +88,7 @@ static_assert(sizeof(TreeNode) == 52);
 struct AttributeSpan {
     SourceRange range; ///< From the name to the end of the value, or to the `=`, or just the name.
     SourceRange name;
-    SourceRange value;  ///< Inside the quotes; empty right after the name when there is none.
+    SourceRange value;  ///< Inside the quotes; without a value, empty at the end of the name.
     char16_t quote = 0; ///< The opening quote; 0 without a value.
 
     bool operator==(const AttributeSpan&) const = default;

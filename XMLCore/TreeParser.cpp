@@ -12,12 +12,12 @@ namespace {
 using Kind = TreeNode::Kind;
 using Rule = DiagnosticRecord::Rule;
 
-/// A range of offsets that the lexer or the parser has just counted up.
+/// The range between two offsets of the text that are known to be in order.
 constexpr SourceRange rangeOf(std::ptrdiff_t lower, std::ptrdiff_t upper) {
     return SourceRange::unchecked(static_cast<Offset>(lower), static_cast<Offset>(upper));
 }
 
-/// What the delimiters of a construct that is one token are.
+/// The delimiters of a construct that is a single token, and the diagnostic if it is not terminated.
 struct Delimiters {
     Kind kind;
     Offset openingLength;
@@ -94,7 +94,7 @@ private:
     OpenElements m_open;
     AttributeNames m_attributeNames;
 
-    // The text gathered since the last markup.
+    // The run of text since the last markup.
     static constexpr Offset noTextRun = 0xFFFFFFFF;
     Offset m_textRunLower = 0;
     Offset m_textRunUpper = noTextRun;
@@ -118,12 +118,13 @@ Builder::Builder(const SourceText& text, DocumentTree recycled, DoctypeReading d
     m_open.push({});
 }
 
-// A function of its own, with little on its stack, is compiled to the quickest loop.
+// A separate function with few variables on its stack: so the compiler produces the fastest loop.
 TAMO_NEVER_INLINE DocumentTree Builder::build(const std::stop_token& stop) {
     constexpr int tokensBetweenStopChecks = 16384;
     int tokensLeft = tokensBetweenStopChecks;
     bool isStopped = false;
-    // The lexer lives in registers, so nothing may take its address: what is rare has a lexer of its own.
+    // The lexer is kept in registers, so its address must not be passed to functions that are not inlined.
+    // These, for rare cases, create a lexer of their own.
     Lexer lexer(m_units, m_index);
     lexer.doctype = m_doctype;
     std::ptrdiff_t start = 0;
@@ -191,12 +192,12 @@ TAMO_ALWAYS_INLINE void Builder::dispatch(Lexer& lexer, Token::Kind kind, Source
     case Token::Kind::attributeValue:
     case Token::Kind::tagEnd:
     case Token::Kind::selfCloseEnd:
-        break; // Content holds none of these.
+        break; // These do not occur in content.
     }
 }
 
-/// Appends a node as the last child of the innermost open element. A first child stands right after its
-/// parent, so only later children are linked here; `linkChildren` completes the parent.
+/// Appends a node as the last child of the innermost open element. A first child has the index after that of
+/// its parent, so only later children are linked here; `linkChildren` completes the parent.
 TAMO_ALWAYS_INLINE TreeNode& Builder::append(Kind kind, TreeNode::Flags flags, SourceRange range,
                                              SourceRange name, SourceRange content) {
     const auto index = static_cast<std::uint32_t>(m_nodes.size());
@@ -230,7 +231,7 @@ TAMO_ALWAYS_INLINE void Builder::addToTextRun(SourceRange range, bool hasContent
     m_textRunHasContent |= hasContent;
 }
 
-/// White space alone, between elements or as indentation, makes no node.
+/// Appends the node of the current run of text. A run of only white space gets no node.
 TAMO_ALWAYS_INLINE void Builder::flushTextRun() {
     if (m_textRunHasContent) {
         const SourceRange run = rangeOf(m_textRunLower, m_textRunUpper);
@@ -243,7 +244,7 @@ TAMO_ALWAYS_INLINE void Builder::flushTextRun() {
     m_textRunUpper = noTextRun;
 }
 
-/// The start tag whose `<` stands at `lower`.
+/// Parses the start tag whose `<` is at `lower`.
 TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
     flushTextRun();
     m_attributeNames.clear();
@@ -285,8 +286,8 @@ TAMO_ALWAYS_INLINE void Builder::openTag(Lexer& lexer, Offset lower) {
     }
 }
 
-/// After a lone `<` in a start tag the lexer is back in content, where only more invalid units go on with the
-/// tag. Diagnoses those from `position` on and answers where they end.
+/// After a lone `<` in a start tag the lexer is in content again. There, only invalid units that follow
+/// directly still belong to the tag. Diagnoses those from `position` on and returns their end.
 TAMO_NEVER_INLINE Offset Builder::skipInvalidContent(std::ptrdiff_t position) {
     UnitIndex index;
     Lexer lexer(m_units, index, position, count(), Lexer::Mode::content);
@@ -297,7 +298,7 @@ TAMO_NEVER_INLINE Offset Builder::skipInvalidContent(std::ptrdiff_t position) {
     return static_cast<Offset>(start);
 }
 
-/// A complete start tag, which ends at `upper`.
+/// Appends the element of a complete start tag that ends at `upper`.
 TAMO_ALWAYS_INLINE void Builder::appendElement(const StartTag& tag, TreeNode::Flags flags, Offset upper) {
     if (isOutsideRoot()) {
         if (m_hasRoot) {
@@ -311,7 +312,8 @@ TAMO_ALWAYS_INLINE void Builder::appendElement(const StartTag& tag, TreeNode::Fl
     }
 }
 
-/// A start tag that something else than `>` or `/>` follows at `upper`. What follows becomes its sibling.
+/// Appends the element of a start tag that ends at `upper` without `>` or `/>`. What follows becomes its
+/// sibling.
 void Builder::appendCutOffElement(StartTag tag, Offset upper) {
     const SourceRange name = tag.name.isEmpty() ? rangeOf(tag.lower, tag.lower + 1) : tag.name;
     diagnose(Rule::unterminatedStartTag, name, upper);
@@ -327,7 +329,7 @@ TAMO_ALWAYS_INLINE void Builder::appendTag(const StartTag& tag, TreeNode::Flags 
     }
 }
 
-/// The attribute that starts with `name`; answers where its last token ends.
+/// Parses the attribute that starts with `name`; returns the end of its last token.
 TAMO_ALWAYS_INLINE Offset Builder::attribute(Lexer& lexer, SourceRange name, std::uint32_t firstAttribute) {
     if (m_attributeNames.mayBeRepeated(name)) [[unlikely]] {
         diagnoseRepeated(name, firstAttribute);
@@ -370,7 +372,7 @@ void Builder::diagnoseRepeated(SourceRange name, std::uint32_t firstAttribute) {
     }
 }
 
-/// For a tag with more attributes than are compared one by one.
+/// Diagnoses the later repeated names of a tag with more attributes than are compared one by one.
 void Builder::diagnoseRepeatedLater(std::uint32_t firstAttribute) {
     for (const SourceRange name : m_attributeNames.repeatedLater(attributesFrom(firstAttribute))) {
         diagnose(Rule::duplicateAttribute, name);
@@ -386,7 +388,7 @@ TAMO_ALWAYS_INLINE void Builder::appendAttribute(SourceRange name, Offset upper,
     attribute.quote = quote;
 }
 
-/// The end tag whose `</` is `opener`.
+/// Parses the end tag whose `</` is `opener`.
 TAMO_ALWAYS_INLINE void Builder::closeTag(Lexer& lexer, SourceRange opener) {
     flushTextRun();
     if (lexer.takeEndTagRest(m_open.top().name)) [[likely]] {
@@ -396,7 +398,7 @@ TAMO_ALWAYS_INLINE void Builder::closeTag(Lexer& lexer, SourceRange opener) {
     }
 }
 
-/// `closeTag` for an end tag of any form; answers where content goes on.
+/// `closeTag` for an end tag of any form; returns the offset at which content continues.
 TAMO_NEVER_INLINE std::ptrdiff_t Builder::closeUnexpectedTag(SourceRange opener) {
     UnitIndex index;
     Lexer lexer(m_units, index, opener.upper, count(), Lexer::Mode::tagName);
@@ -411,7 +413,7 @@ TAMO_NEVER_INLINE std::ptrdiff_t Builder::closeUnexpectedTag(SourceRange opener)
     return lexer.position;
 }
 
-/// Where the end tag ends, whose name ends at `nameEnd`.
+/// Parses the rest of an end tag whose name ends at `nameEnd`; returns the end of the tag.
 Offset Builder::endTagEnd(Lexer& lexer, SourceRange opener, Offset nameEnd) {
     Offset upper = nameEnd;
     while (true) {
@@ -439,8 +441,8 @@ Offset Builder::endTagEnd(Lexer& lexer, SourceRange opener, Offset nameEnd) {
     }
 }
 
-/// Closes the nearest open element of that name, after all those inside it; an end tag that closes none
-/// stays as text.
+/// Closes the innermost open element named `name`, after the open elements inside it. An end tag that closes
+/// no element becomes text.
 void Builder::closeNearest(SourceRange name, SourceRange endTag) {
     const auto position = m_open.nearest(m_text.units(name));
     if (!position) {
@@ -473,14 +475,14 @@ TAMO_ALWAYS_INLINE void Builder::popTop(Offset contentUpper, Offset upper, TreeN
     m_open.pop();
 }
 
-/// The node's own record of its children; they stand right after it.
+/// Records the children in the node. The first child has the index after that of the node.
 TAMO_ALWAYS_INLINE void Builder::linkChildren(const OpenElement& element) {
     TreeNode& node = m_nodes[element.node];
     node.childCount = element.childCount;
     node.firstChild = element.childCount == 0 ? NodeID::none() : NodeID{element.node + 1};
 }
 
-/// A construct that is one token.
+/// Appends the node of a construct that is a single token.
 void Builder::leaf(SourceRange range, const Delimiters& delimiters) {
     flushTextRun();
     const auto terminatorLength = static_cast<Offset>(delimiters.terminator.size());
@@ -510,8 +512,8 @@ void Builder::finish() {
     sortDiagnostics();
 }
 
-/// Sorts by offset and otherwise leaves the order as it is, but for a repeated attribute: that it is one may
-/// have been found out after what else is wrong with it, and is said first.
+/// Sorts by offset. Diagnostics at the same offset keep their order, but a repeated attribute comes first: it
+/// may have been detected after the other problems of the attribute.
 void Builder::sortDiagnostics() {
     const auto order = [](const DiagnosticRecord& record) {
         const bool isRepeated = record.rule == Rule::duplicateAttribute;

@@ -13,7 +13,7 @@ namespace {
 using namespace TypingAssistant;
 using TagMatcher::Context;
 
-/// Replaces `range` by `replacement`, with the caret at `caret` of the text afterwards.
+/// An edit that replaces `range` by `replacement`. `caret` is the offset of the caret in the text afterwards.
 Edit replace(SourceRange range, std::u16string replacement, std::int64_t caret) {
     return {{TextEdit{range, std::move(replacement)}}, SourceRange::empty(caret), {}};
 }
@@ -72,11 +72,11 @@ std::optional<Action> stepOverQuote(char16_t quote, const SourceText& in, Offset
     return Edit{{}, SourceRange::empty(caret + 1), {}};
 }
 
-/// One key in one state of the editor; called with the key.
+/// The state of the editor. The call operators return the action for each kind of input.
 struct Handler {
     const SourceText& text;
     SourceRange selection;
-    std::u16string unit; ///< Of indentation.
+    std::u16string unit; ///< One level of indentation.
     bool inSnippet;
 
     std::optional<Action> operator()(const Character& typed) const {
@@ -137,7 +137,8 @@ private:
             return std::nullopt;
         }
         auto found = TagExpander::expansion(selection.lower, text, unit);
-        // Within a snippet a name is what the user has just typed at a stop, and Tab leaves the stop.
+        // In a snippet, a mere name is what the user has just typed at a stop, and Tab moves on to the next
+        // stop.
         const bool isMeant = found && !(inSnippet && Lexer::isValidName(text.units(found->range)));
         if (!isMeant || TagMatcher::context(selection.lower, text) != Context::content) {
             return std::nullopt;

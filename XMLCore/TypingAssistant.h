@@ -10,9 +10,9 @@
 #include <variant>
 #include <vector>
 
-/// Decides, for one key in the source editor, whether the editor does something else than insert it. Pure
-/// functions: the caller applies what they answer, as one change. Line breaks are those of the text. A
-/// selection beyond the text stops the program.
+/// Decides, for one key in the source editor, whether the editor does something other than insert it. The
+/// functions are pure: the caller applies the action that they return, as one change. The program aborts if
+/// the selection reaches beyond the text.
 namespace TypingAssistant {
 
 struct Character {
@@ -30,10 +30,10 @@ struct Newline {
     bool operator==(const Newline&) const = default;
 };
 
-/// The key.
+/// The key that was pressed, or the character that was typed.
 using Input = std::variant<Character, Tab, Backtab, Newline>;
 
-/// Apply the edits instead of the key, select the range, and track the placeholders if there are some.
+/// Apply `edits` instead of the key, select `selection`, and track `placeholders` if there are any.
 struct Edit {
     std::vector<TextEdit> edits;
     SourceRange selection;                 ///< In the text after the edits.
@@ -56,19 +56,22 @@ concept WithoutPayload =
     std::same_as<Case, Tab> || std::same_as<Case, Backtab> || std::same_as<Case, Newline> ||
     std::same_as<Case, NextPlaceholder> || std::same_as<Case, PreviousPlaceholder>;
 
-/// What the key does, none when it does what it always does.
+/// The action for `input`; none if the editor should insert it as usual.
 ///
-/// - `>` ends a start tag and writes its end tag, `/` after `<` writes the end tag of the element that is
-///   open, `=` in a tag brings its quotes along, a quote steps over the one that closes the value.
-/// - A new line is indented like the one before, by one unit more after a start tag.
-/// - Tab expands the abbreviation before the caret. While placeholders are tracked (`inSnippet`) it goes to
-///   the next one instead, unless the abbreviation is more than a name. Otherwise it indents, and Backtab
-///   outdents.
+/// - `>` at the end of a start tag also inserts the end tag. `/` after `<` completes the end tag of the open
+///   element. `=` after an attribute's name also inserts two quotes. A quote before the closing quote of a
+///   value only moves the caret past it.
+/// - A new line starts with the text's line break and the indentation of the line before; after a start tag
+///   it is indented by one unit more.
+/// - Tab expands the abbreviation before the caret. While placeholders are tracked (`inSnippet`), it expands
+///   only an abbreviation that is more than a name, and otherwise goes to the next placeholder; Backtab goes
+///   to the previous one. In all other cases Tab indents and Backtab outdents.
 std::optional<Action> handle(const Input& input, const SourceText& in, SourceRange selection,
                              IndentStyle indent, bool inSnippet);
 
-/// Makes the lines of the selection one comment, or uncomments them when they are one. The blanks around them
-/// stay outside. None when there is nothing else than blanks. Selects the comment, or what was in it.
+/// Turns the lines of the selection into one comment; if they are one comment, removes its delimiters. White
+/// space around them stays outside the comment. Selects the comment or its former content. None if the lines
+/// contain only white space.
 std::optional<Action> toggleComment(const SourceText& in, SourceRange selection);
 
 } // namespace TypingAssistant

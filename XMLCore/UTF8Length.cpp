@@ -11,16 +11,16 @@
 
 namespace {
 
-/// How many bytes more than units the vectors from `unit` to `end` take.
+/// The number of bytes in UTF-8, less the number of units, of the whole vectors from `unit` to `end`.
 std::uint64_t bytesBeyondUnits(const char16_t* unit, const char16_t* end) {
     UnitVector more = UnitVector::all(0);
     for (; unit != end; unit += UnitVector::lanes) {
         const UnitVector units = UnitVector::load(unit);
         const UnitVector one = units.atMost(UnitVector::all(0x7F));
-        // Either half of a pair stands for two of its four bytes.
+        // Each half of a surrogate pair counts as two of its four bytes.
         const UnitVector surrogate = (units & UnitVector::all(0xF800)) == UnitVector::all(0xD800);
         const UnitVector two = units.atMost(UnitVector::all(0x7FF)) | surrogate;
-        // A lane that has all bits set is -1.
+        // A lane with all bits set is -1, so subtracting it adds one.
         more = more - UnitVector::all(0xFFFF).without(one) - UnitVector::all(0xFFFF).without(two);
     }
     const auto lanes = std::bit_cast<std::array<char16_t, UnitVector::lanes>>(more);
@@ -30,7 +30,7 @@ std::uint64_t bytesBeyondUnits(const char16_t* unit, const char16_t* end) {
 } // namespace
 
 std::uint64_t utf8LengthOfText(std::u16string_view units) {
-    // A lane counts up to 65,535.
+    // A lane counts up to 65,535, and each vector adds at most two to it.
     constexpr std::size_t mostCounted = std::size_t{32'767} * UnitVector::lanes;
     std::uint64_t length = units.size();
     const char16_t* unit = units.data();

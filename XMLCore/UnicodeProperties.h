@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <string_view>
 
-/// What Unicode 15.0 says of single scalars. Never fails: a surrogate counts as a control, and what is no
-/// code point at all as an unassigned one.
+/// Properties of single scalars in Unicode 15.0. Defined for every number: a surrogate counts as a control,
+/// and a number above U+10FFFF as an unassigned scalar.
 namespace UnicodeProperties {
 
-/// Grapheme_Cluster_Break, with Extended_Pictographic for the scalars that would be Other otherwise.
+/// Grapheme_Cluster_Break. `pictographic` stands for Extended_Pictographic, whose scalars would be Other
+/// otherwise.
 enum class GraphemeBreak : std::uint8_t {
     other,
     carriageReturn,
@@ -43,10 +44,10 @@ inline GraphemeBreak graphemeBreak(char32_t scalar) {
 }
 
 /// White_Space: the controls from tab to CR, the spaces of every width, the line and paragraph separators.
-/// XML knows fewer, see `UnitScan::isWhitespace`.
+/// XML has fewer: see `UnitScan::isWhitespace`.
 bool isWhitespace(char32_t scalar);
 
-/// Whether `character`, of any number of scalars, is white space: whether its first scalar is.
+/// Whether the first scalar of `character`, which may have several, is white space; false if it is empty.
 bool isWhitespace(std::u16string_view character);
 
 } // namespace UnicodeProperties

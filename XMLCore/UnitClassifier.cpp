@@ -12,7 +12,7 @@
 
 namespace {
 
-/// With the vectors that every processor has.
+/// The implementation with the vectors that every processor has.
 inline UnitFlags flagsOfVectors(const char16_t* units) {
     const auto all = [](char byte) { return ByteVector::all(static_cast<std::uint8_t>(byte)); };
     std::uint64_t markup = 0;
@@ -26,8 +26,8 @@ inline UnitFlags flagsOfVectors(const char16_t* units) {
         const ByteVector quote = (bytes == all('"')) | (bytes == all('\''));
         const ByteVector blank =
             (bytes == all(' ')) | (bytes == all('\t')) | (bytes == all('\n')) | (bytes == all('\r'));
-        // One subtraction and one comparison a range; setting 0x20 folds the letters' two cases. The highest
-        // bit of a byte beyond ASCII is set already.
+        // One subtraction and one comparison per range; setting the bit 0x20 folds the case of letters. Only
+        // the highest bit of each byte counts; bytes beyond ASCII have it set already.
         const ByteVector letter = ((bytes | all(0x20)) - all('a')).atMost(all('z' - 'a'));
         const ByteVector dashToColon = (bytes - all('-')).atMost(all(':' - '-'));
         const ByteVector mayBeName = bytes | letter | dashToColon | (bytes == all('_'));
@@ -41,8 +41,8 @@ inline UnitFlags flagsOfVectors(const char16_t* units) {
 
 #if defined(__x86_64__)
 
-/// What looking up the two halves of a byte finds out about it: a bit for every set of bytes whose upper and
-/// lower halves can be combined freely.
+/// The sets of bytes that are recognized by looking up both halves of a byte, one bit per set. In each set,
+/// every upper half occurs with every lower half.
 namespace ByteSet {
 constexpr char lessThan = 1;
 constexpr char ampersand = 2;
@@ -64,7 +64,7 @@ constexpr char name = dashAndDot | digitsAndUpToZ | underscore | upToO;
     return flagsOf(_mm256_cmpeq_epi8(common, _mm256_setzero_si256()));
 }
 
-/// With AVX2, by looking up the two halves of every byte.
+/// The implementation with AVX2, which looks up both halves of each byte.
 [[gnu::target("avx2")]] inline UnitFlags flagsByHalves(const char16_t* units) {
     using namespace ByteSet;
     constexpr char a = digitsAndUpToZ | upToO;
@@ -101,11 +101,11 @@ constexpr char name = dashAndDot | digitsAndUpToZ | underscore | upToO;
     return {~noMarkup, nameEnd, ~noValueEnd, ~blank};
 }
 
-/// One more set: everything but white space.
+/// One more set: everything except white space.
 constexpr char otherThanBlank = static_cast<char>(128);
 
-/// The sets of the ASCII characters. All markup is in that of `&`, all ends of values in that of quotes: who
-/// looks up whole bytes needs no more.
+/// The sets of the ASCII characters, for looking up whole bytes. Here `ampersand` is the set of all markup,
+/// and `quotes` that of all units that end a value.
 constexpr std::array<char, 128> setsOfASCII = [] {
     std::array<char, 128> sets{};
     for (int unit = 0; unit < 128; ++unit) {
@@ -120,9 +120,9 @@ constexpr std::array<char, 128> setsOfASCII = [] {
     return sets;
 }();
 
-/// With AVX-512, by looking up every byte.
+/// The implementation with AVX-512, which looks up whole bytes.
 [[gnu::target("avx512bw,avx512vbmi")]] inline UnitFlags flagsByBytes(const char16_t* units) {
-    // The forms with a mask, since the others read an undefined vector in this compiler's headers.
+    // These are the masked forms, because the others read an undefined vector in this compiler's headers.
     constexpr __mmask32 allLanes = 0xFFFFFFFF;
     const __m256i first = _mm512_maskz_cvtusepi16_epi8(allLanes, _mm512_loadu_si512(units));
     const __m256i second = _mm512_maskz_cvtusepi16_epi8(allLanes, _mm512_loadu_si512(units + 32));

@@ -4,16 +4,16 @@
 
 #include <span>
 
-/// What tells units apart for the index, in one form for every kind of processor.
+/// Classifies units for the index, with one implementation for each kind of processor.
 namespace UnitClassifier {
 
-/// Sets `flags`, each those of 64 of the units at `units`.
+/// Sets `flags`; each describes 64 of the units at `units`, in order.
 using Function = void (*)(const char16_t* units, std::span<UnitFlags> flags);
 
-/// All that this processor can run, the quickest last.
+/// All implementations that this processor can run, the fastest last.
 std::span<const Function> available();
 
-/// The quickest.
+/// The fastest implementation that this processor can run.
 Function quickest();
 
 } // namespace UnitClassifier

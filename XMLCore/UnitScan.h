@@ -8,15 +8,17 @@
 #include <cstdint>
 #include <string_view>
 
-/// For the few functions that inner loops are made of, and for those that would only be in their way.
+/// For the few functions that inner loops consist of, and for the rare ones that should stay out of these
+/// loops.
 #define TAMO_ALWAYS_INLINE [[gnu::always_inline]] inline
 #define TAMO_NEVER_INLINE [[gnu::noinline]]
 
-/// Scans for those who look for a unit or two, eight units at a step: the text types, the lexer where a token
-/// is long or rare. What the lexer asks at every token it finds in the `UnitIndex`.
+/// Searches for one or a few units, eight units per step. The text types use them, and the lexer for long or
+/// rare tokens; for frequent tokens it uses the `UnitIndex`.
 ///
-/// Each looks at the stretch `from ..< end` of the array `units`, reads nothing outside it, and answers with
-/// a position in it, `end` when it finds nothing.
+///
+/// Each function searches the range `from ..< end` of the array `units` and reads no unit outside it. It
+/// returns an offset in this range, or `end` if it finds nothing.
 namespace UnitScan {
 
 using Position = std::ptrdiff_t;
@@ -26,7 +28,7 @@ inline constexpr std::uint8_t nameStart = 1; ///< A letter, `:`, `_` or any unit
 inline constexpr std::uint8_t name = 2;      ///< A name-start unit, digit, `-` or `.`.
 } // namespace CharacterClass
 
-/// The classes of the units below 128.
+/// The classes of the units below 128, as bits of `CharacterClass`.
 inline constexpr std::array<std::uint8_t, 128> asciiClasses = [] {
     std::array<std::uint8_t, 128> classes{};
     const auto add = [&](char first, char last, std::uint8_t flags) {
@@ -56,7 +58,7 @@ constexpr bool isWhitespace(char16_t unit) {
     return unit <= u' ' && (whitespace >> unit & 1) != 0;
 }
 
-/// `find` from the second vector on.
+/// Continues `find` from the second vector on. Not inlined.
 template <class VectorTest, class UnitTest>
 TAMO_NEVER_INLINE Position findFarther(const char16_t* units, Position from, Position end, VectorTest matches,
                                        UnitTest isMatch) {
@@ -72,8 +74,8 @@ TAMO_NEVER_INLINE Position findFarther(const char16_t* units, Position from, Pos
     return from;
 }
 
-/// The first unit for which `isMatch` holds; `matches` says the same of a vector, lane by lane. Most scans
-/// end within the first vector; only that step is worth its place in the caller.
+/// The first unit for which `isMatch` returns true; `matches` returns the same for a vector, as a mask. Most
+/// searches end within the first vector, so only this step is inlined.
 template <class VectorTest, class UnitTest>
 TAMO_ALWAYS_INLINE Position find(const char16_t* units, Position from, Position end, VectorTest matches,
                                  UnitTest isMatch) {
@@ -96,13 +98,13 @@ TAMO_ALWAYS_INLINE Position findAny(const char16_t* units, Position from, Positi
         [=](char16_t unit) { return ((unit == wanted) || ...); });
 }
 
-/// The first unit that no name holds.
+/// The first unit that cannot be part of a name.
 TAMO_ALWAYS_INLINE Position findNameEnd(const char16_t* units, Position from, Position end) {
     return find(
         units, from, end,
         [](UnitVector vector) {
             const auto all = [](char16_t unit) { return UnitVector::all(unit); };
-            // One subtraction and one comparison a range; setting 0x20 folds the letters' two cases.
+            // One subtraction and one comparison per range; setting the bit 0x20 folds the case of letters.
             const UnitVector letter = ((vector | all(0x20)) - all(u'a')).atMost(all(u'z' - u'a'));
             const UnitVector dashToColon = (vector - all(u'-')).atMost(all(u':' - u'-'));
             const UnitVector isASCII = (vector & all(0xFF80)) == all(0);
@@ -125,7 +127,7 @@ TAMO_ALWAYS_INLINE Position findNonWhitespace(const char16_t* units, Position fr
         [](char16_t unit) { return !isWhitespace(unit); });
 }
 
-/// The first surrogate that is no half of a pair within the stretch.
+/// The first surrogate that is not half of a pair inside the range.
 inline Position findLoneSurrogate(const char16_t* units, Position from, Position end) {
     for (;; from += 2) {
         from = find(
@@ -140,7 +142,7 @@ inline Position findLoneSurrogate(const char16_t* units, Position from, Position
     }
 }
 
-/// Just after the first whole `terminator`, of two or three units, or `end`.
+/// The offset just after the first complete `terminator`, which has two or three units; otherwise `end`.
 template <std::size_t size>
 inline Position findAfter(const char16_t* units, Position from, Position end,
                           const char16_t (&terminator)[size]) {
@@ -165,8 +167,8 @@ inline Position findAfter(const char16_t* units, Position from, Position end,
     return end;
 }
 
-/// Whether the `count` units at `first` and `second` are the same. `readable` is the number of units that
-/// may be read at each: at least `count`, and the more there are, the quicker short stretches compare.
+/// Whether the `count` units at `first` and at `second` are equal. `readable`, at least `count`, is the
+/// number of units that may be read at each. If it exceeds `count`, a short range is compared faster.
 TAMO_ALWAYS_INLINE bool areEqual(const char16_t* first, const char16_t* second, Position count,
                                  Position readable) {
     Position compared = 0;

@@ -4,21 +4,21 @@
 
 #include <string_view>
 
-/// The scans for those who look back from a caret. Each looks at the stretch `from ..< end` of the array
-/// `units`, reads nothing outside it, and answers with the last place in it that fits, `nowhere` when none
-/// does.
+/// Searches backwards, for example from a caret. Each function searches the range `from ..< end` of the array
+/// `units` and reads no unit outside it. It returns the last matching offset in this range, or `nowhere`.
 namespace UnitScanBackward {
 
 using UnitScan::Position;
 
 inline constexpr Position nowhere = -1;
 
-/// The last place for which `isMatch` holds; `matches` says the same of the eight places from `at` on.
+/// The last offset for which `isMatch` returns true; `matches` returns the same for the eight offsets from
+/// its argument on, as a vector.
 template <class VectorTest, class UnitTest>
 Position findLast(Position from, Position end, VectorTest matches, UnitTest isMatch) {
     constexpr Position lanes = UnitVector::lanes;
     constexpr Position stride = 4 * lanes;
-    // What is looked for is mostly near; only long searches are worth the wider stride.
+    // The match is usually near; the wider stride pays off only for long searches.
     if (end - from >= lanes && !matches(end - lanes).mask().any()) {
         end -= lanes;
         while (end - from >= stride && !(matches(end - lanes) | matches(end - 2 * lanes) |
@@ -52,7 +52,7 @@ Position findLastAny(const char16_t* units, Position from, Position end, Units..
         [=](Position at) { return ((units[at] == wanted) || ...); });
 }
 
-/// The last unit that is `first` and has one of `second` right after it, inside the stretch too.
+/// The last unit that is `first` and is directly followed by one of `second`. Both are inside the range.
 template <class... Units>
 Position findLastPair(const char16_t* units, Position from, Position end, char16_t first, Units... second) {
     return findLast(
@@ -65,7 +65,7 @@ Position findLastPair(const char16_t* units, Position from, Position end, char16
         [=](Position at) { return units[at] == first && ((units[at + 1] == second) || ...); });
 }
 
-/// The last place where the whole of `sequence` stands, of two units or more.
+/// The start of the last complete `sequence`, which has at least two units.
 inline Position findLastSequence(const char16_t* units, Position from, Position end,
                                  std::u16string_view sequence) {
     Position at = end;
@@ -73,7 +73,7 @@ inline Position findLastSequence(const char16_t* units, Position from, Position 
         if (std::u16string_view(units + at, end - at).starts_with(sequence)) {
             return at;
         }
-        ++at; // The next pair may end with the unit that this one starts with.
+        ++at; // The next pair may end with the first unit of this pair.
     }
     return nowhere;
 }

@@ -11,18 +11,18 @@
 #include <arm_neon.h>
 #endif
 
-/// Eight UTF-16 units side by side: with `ByteVector`, what hides the vector instructions that every
-/// processor of a kind has (`UnitClassifier` knows some that only newer ones have). Everything compares lane
-/// by lane and answers with a `UnitMask`. Processors without them, and those who define
-/// `TAMO_PLAIN_UNIT_VECTOR`, get the same in plain C++.
+/// `UnitVector` is a SIMD vector of eight UTF-16 units. Together with `ByteVector` it wraps the vector
+/// instructions that every processor of an architecture has; `UnitClassifier` uses some that only newer ones
+/// have. All operators work lane by lane, and `mask` gathers their results in a `UnitMask`. For processors
+/// without such instructions, and if `TAMO_PLAIN_UNIT_VECTOR` is defined, the same is written in plain C++.
 
-/// One flag a lane, packed as the processor gives them.
+/// One flag per lane, with as many bits per flag as the processor produces.
 template <class Bits, unsigned bitsPerLane>
 struct BasicUnitMask {
     Bits bits = 0;
 
     bool any() const { return bits != 0; }
-    /// The first lane whose flag is set; there must be one.
+    /// The index of the first lane whose flag is set. At least one must be set.
     std::ptrdiff_t first() const {
         if (bits == 0) {
             std::unreachable();
@@ -31,9 +31,9 @@ struct BasicUnitMask {
     }
     void clearFirst() { bits &= ~(laneMask << (first() * bitsPerLane)); }
     BasicUnitMask operator~() const { return {static_cast<Bits>(~bits & allLanes)}; }
-    /// How many lanes have their flag set.
+    /// The number of lanes whose flag is set.
     int count() const { return std::popcount(bits) / bitsPerLane; }
-    /// The flags of the first `count` lanes, 0 to 7, alone.
+    /// Only the flags of the first `count` lanes, 0 to 7; the others are cleared.
     BasicUnitMask firstLanes(std::ptrdiff_t count) const {
         return {static_cast<Bits>(bits & ((Bits(1) << (count * bitsPerLane)) - 1))};
     }
@@ -59,14 +59,14 @@ struct UnitVector {
     UnitVector operator==(UnitVector other) const { return {_mm_cmpeq_epi16(units, other.units)}; }
     UnitVector operator|(UnitVector other) const { return {_mm_or_si128(units, other.units)}; }
     UnitVector operator&(UnitVector other) const { return {_mm_and_si128(units, other.units)}; }
-    /// The bits that `other` does not have.
+    /// The bits that are set here and not in `other`.
     UnitVector without(UnitVector other) const { return {_mm_andnot_si128(other.units, units)}; }
     UnitVector operator-(UnitVector other) const { return {_mm_sub_epi16(units, other.units)}; }
-    /// All bits of a lane set where its unit is at most `other`'s.
+    /// Sets all bits of each lane whose unit is at most that of `other`; clears the others.
     UnitVector atMost(UnitVector other) const {
         return {_mm_cmpeq_epi16(_mm_subs_epu16(units, other.units), _mm_setzero_si128())};
     }
-    /// The flags of the lanes, each of which has all its bits set or none.
+    /// The flags of the lanes. In each lane either all bits or no bits must be set.
     UnitMask mask() const { return {static_cast<std::uint32_t>(_mm_movemask_epi8(units))}; }
 };
 

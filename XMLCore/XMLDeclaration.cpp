@@ -18,8 +18,8 @@ std::size_t afterSpaces(std::u16string_view text, std::size_t at) {
     return at;
 }
 
-/// Where the declaration at the start of `text` ends. One that is not closed ends with a `>` alone, or before
-/// the next tag.
+/// The end of the declaration at the start of `text`. One without `?>` ends after the next `>` or before the
+/// next `<`.
 std::size_t end(std::u16string_view text) {
     const std::size_t closer = text.find(u"?>", opener.size());
     const std::size_t next = text.find_first_of(u"<>", opener.size());
@@ -29,7 +29,7 @@ std::size_t end(std::u16string_view text) {
     return next == std::u16string_view::npos ? text.size() : next + (text[next] == u'>' ? 1 : 0);
 }
 
-/// The value in `name="value"` inside `declaration`; nothing where that is not there.
+/// The range of the value in `name="value"` inside `declaration`; none if this does not occur.
 std::optional<SourceRange> value(std::u16string_view name, std::u16string_view declaration) {
     for (std::size_t at = declaration.find(name); at != std::u16string_view::npos;
          at = declaration.find(name, at + 1)) {
