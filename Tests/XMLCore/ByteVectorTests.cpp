@@ -6,7 +6,7 @@
 
 namespace {
 
-/// 0x01 to 0x10, and `byte` in the lane `at`.
+/// The bytes 0x01 to 0x10, with `byte` in place of the one in the lane `at`.
 std::array<std::uint8_t, ByteVector::lanes> bytesWith(std::uint8_t byte, int at) {
     std::array<std::uint8_t, ByteVector::lanes> bytes{};
     for (int i = 0; i < ByteVector::lanes; ++i) {

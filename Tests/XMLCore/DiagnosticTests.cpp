@@ -13,7 +13,7 @@ namespace {
 using Severity = Diagnostic::Severity;
 using Fix = Diagnostic::Fix;
 
-/// Checks that `input` has one diagnostic of that message, and what is said of it.
+/// Checks that `input` has one diagnostic with `message`; its operations check the rest of the diagnostic.
 class Row {
 public:
     Row(std::u16string input, std::u16string message) : m_input(std::move(input)) {
@@ -31,7 +31,7 @@ public:
     Row& isError(SourceRange range) { return has(range, Severity::error); }
     Row& isWarning(SourceRange range) { return has(range, Severity::warning); }
 
-    /// The fix replaces `range`, and `fixed` is what comes of it.
+    /// Checks that the fix replaces `range` by `replacement`, which results in `fixed`.
     void isFixed(const std::u16string& title, SourceRange range, const std::u16string& replacement,
                  const std::u16string& fixed) {
         const Fix expected{title, {{range, replacement}}};
@@ -104,7 +104,7 @@ TEST(Diagnostic, TerminatesConstructs) {
     Row(u"<!DOCTYPE [x> ", u"Falta cerrar con >")
         .isError({0, 2})
         .isFixedByInsertion(u"Cerrar con >", 14, u">", u"<!DOCTYPE [x> >");
-    // What ends with the terminator counts as terminated, brackets or not.
+    // A construct that ends with its terminator counts as terminated, even inside brackets.
     checkMessages(u"<!DOCTYPE [x>", {u"El documento no tiene elemento raíz"});
     Row(u"<!", u"Falta cerrar con >").isError({0, 2}).isFixedByInsertion(u"Cerrar con >", 2, u">", u"<!>");
     // The terminator must not share its units with the opener.
@@ -116,7 +116,7 @@ TEST(Diagnostic, TerminatesConstructs) {
 }
 
 TEST(Diagnostic, TellsMissingTagName) {
-    // The lexer never gives the parser a reason to say so.
+    // The lexer never returns tokens for which the parser reports this, so the records are made here.
     RecordArray<DiagnosticRecord> records;
     records.append({{2, 3}, 0, DiagnosticRecord::Rule::missingTagName});
     records.append({{2, 3}, 4, DiagnosticRecord::Rule::unterminatedStartTag});
@@ -159,7 +159,7 @@ TEST(Diagnostic, AllowsOneRoot) {
     Row(u"<a/><b/>", message).isError({5, 6}).hasNoFix();
     Row(u"<a></a><bb></bb>", message).isError({8, 10}).hasNoFix();
     checkMessages(u"<a/><b/><c/>", {message, message});
-    // A start tag that was cut off is no root.
+    // A start tag that was cut off does not count as a root.
     checkMessages(u"<a<b/>", {u"La etiqueta <a> no termina con >"});
 }
 
@@ -262,7 +262,7 @@ TEST(Diagnostic, RepairsNamesInMessagesButNotInEdits) {
     Row(u"<" + name, u"La etiqueta <a\xFFFD> no termina con >");
     Row(u"<a \xDC00/>", u"El atributo “\xFFFD” no tiene valor");
     Row(u"<a \xDC00='' \xDC00=''/>", u"Atributo duplicado “\xFFFD”");
-    // Names that only look the same are different ones.
+    // Names that are only displayed in the same way are different names.
     checkMessages(u"<a \xDC00='' \xDC01=''/>", {});
 }
 

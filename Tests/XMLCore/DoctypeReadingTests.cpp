@@ -15,7 +15,7 @@
 
 namespace {
 
-/// A text and the declaration that its reading finds; empty for none.
+/// A text and the declaration that its reading finds; empty if it finds none.
 struct Row {
     std::u16string text;
     std::u16string declaration;
@@ -35,7 +35,7 @@ DocumentTree parsed(const std::u16string& units) {
     return TreeParser::parse(text, {}, {}, DoctypeReading::of(text));
 }
 
-/// Whether the text is a document with a root and nothing wrong.
+/// Whether the text has a root element and no diagnostics.
 bool isIntact(const std::u16string& units) {
     const DocumentTree tree = parsed(units);
     return tree.diagnostics.empty() && tree.rootElement().has_value();
@@ -52,7 +52,7 @@ TEST(DoctypeReading, IsThatOfTheLetterWhereThatFindsAnEnd) {
         {u"<!DOCTYPE r><r/>", u"<!DOCTYPE r>"},
         {u"<?xml version='1.0'?>\n<!-- ' -->\n<!DOCTYPE r [<!ENTITY e '>'>]>\n<r/>",
          u"<!DOCTYPE r [<!ENTITY e '>'>]>"},
-        // Two apostrophes make a quote, which hides what it hides.
+        // Two apostrophes enclose a quoted string, which hides the `]>` inside it.
         {u"<!DOCTYPE r [<!-- ' ]> ' -->]><r/>", u"<!DOCTYPE r [<!-- ' ]> ' -->]>"},
         {u"<!DOCTYPE r [<!-- ]> -->]><r/>", u"<!DOCTYPE r [<!-- ]>"},
     });
@@ -75,9 +75,9 @@ TEST(DoctypeReading, StaysWithTheLetterWhereNothingHelps) {
         {u"<!DOCTYPE r [", u""},
         {u"<!DOCTYPE r [<!-- don't ]><r/>", u""},
         {u"<!DOCTYPE r [<?x don't ]><r/>", u""},
-        {u"<!DOCTYPE r <!-- don't --> ><r/>", u""}, // Outside the brackets nothing is skipped.
+        {u"<!DOCTYPE r <!-- don't --> ><r/>", u""}, // Outside the brackets, nothing is skipped.
         {u"<!DOCTYPE r [<!ENTITY e 'x>]><r/>", u""},
-        {u"<!DOCTYPE r 'x><!DOCTYPE r [<!-- \" -->]><r/>", u""}, // The first one alone is looked at.
+        {u"<!DOCTYPE r 'x><!DOCTYPE r [<!-- \" -->]><r/>", u""}, // Only the first declaration is read.
         {u"<!doctype r [<!-- don't -->]><r/>", u""},
         {u"<r/><!DOCTYPE r [<!-- don't -->]>", u""},
         {u"<r><!DOCTYPE r [<!-- don't -->]></r>", u""},
@@ -96,7 +96,7 @@ TEST(DoctypeReading, CutsTheDeclarationInAPartOfTheText) {
     const DoctypeReading reading = DoctypeReading::of(text);
     EXPECT_EQ(reading.after(2).declaration, SourceRange::at(0, std::ssize(subset)));
     EXPECT_EQ(reading.after(3), DoctypeReading());
-    // Where lexing ends inside the declaration, so does its token.
+    // If lexing ends inside the declaration, its token ends there too.
     const std::vector<Token> tokens = Lexer::tokens(text, {2, 10}, reading);
     EXPECT_EQ(tokens, (std::vector<Token>{{Token::Kind::doctype, {2, 10}}}));
 }
@@ -122,11 +122,11 @@ TEST(DoctypeReading, IsWhatTheMatcherOfTagsSeesToo) {
 }
 
 TEST(DoctypeReading, ReadsHostileTextsOnce) {
-    // Each text would take hours if anything of it were looked at again and again.
+    // Each text would take hours if parts of it were read repeatedly.
     constexpr std::size_t many = 1'000'000;
     check({{repeated(u"<!DOCTYPE", many), u""}, {repeated(u"<!DOCTYPE[<!--'-->", many), u""}});
     const std::u16string closed = u"<!DOCTYPE[<!--'-->]>";
-    // By the letter the second one closes the quote of the first, and both are one declaration.
+    // By the strict rule, the second declaration closes the quote of the first, and both are one declaration.
     EXPECT_EQ(DoctypeReading::of(SourceText(repeated(closed, many))).declaration,
               SourceRange::at(0, 2 * std::ssize(closed)));
     const std::u16string large =

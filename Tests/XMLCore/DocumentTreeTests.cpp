@@ -28,7 +28,7 @@ struct TextRow {
     std::optional<std::u16string> expected;
 };
 
-/// Checks the text of the node after the document.
+/// Checks the `textContent` of the first node after the document.
 void checkTextContent(const std::vector<TextRow>& rows) {
     for (const TextRow& row : rows) {
         EXPECT_EQ(literal(parse(row.input).textContent(nodeID(1))), literal(row.expected))
@@ -43,7 +43,7 @@ void checkPreview(std::size_t limit, const std::vector<TextRow>& rows) {
     }
 }
 
-/// The preview of an element as it is defined, from all of its text.
+/// A plain model: computes the preview of an element from all of its text.
 std::u16string plainPreview(const std::u16string& textContent, std::size_t limit) {
     std::vector<std::u16string> line;
     for (const std::u16string_view character : GraphemeBreaker::Characters(textContent)) {
@@ -239,7 +239,7 @@ TEST(DocumentTree, LexesFromWhereItStartsAsFromTheBeginning) {
             const auto first = std::ranges::lower_bound(tokens, start, {},
                                                         [](const Token& token) { return token.range.lower; });
             std::vector<Token> expected(first, tokens.end());
-            // Lexing may start within a run of text; what follows is the same.
+            // Lexing may start inside a run of text; the tokens after this run must be the same.
             std::vector<Token> actual = Lexer::tokens(tree.text, {start, tree.text.count()});
             if (first != tokens.begin() && std::prev(first)->range.upper > start) {
                 ASSERT_FALSE(actual.empty());
@@ -355,7 +355,7 @@ TEST(DocumentTree, PreviewsLookAtFourUnitsACharacterOfLeaves) {
                          u"x\u0301\u0301\u0301\u0301\u0301\u0301\u0301"},
                         {u"<!--       \U0001F600-->", u"\xFFFD"},
                         {u"<!--      \U0001F600-->", u"\U0001F600"},
-                        // All of an element's text counts.
+                        // The whole text of an element is read.
                         {u"<a>             xy</a>", u"xy…"},
                     });
 }

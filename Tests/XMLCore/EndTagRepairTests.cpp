@@ -6,7 +6,7 @@
 
 namespace {
 
-/// `text` with the first end tag that can be renamed renamed.
+/// `text` after the first renaming of an end tag that is possible.
 std::u16string renamed(std::u16string_view text) {
     const DocumentTree tree = TreeParser::parse(SourceText(text));
     for (std::size_t index = 0; index < tree.diagnostics.size(); ++index) {
@@ -35,13 +35,13 @@ TEST(EndTagRepair, RenamesASlip) {
 
 TEST(EndTagRepair, LeavesAloneWhatIsNone) {
     for (const std::u16string_view text : {
-             u"<r><a>x</b></r>",                // Another name altogether.
-             u"<r><item>x</itm></item></r>",    // The element has its end tag.
-             u"<items><b/></item><c/></items>", // It would end before it does.
-             u"<items><b/></item><c/>",         // The root would.
-             u"<r><item>x</itm y></r>",         // More than a name.
-             u"<r><item>x</itm",                // Not even an end.
-             u"</itm><item>",                   // Outside of everything.
+             u"<r><a>x</b></r>",                // The names are not similar.
+             u"<r><item>x</itm></item></r>",    // The element has an end tag.
+             u"<items><b/></item><c/></items>", // The element would end too early.
+             u"<items><b/></item><c/>",         // The root would end too early.
+             u"<r><item>x</itm y></r>",         // The tag contains more than a name.
+             u"<r><item>x</itm",                // The tag has no end.
+             u"</itm><item>",                   // The tag is outside all elements.
              u"<r></item></r>",
          }) {
         EXPECT_EQ(renamed(text), text);

@@ -41,10 +41,10 @@ void checkKept(const std::vector<std::u16string>& texts) {
     }
 }
 
-/// Too long to be kept inside the string object itself, so that a copy would show in its address.
+/// Too long to be stored inside the string object itself, so that a copy would have another address.
 const std::u16string longText(1000, u'a');
 
-/// What escaping and unescaping say when they are written as character by character as they are defined.
+/// A plain model of escaping and unescaping that works character by character.
 namespace Model {
 
 using Character = std::u16string_view;
@@ -137,7 +137,7 @@ std::u16string unescape(std::u16string_view text) {
 
 } // namespace Model
 
-/// Markup, pieces of references, and scalars that join their neighbours in every way.
+/// Markup, parts of references, and scalars that combine with their neighbours in every way.
 constexpr char32_t alphabet[] = {U'&',  U'&',  U'&',    U'<',    U'>',   U'"',   U'\'',  U'\n',
                                  U'\r', U'\t', U';',    U';',    U'#',   U'x',   U'0',   U'1',
                                  U'a',  U'm',  U'p',    U'l',    U't',   U' ',   0x301,  0x200D,
@@ -155,14 +155,15 @@ std::u16string withReferences(Random& random) {
     return text;
 }
 
-/// Whether an LF or tab has a neighbour that would join the reference written for it.
+/// Whether an LF or tab has a neighbour that would combine with the reference that replaces it.
 bool hasJoiningNeighbour(std::u16string_view value) {
     using UnicodeProperties::GraphemeBreak;
     for (std::size_t at = 0; at < value.size(); ++at) {
         if (value[at] != u'\n' && value[at] != u'\t') {
             continue;
         }
-        // In place of the control a letter: what joins it would join `&` and `;` as well.
+        // A letter replaces the control: a neighbour that combines with it would also combine with `&` and
+        // `;`.
         std::u16string probe(value);
         probe[at] = u'a';
         if (!GraphemeBreaker::isBoundary(probe, at) || !GraphemeBreaker::isBoundary(probe, at + 1)) {

@@ -24,7 +24,7 @@ std::size_t errorsOf(std::u16string_view text) {
     return parsed(text).diagnostics.errorCount();
 }
 
-/// Any text that has something wrong with it, mostly.
+/// A random text, in most cases a malformed one.
 std::u16string damagedText(Random& random, RandomMarkup& markup) {
     switch (random.below(5)) {
     case 0:
@@ -76,13 +76,13 @@ TEST(FixPlanner, SeesWhatAStageMadeOfTheText) {
         std::u16string_view text, after;
     };
     for (const Row& row : {
-             // The end tag stays once the start tag before it is one.
+             // The end tag stays, because it matches once the start tag is repaired.
              Row{u"<a b=\"x>t</a>", u"<a b=\"x\">t</a>"},
              Row{u"<a b=\"1 < 2\">t</a>", u"<a b=\"1 &lt; 2\">t</a>"},
              Row{u"<a b=x\">t</a>", u"<a b=\"x\">t</a>"},
              Row{u"<a b t</a>", u"<a b=\"\" t=\"\"></a>"},
              Row{u"<a><b</a>", u"<a><b></b></a>"},
-             // Quotes uncover what looked like a value.
+             // Closing the quote turns the rest of the value into content.
              Row{u"<a b=\"x>1 & 2 & 3 & 4 & 5</a>", u"<a b=\"x\">1 &amp; 2 &amp; 3 &amp; 4 &amp; 5</a>"},
          }) {
         EXPECT_EQ(fixed(row.text), row.after);
@@ -149,7 +149,7 @@ TEST(FixPlanner, TouchesOnlyWhatItMends) {
         for (const TextEdit& edit : plan.edits) {
             EXPECT_TRUE(last == 0 || last < edit.range.lower);
             last = edit.range.upper;
-            // Of what was there only lone units are escaped, and end tags taken away or renamed.
+            // Edits replace only lone units, which are escaped, and end tags, which are removed or renamed.
             const std::u16string_view replaced =
                 std::u16string_view(text).substr(edit.range.lower, edit.range.length());
             const bool isEscaped = replaced.find_first_not_of(u"<&") == std::u16string_view::npos;

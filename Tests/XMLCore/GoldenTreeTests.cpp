@@ -22,7 +22,7 @@ std::string contents(const std::filesystem::path& file) {
     return bytes.str();
 }
 
-/// Valid UTF-8 as UTF-16.
+/// Decodes valid UTF-8.
 std::u16string decode(std::string_view bytes) {
     std::u16string text;
     for (std::size_t at = 0; at < bytes.size();) {
@@ -47,8 +47,8 @@ std::string dumpOf(const std::u16string& units) {
 
 } // namespace
 
-/// With `TAMO_REWRITE_GOLDEN` in the environment the expected trees are written anew, to be read as a
-/// difference.
+/// If `TAMO_REWRITE_GOLDEN` is set in the environment, the expected trees are rewritten, to be reviewed as a
+/// diff.
 TEST(GoldenTrees, AreReproduced) {
     std::set<std::filesystem::path> documents;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {

@@ -14,7 +14,7 @@ using TagMatcher::Context;
 
 struct Row {
     std::u16string_view marked;
-    Context byText; ///< As the text alone tells it.
+    Context byText; ///< The context without a tree.
     Context byTree;
 };
 

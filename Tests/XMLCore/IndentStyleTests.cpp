@@ -8,7 +8,7 @@ namespace {
 
 constexpr int maxLines = 2000;
 
-/// A text with one word a line, indented by so many spaces.
+/// A text with one word per line; each line is indented by the given number of spaces.
 std::u16string indented(const std::vector<int>& widths) {
     std::u16string text;
     for (const int width : widths) {
@@ -51,10 +51,11 @@ TEST(IndentStyle, DetectsTabsWhereTheyAreMore) {
     EXPECT_EQ(detect(u"\tb"), IndentStyle::tabs());
     EXPECT_EQ(detect(u"a\n\tb\n  c\n"), IndentStyle::spaces(2));
     EXPECT_EQ(detect(u"a\n\tb\n\tb\n  c\n"), IndentStyle::tabs());
-    // Spaces before a tab make a space line, tabs before spaces a tab line.
+    // A line that starts with a space counts as a line with spaces, one that starts with a tab as a line with
+    // tabs.
     EXPECT_EQ(detect(u" \tb\n \tb\n\tc"), IndentStyle::spaces(1));
     EXPECT_EQ(detect(u"\t b\n\t b\n c"), IndentStyle::tabs());
-    // Blank lines count too.
+    // Lines of only white space count too.
     EXPECT_EQ(detect(u"\t\n\t\n  a"), IndentStyle::tabs());
     EXPECT_EQ(detect(u"   \n   \n\ta"), IndentStyle::spaces(4));
 }

@@ -32,7 +32,7 @@ std::vector<Piece> pieces(const SourceText& text, const std::vector<Token>& toke
     return pieces;
 }
 
-/// Whether the tokens stand in `range` in order, none is empty, and only white space lies between them.
+/// Checks that the tokens are inside `range`, in order and not empty, with only white space between them.
 void checkPlaces(const SourceText& text, SourceRange range, const std::vector<Token>& tokens) {
     Offset upper = range.lower;
     for (const Token& token : tokens) {
@@ -59,14 +59,14 @@ void check(const std::vector<Row>& rows) {
     }
 }
 
-/// Checks texts that are one token of `kind`.
+/// Checks that each text is a single token of `kind`.
 void checkWhole(Token::Kind kind, const std::vector<std::u16string>& texts) {
     for (const std::u16string& text : texts) {
         check({{text, {{kind, text}}}});
     }
 }
 
-/// Checks the tokens that follow `<e ` of the tag that the inputs stand in.
+/// Checks the tokens after `<e ` of the tag that contains the inputs.
 void checkInTag(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
         std::vector<Piece> expected{{openTagStart, u"<"}, {tagName, u"e"}};
@@ -190,7 +190,7 @@ TEST(Lexer, SectionsEndAtTheirFirstTerminator) {
     checkWhole(cdata, {u"<![CDATA[", u"<![CDATA[]", u"<![CDATA[]]", u"<![CDATA[]]>", u"<![CDATA[]]]]>",
                        u"<![CDATA[a]>b]]c>", u"<![CDATA[<a>&&</a>]]>"});
     check({{u"<![CDATA[a]]>]]>", {{cdata, u"<![CDATA[a]]>"}, {text, u"]]>"}}}});
-    // Anything but the exact opener is some declaration.
+    // Without the exact opener, the construct is another declaration.
     checkWhole(doctype, {u"<![cdata[a]]>", u"<![CDATA", u"<![CDATA a]>", u"<!- a -->"});
 }
 
@@ -204,7 +204,7 @@ TEST(Lexer, DeclarationsSkipQuotesAndBrackets) {
                          u"<!x ]>", u"<!x ]][>", u"<!x '\">", u"<!x \"'>", u"<!x [", u"<!x '[' >",
                          u"<!x <!-- -->", u"<!-x>", u"<!abcdefghijklmnop>"});
     check({{u"<!x>y>", {{doctype, u"<!x>"}, {text, u"y>"}}}});
-    // The depth falls below zero, and an opening bracket makes up for it.
+    // The depth of brackets falls below zero, and an opening bracket raises it again.
     check({{u"<!x ][>y", {{doctype, u"<!x ][>"}, {text, u"y"}}}});
     check({{u"<!x ][[>]>y", {{doctype, u"<!x ][[>]>"}, {text, u"y"}}}});
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// A document, and the node that starts right where the `|` stands in `marked`.
+/// A document, and the node that starts at the `|` in `marked`.
 struct MarkedNode {
     DocumentTree tree;
     NodeID node;

@@ -19,8 +19,8 @@ struct MarkedText {
     Offset caret() const { return selection.lower; }
 };
 
-/// `text` with a `|` at `selection`, one or two of them.
+/// `text` with one `|` at a caret, or two around a selection.
 std::u16string marked(std::u16string text, SourceRange selection);
 
-/// What `edits` make of `text`, with `selection` of the result marked.
+/// `text` after `edits`, with `selection`, a range of the result, marked.
 std::u16string marked(const SourceText& text, std::span<const TextEdit> edits, SourceRange selection);

@@ -15,7 +15,7 @@ using Kind = TreeNode::Kind;
 using Placement = TreeMutation::Placement;
 using TM = TreeMutation;
 
-/// A document as a reader knows it: a tree of its own, which a mutation really changes.
+/// A model of a document: a separate tree of nodes, which mutations really change.
 struct Model {
     struct Attribute {
         std::u16string name;
@@ -71,8 +71,8 @@ struct Model {
         return found == attributes.end() ? nullptr : &*found;
     }
 
-    /// Everything that matters, as one string: white space comes and goes with the layout, and neighbouring
-    /// texts and CDATA sections are one.
+    /// Everything that a mutation must preserve, as one string. White space is left out, because the layout
+    /// may change it, and adjacent texts and CDATA sections are joined.
     std::u16string canonical() const {
         std::u16string result =
             u"[" + std::u16string(1, static_cast<char16_t>(u'0' + static_cast<int>(kind)));
@@ -146,7 +146,7 @@ std::u16string spacedHyphens(std::u16string text) {
     return text;
 }
 
-/// Carries mutations out on a model. Each answers with the node that is to be selected then.
+/// Applies mutations to a model. Each call returns the node that is to be selected afterwards.
 struct Mutator {
     Model& document;
 
@@ -304,7 +304,7 @@ IndentStyle randomIndent(Random& random) {
                                 : IndentStyle::spaces(static_cast<int>(random.below(5)));
 }
 
-/// Whether the edits lie inside `text` and do not overlap: each ends before the next begins.
+/// Whether the edits lie inside `text` and do not overlap: each ends before or where the next begins.
 bool areApplicable(const std::vector<TextEdit>& edits, const std::u16string& text) {
     std::vector<TextEdit> ordered = TextEdit::applicationOrder(edits);
     std::ranges::reverse(ordered);
@@ -314,7 +314,7 @@ bool areApplicable(const std::vector<TextEdit>& edits, const std::u16string& tex
     });
 }
 
-/// What the edits leave of `text`, and nothing else.
+/// `text` without the ranges that the edits replace.
 std::u16string removed(const std::vector<TextEdit>& edits, const std::u16string& text) {
     std::vector<TextEdit> deletions = edits;
     for (TextEdit& edit : deletions) {
@@ -332,7 +332,8 @@ bool isSubsequence(const std::u16string& part, const std::u16string& whole) {
     return at == part.size();
 }
 
-/// The node that `selectOffset` means: it begins there, but for a text, which may have joined others.
+/// Checks the node at `selectOffset`: it starts there, unless it is a text, which may have been joined with
+/// others.
 void checkSelection(const DocumentTree& tree, std::optional<Offset> selectOffset, const Model& expected) {
     if (expected.kind == Kind::document) {
         EXPECT_EQ(selectOffset, std::nullopt);
@@ -341,13 +342,13 @@ void checkSelection(const DocumentTree& tree, std::optional<Offset> selectOffset
     ASSERT_TRUE(selectOffset);
     const NodeID selected = tree.node(*selectOffset);
     if (expected.isText()) {
-        // An empty text is no node any more.
+        // A text that is empty now has no node.
         const bool isText = tree[selected].kind == Kind::text && tree[selected].range.upper >= *selectOffset;
         EXPECT_TRUE(isText || Model::withoutSpace(expected.content).empty());
         return;
     }
     EXPECT_EQ(tree[selected].range.lower, *selectOffset);
-    // A section that was split is selected by its first part.
+    // If a section was split, its first part is selected.
     if (expected.kind != Kind::cdata) {
         EXPECT_EQ(model(tree, selected)->canonical(), expected.canonical());
     }

@@ -23,7 +23,7 @@ std::expected<Plan, Failure> plan(const std::u16string& text, const TM& mutation
     return MutationPlanner::plan(mutation, TreeParser::parse(SourceText(text)), indent);
 }
 
-/// The text after the plan, `|` where the node to select begins.
+/// The text after the plan, with `|` where the node to select starts.
 std::u16string applied(const std::u16string& text, const Plan& plan) {
     std::u16string result = TextEdit::apply(plan.edits, text);
     if (plan.selectOffset) {
@@ -182,7 +182,7 @@ TEST(MutationPlanner, RemovesAttributesWithTheSpaceBefore) {
         {u"<a x='1", TM::RemoveAttribute{root, u"x"}, u"|<a"},
         {u"<a x= >", TM::RemoveAttribute{root, u"x"}, u"|<a >"},
     });
-    // Names that would join stay apart.
+    // White space between two names stays.
     check({
         {u"<a x=1>", TM::RemoveAttribute{root, u"x"}, u"|<a 1>"},
         {u"<a  x=y z>", TM::RemoveAttribute{root, u"x"}, u"|<a  y z>"},
@@ -460,7 +460,7 @@ TEST(MutationPlanner, RefusesToMoveNodesIntoThemselves) {
         });
     }
     checkFailures({
-        // The insertion would stand amid the lines that go.
+        // The insertion would be inside the lines that are deleted.
         {u"<r>\n  <a/>\n</r>", TM::Move{first, root, Placement::lastChild}, InvalidTarget{}},
         {u"<r>\n  <a/>\n</r>", TM::Move{first, root, Placement::firstChild}, InvalidTarget{}},
         {u"<r>\n  <a/>\n  x\n</r>", TM::Move{first, second, Placement::before}, InvalidTarget{}},

@@ -11,7 +11,8 @@
 
 namespace {
 
-/// The number of slips by the textbook's table: one letter too many, missing, wrong, or two exchanged.
+/// The number of typing errors, computed by dynamic programming: one letter too many, missing or wrong, or
+/// two exchanged.
 std::size_t slips(std::u16string_view first, std::u16string_view second) {
     std::vector<std::vector<std::size_t>> table(first.size() + 1,
                                                 std::vector<std::size_t>(second.size() + 1));

@@ -132,7 +132,7 @@ TEST(NodePath, FollowsAMillionLevelsAndSiblings) {
 }
 
 TEST(NodePath, CountsTheSiblingsOfEveryStepOnce) {
-    // Every level of a deep tree stands behind a row of namesakes.
+    // At every level of a deep tree, 1,000 siblings of the same name precede the element.
     constexpr std::size_t levels = 1000;
     const DocumentTree tree = parse(repeated(repeated(u"<a/>", 1000) + u"<a>", levels));
     const NodeID deepest{static_cast<std::uint32_t>(tree.nodes.size() - 1)};

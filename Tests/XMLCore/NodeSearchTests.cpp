@@ -40,7 +40,7 @@ void check(const std::vector<Row>& rows) {
     }
 }
 
-/// The search as it is defined, one comparison after the other.
+/// A plain model of the search, one comparison after the other.
 namespace Model {
 
 char16_t fold(char16_t unit) {

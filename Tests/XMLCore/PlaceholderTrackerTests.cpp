@@ -118,7 +118,7 @@ TEST(PlaceholderTracker, HashesItsStopsAndPlace) {
     EXPECT_NE(hash(first), hash(second));
 }
 
-/// Each stop covers what was typed in it and nothing else, however the text around it changes.
+/// Each stop covers exactly the text that was typed in it, however the text around it changes.
 TEST(PlaceholderTracker, KeepsItsStopsAtTheirText) {
     Random random;
     for (int round = 0; round < 2'000; ++round) {

@@ -40,7 +40,7 @@ void check(const std::vector<Row>& rows) {
     }
 }
 
-/// The layout written as it is defined, for trees that are not deep.
+/// A plain, recursive model of the printer, for trees that are not deep.
 class Model {
 public:
     Model(const DocumentTree& tree, std::u16string_view lineBreak, std::u16string_view indentUnit)

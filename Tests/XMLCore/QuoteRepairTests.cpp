@@ -38,7 +38,7 @@ TEST(QuoteRepair, FindsTheQuoteThatIsMissing) {
              Row{u"<a b=>t</a>", u"<a b=\"\">t</a>"},
              Row{u"<a b=c=\"d\"/>", u"<a b=\"\" c=\"d\"/>"},
              Row{u"<a b= c=\"d\"/>", u"<a b=\"\" c=\"d\"/>"},
-             // Nothing that can be told.
+             // The right repair is not clear.
              Row{u"<a b=\"x", u"<a b=\"x"},
              Row{u"<a \"b\">", u"<a \"b\">"},
              Row{u"<a b=\"x\">", u"<a b=\"x\">"},

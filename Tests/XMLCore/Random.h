@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-/// The random numbers of a property test. Prints its seed, which `TAMO_SEED` in the environment sets.
+/// The random numbers of a property test. Prints the seed; the environment variable `TAMO_SEED` sets it.
 class Random {
 public:
     Random();
@@ -19,7 +19,7 @@ public:
         return std::uniform_int_distribution<std::size_t>(0, limit - 1)(m_engine);
     }
 
-    /// Up to `longest` scalars out of `alphabet`, lone surrogates among them if it holds some.
+    /// A text of at most `longest` scalars of `alphabet`. They may include lone surrogates.
     std::u16string text(std::span<const char32_t> alphabet, std::size_t longest);
 
 private:

@@ -192,7 +192,7 @@ std::u16string RandomMarkup::tagSoup() {
             break;
         }
         if (oneIn(60)) {
-            // So many elements are open at last that names have to be found far below the innermost.
+            // In the end so many elements are open that names must be found far below the top of the stack.
             for (std::size_t deep = m_random.below(40); deep > 0; --deep) {
                 text += u"<a>";
             }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// Random texts for the parser, from well-formed to soup.
+/// Random texts for the parser, from well-formed documents to random delimiters.
 class RandomMarkup {
 public:
     explicit RandomMarkup(Random& random) : m_random(random) {}
@@ -14,16 +14,16 @@ public:
     /// A well-formed document of up to a few thousand units.
     std::u16string document();
 
-    /// Start and end tags of few names in any order, tens of them open at a time.
+    /// Start and end tags of a few names in any order; tens of elements are open at a time.
     std::u16string tagSoup();
 
-    /// Start tags of up to a hundred attributes, many of them repeated.
+    /// Start tags with up to a hundred attributes, many of them repeated.
     std::u16string attributeSoup();
 
-    /// Delimiters, names, quotes and odd units strung together.
+    /// Delimiters, names, quotes and unusual units in any order.
     std::u16string pieces();
 
-    /// Inserts, deletes, replaces or repeats something anywhere.
+    /// Inserts, deletes, replaces or repeats some units at a random offset.
     void damage(std::u16string& text);
 
 private:

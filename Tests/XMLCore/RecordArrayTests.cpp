@@ -162,7 +162,7 @@ TEST(RecordArray, MovesItsStorage) {
 TEST(RecordArray, IsEmptyAndUsableAfterBeingMovedFrom) {
     RecordArray<int> array = counting(100);
     const RecordArray<int> taken = std::move(array);
-    array.clear(); // What was moved from is taken up again.
+    array.clear(); // An array that was moved from can be used again.
     EXPECT_EQ(array.capacity(), 0U);
     array.append(0);
     expectCounting(array, 1);

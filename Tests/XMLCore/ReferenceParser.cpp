@@ -24,7 +24,8 @@ bool isNameUnit(char16_t unit) {
     return isNameStart(unit) || (u'0' <= unit && unit <= u'9') || unit == u'-' || unit == u'.';
 }
 
-/// Just after the `>` that ends the declaration at `start`, outside quotes and brackets.
+/// The offset just after the `>` that ends the declaration at `start` by the strict rule: the first one
+/// outside quotes and brackets.
 std::optional<std::size_t> endByTheLetter(std::u16string_view units, std::size_t start) {
     int depth = 0;
     char16_t quote = u'\0';
@@ -43,8 +44,8 @@ std::optional<std::size_t> endByTheLetter(std::u16string_view units, std::size_t
     return std::nullopt;
 }
 
-/// `units` with dots in the place of the comments and instructions in the brackets of the declaration at
-/// `start`; one that does not end reaches to the end of the text.
+/// `units`, with dots in place of the comments and instructions inside the brackets of the declaration at
+/// `start`. A comment or instruction without an end extends to the end of the text.
 std::u16string blanked(std::u16string units, std::size_t start) {
     int depth = 0;
     char16_t quote = u'\0';
@@ -578,7 +579,7 @@ private:
     PlainLexer m_lexer;
     std::optional<Token> m_pending;
     ReferenceParser::Result m_result;
-    std::vector<NodeID> m_lastChild{NodeID::none()}; ///< Of every node.
+    std::vector<NodeID> m_lastChild{NodeID::none()}; ///< The last child of each node.
     std::vector<std::size_t> m_stack{0};
     std::optional<SourceRange> m_textRun;
     bool m_textRunHasContent = false;
@@ -610,7 +611,7 @@ SourceRange ReferenceParser::doctype(std::u16string_view units) {
         if (token->kind == Token::Kind::doctype &&
             units.substr(token->range.lower).starts_with(u"<!DOCTYPE")) {
             std::optional<std::size_t> end = endByTheLetter(units, token->range.lower);
-            // The same without what comments and instructions hold.
+            // The same, without the content of comments and instructions.
             end =
                 end ? end
                     : endByTheLetter(blanked(std::u16string(units), token->range.lower), token->range.lower);

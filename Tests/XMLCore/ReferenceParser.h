@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
-/// The lexer and the parser once more, written as their rules are told: token by token, one of them pushed
-/// back at most, every search a plain loop. Slow, and right where the quick ones may be wrong.
+/// A second implementation of the lexer and the parser, written as plainly as their rules: token by token,
+/// with at most one token pushed back, and every search as a simple loop. It is slow, and finds errors in the
+/// fast implementation.
 namespace ReferenceParser {
 
 /// What a parse found.
@@ -20,15 +21,17 @@ struct Result {
     bool operator==(const Result&) const = default;
 };
 
-/// Whether the parse is asked to stop from its start on.
+/// Whether a stop of the parse is requested before it starts.
 enum class Stop : bool { notRequested, requested };
 
-/// `doctype` is where a document type declaration ends whatever it holds; empty for none.
+/// The tokens or the tree of the text. `doctype` is the range of a document type declaration whose end is
+/// already known; empty if there is none.
 std::vector<Token> tokens(std::u16string_view units, SourceRange range, SourceRange doctype = {});
 Result parse(std::u16string_view units, Stop stop = Stop::notRequested, SourceRange doctype = {});
 
-/// The first `<!DOCTYPE` before any start tag, to its end by the letter, else to the end that is found past
-/// comments and instructions in its brackets. Empty when there is none.
+/// The range of the first `<!DOCTYPE` before any start tag: to its end by the strict rule or, if there is
+/// none, to the end that is found when comments and instructions in its brackets are skipped. Empty if there
+/// is none.
 SourceRange doctype(std::u16string_view units);
 
 } // namespace ReferenceParser

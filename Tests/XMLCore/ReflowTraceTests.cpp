@@ -18,7 +18,7 @@ constexpr IndentStyle twoSpaces = IndentStyle::spaces(2);
 
 DocumentTree parsed(std::u16string_view text) { return TreeParser::parse(SourceText(text)); }
 
-/// The text laid out, the selection carried along.
+/// The formatted text, with the selection at its new place.
 std::u16string formatted(std::u16string_view markedText) {
     const MarkedText before(markedText);
     const std::array places = {before.selection.lower, before.selection.upper};
@@ -98,9 +98,9 @@ TEST(ReflowTrace, TellsOfWhiteSpaceThatMayBeText) {
              Row{u"<p>one <b>two</b> three</p>", true, true},
              Row{u"<p>one<b>two</b>three</p>", true, false},
              Row{u"<p>one<!--two--></p>", true, false},
-             // Laid out already.
+             // The text is already formatted.
              Row{u"<p>\n  one\n  <b>two</b>\n</p>\n", false, true},
-             // Only the elements around the text are laid out.
+             // Only white space in elements without text changes.
              Row{u"<r>\n<p>one<b/></p></r>", true, false},
              Row{u"<r xml:space='preserve'><b/></r>", true, false},
              Row{u"<r xml:space='preserve'> <b/></r>", true, true},

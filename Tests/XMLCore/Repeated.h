@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// `part`, so many times.
+/// `part`, repeated `times` times.
 inline std::u16string repeated(std::u16string_view part, std::size_t times) {
     std::u16string result;
     result.reserve(part.size() * times);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char32_t alphabet[] = {U'a', U'\r', U'\n', U'\n', U' ', U'\t'};
 
-/// The end of the line that `at` stands in, unit by unit.
+/// A plain model of `lineEnd`, which searches unit by unit.
 std::size_t plainLineEnd(std::u16string_view text, std::size_t at) {
     std::size_t end = std::min(at, text.size());
     const std::size_t from = end;
@@ -90,7 +90,7 @@ TEST(SourceText, ReplacesLoneSurrogatesInItsStrings) {
         EXPECT_EQ(SourceText(row.units).string(), row.expected);
         EXPECT_EQ(repaired(row.units), row.expected);
     }
-    // Half of a pair is lone where the range cuts the pair.
+    // If a range cuts a surrogate pair, its half is a lone surrogate.
     const SourceText text(u"a\U0001F600b");
     EXPECT_EQ(text.string({0, 2}), u"a\uFFFD");
     EXPECT_EQ(text.string({2, 4}), u"\uFFFDb");

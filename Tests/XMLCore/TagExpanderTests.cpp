@@ -16,7 +16,8 @@ constexpr bool atDocumentStart = true;
 constexpr bool elsewhere = false;
 constexpr std::u16string_view unit = u"  ";
 
-/// The text of `snippet` with a `|` at each placeholder, all of them empty and in order; "none" for none.
+/// The text of `snippet` with a `|` at each placeholder, all of which are empty and in order; "none" if there
+/// is no snippet.
 std::u16string shown(const std::optional<Snippet>& snippet) {
     if (!snippet) {
         return u"none";
@@ -41,7 +42,8 @@ void checkExpanded(std::u16string_view indent, const std::vector<Row>& rows) {
     }
 }
 
-/// What is found before the caret at the end of `text`, and what it expands to, "none" when nothing is found.
+/// The abbreviation before the caret at the end of `text`, and its expansion; "none" if there is no
+/// abbreviation.
 struct FoundRow {
     std::u16string text;
     std::u16string_view expectedAbbreviation;
@@ -63,7 +65,7 @@ void checkFound(const std::vector<FoundRow>& rows) {
     }
 }
 
-/// What the definition says, one attempt after the other.
+/// A plain model of the search for an abbreviation, one attempt after the other.
 std::optional<std::u16string> slowAbbreviation(std::u16string_view candidate) {
     for (;;) {
         if (TagExpander::expand(candidate, u"", unit, elsewhere)) {
@@ -77,7 +79,7 @@ std::optional<std::u16string> slowAbbreviation(std::u16string_view candidate) {
     }
 }
 
-/// Where the candidate before the end of `text` starts, none when there is no place for one.
+/// Where a candidate that ends with `text` starts; none if there cannot be one.
 std::optional<Offset> slowCandidateStart(std::u16string_view text) {
     const auto offset = [](std::size_t at) { return static_cast<Offset>(at); };
     int brackets = 0;
@@ -177,7 +179,7 @@ TEST(TagExpander, RefusesWhatWouldBeWrong) {
                            {u"a[b=1 c b=2]", u"none"},
                            {u"a>c[b b]", u"none"},
                            {u"a[b B]", u"<a b=\"|\" B=\"|\">|</a>|"},
-                           // Together with its mark it is another character, which is not escaped.
+                           // With its mark it is another character, which is not escaped.
                            {u"a[b=<\u0301]", u"none"},
                            {u"a[b='\"\u0301']", u"none"},
                            {u"a[b=&\u0301]", u"<a b=\"&\u0301\">|</a>|"},
@@ -192,14 +194,14 @@ TEST(TagExpander, RefusesWhatWouldBeTooLarge) {
     EXPECT_TRUE(TagExpander::expand(u"a*200>b*499/", u"", unit, elsewhere));
     EXPECT_FALSE(TagExpander::expand(u"a*200>b*500/", u"", unit, elsewhere));
     EXPECT_FALSE(TagExpander::expand(repeated(u"a*500>", 50) + u"b", u"", unit, elsewhere));
-    // Few elements, but each far to the right.
+    // Few elements, each with a large indentation.
     EXPECT_TRUE(TagExpander::expand(repeated(u"a>", 2'000) + u"b", u"", unit, elsewhere));
     EXPECT_FALSE(TagExpander::expand(repeated(u"a>", 20'000) + u"b", u"", unit, elsewhere));
     EXPECT_TRUE(TagExpander::expand(repeated(u"a>", 20'000) + u"b", u"", u"", elsewhere));
     EXPECT_FALSE(TagExpander::expand(u"a*200>b*400/", std::u16string(1'000, u' '), unit, elsewhere));
 }
 
-/// The longest value that an element may have within `outer` is exactly as long as its copies leave room for.
+/// The longest value that an element inside `outer` may have is exactly as long as its copies leave room for.
 TEST(TagExpander, FillsItsLimitExactly) {
     Random random;
     for (int round = 0; round < 50; ++round) {
@@ -273,7 +275,8 @@ TEST(TagExpander, FindsWhatOneAttemptAfterTheOtherFinds) {
         const SourceText text(candidate);
         const auto expansion = TagExpander::expansion(text.count(), text, unit);
         const auto expected = slowAbbreviation(candidate);
-        // What is wrong without being unreadable ends the search within its brackets, see the interface.
+        // An abbreviation that can be read but not expanded, because it repeats an attribute, ends the
+        // search; the model continues inside its brackets.
         const bool repeatsAttributes = AbbreviationReader(candidate).elements(0).has_value() &&
                                        !TagExpander::expand(candidate, u"", unit, elsewhere);
         if (!repeatsAttributes && candidate != u"?") {
@@ -288,7 +291,7 @@ TEST(TagExpander, FindsWhatOneAttemptAfterTheOtherFinds) {
     EXPECT_GT(found, 1'000);
 }
 
-/// Walks back from the caret at the end of `text` unit by unit and attempts every part that may be meant.
+/// Compares with a model that goes back from the caret unit by unit and tries every possible abbreviation.
 TEST(TagExpander, StartsWhereAWalkBackFromTheCaretEnds) {
     constexpr char32_t walked[] = {U'a', U'b', U'>', U'+', U'1', U'[', U']', U'=',  U'\'',
                                    U'/', U'<', U' ', U'!', U'?', U'a', U'>', U'\n', U'\t'};
@@ -298,7 +301,7 @@ TEST(TagExpander, StartsWhereAWalkBackFromTheCaretEnds) {
         const SourceText text(random.text(walked, 14));
         const auto start = slowCandidateStart(text.units());
         std::optional<TagExpander::Expansion> expected;
-        bool isReadOnly = false; // Readable, but what it says is wrong: see the interface.
+        bool isReadOnly = false; // Some abbreviation can be read but not expanded, which ends the search.
         for (Offset from = start.value_or(text.count()); from < text.count() && !expected;) {
             const SourceRange candidate(from, text.count());
             auto snippet = TagExpander::expand(text.units(candidate), text.indentation(text.count()), unit,
@@ -336,7 +339,8 @@ TEST(TagExpander, WritesMarkupWithoutDiagnostics) {
     EXPECT_GT(expanded, 1'000);
 }
 
-/// Each would take hours, or all memory, if it were attempted from every `>` anew or expanded in full.
+/// Each text would take hours, or all memory, if every `>` started a new attempt or if it were expanded in
+/// full.
 TEST(TagExpander, EndsOnHostileAbbreviations) {
     constexpr int times = 400'000;
     for (const std::u16string_view piece :

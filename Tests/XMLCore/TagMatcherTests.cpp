@@ -43,8 +43,8 @@ void checkNames(Operation operation, const std::vector<NameRow>& rows) {
     }
 }
 
-/// The operation is asked at the mark of `marked`; `expected` is the text with the range of its answer
-/// marked, or empty for none.
+/// The operation is called with the offset of the mark in `marked`; `expected` is the text with the returned
+/// range marked, or empty if there is none.
 struct RangeRow {
     std::u16string_view marked;
     std::u16string_view expected;
@@ -60,7 +60,7 @@ void checkRanges(Operation operation, const std::vector<RangeRow>& rows) {
     }
 }
 
-/// The same answers, looked for one unit at a time.
+/// Plain models of the operations, which read one unit at a time.
 namespace Model {
 
 bool isNameStart(char16_t unit) {
@@ -88,7 +88,7 @@ bool isOpen(std::u16string_view before, std::u16string_view opener, std::u16stri
     return start != npos && (end == npos || end < start + opener.size());
 }
 
-/// Colours the units of the closed constructs, from the start of the text on.
+/// Whether `at` is in a closed construct. Marks the units of these constructs from the start of the text on.
 bool isInClosedConstruct(std::size_t at, std::u16string_view before) {
     std::vector<bool> isInside(before.size());
     const std::size_t openers[] = {before.rfind(u"<!--"), before.rfind(u"<![CDATA["), before.rfind(u"<?")};
@@ -136,7 +136,7 @@ Context context(std::u16string_view before) {
     return quote != 0 ? Context::attributeValue : Context::tag;
 }
 
-/// What the tokens of the text before a caret say.
+/// The context according to the tokens of the text before a caret.
 Context lexedContext(std::u16string_view before) {
     UnitIndex index;
     Lexer lexer(before, index);
@@ -218,7 +218,8 @@ Name unclosedElement(std::u16string_view text) {
     }
 }
 
-/// The names of matching start and end tags, by the `<` of either, as one pass over all tokens pairs them.
+/// The names in matching start and end tags, by the offset of the `<` of the other tag, as one pass over all
+/// tokens pairs them.
 struct Pairs {
     std::map<Offset, SourceRange> closeNames;
     std::map<Offset, SourceRange> openNames;
@@ -279,7 +280,7 @@ std::u16string randomMarkup(Random& random, std::size_t longest) {
     return text;
 }
 
-/// Tags, comments, sections and instructions, none of them broken, in any order.
+/// Complete tags, comments, sections and instructions in any order.
 std::u16string randomTags(Random& random, std::size_t longest) {
     static constexpr std::u16string_view whole[] = {u"<a>",
                                                     u"<b c='>'>",
@@ -375,7 +376,7 @@ TEST(TagMatcher, TellsTheContextAfterWhateverWasClosed) {
         {u"<!--<?'?>-->|", Context::content},
         {u"<!--<?x--><b c='?>|", Context::attributeValue}, // The comment hides the `<?`.
         {u"<!--<'--|>", Context::comment},
-        {u"<![CDATA[<!--]]>|", Context::comment}, // The nearest opener counts wherever it stands.
+        {u"<![CDATA[<!--]]>|", Context::comment}, // The nearest opener counts, even inside another construct.
     });
 }
 
@@ -565,7 +566,7 @@ TEST(TagMatcher, AgreesWithSlowSearches) {
     }
 }
 
-/// Wherever no construct holds another one's opener, what the tokens before the caret say is true.
+/// If no construct contains the opener of another one, the context is that of the tokens before the caret.
 TEST(TagMatcher, TellsTheContextThatTheLexerTells) {
     Random random;
     std::map<Context, int> seen;
@@ -657,7 +658,7 @@ TEST(TagMatcher, TellsTagsAfterALongOne) {
     EXPECT_EQ(TagMatcher::matchingOpenName(text.count() - 4, text), SourceRange(1, 2));
 }
 
-/// Each would take hours if something in them was looked at again and again.
+/// Each text would take hours if parts of it were read repeatedly.
 TEST(TagMatcher, EndsOnHostileTexts) {
     constexpr int times = 300'000;
     const auto row = [](std::u16string_view start, std::u16string_view piece) {

@@ -12,8 +12,8 @@ using Edits = std::vector<TextEdit>;
 
 constexpr char32_t alphabet[] = {U'a', U'b', U'<', U'\n', 0x1F600, 0xD83D};
 
-/// Up to seven edits of a text of `length` units that do not overlap, each with an offset of its own, in
-/// ascending order. They may touch.
+/// Up to seven edits of a text of `length` units, in ascending order. They do not overlap and start at
+/// different offsets, but may touch.
 Edits randomEdits(Random& random, std::size_t length) {
     Edits edits;
     for (std::size_t at = 0; edits.size() < 7;) {
@@ -35,7 +35,8 @@ void shuffle(Random& random, Edits& edits) {
     }
 }
 
-/// The edits that lead back, in the coordinates of the text after `edits`, which ascend.
+/// The edits that reverse `edits`, which are in ascending order. They are in the coordinates of the text
+/// after `edits`.
 Edits inverse(const Edits& edits, std::u16string_view before) {
     Edits back;
     std::int64_t shift = 0;
@@ -119,7 +120,7 @@ TEST(TextEdit, AppliesToWhatItIsGiven) {
         {{TextEdit::insert(u"x", 3)}, u"abc", u"abcx"},
         {{TextEdit::deleteRange({0, 3})}, u"abc", u""},
         {{{{0, 1}, u"x"}, {{1, 2}, u"y"}, {{2, 3}, u"z"}}, u"abc", u"xyz"},
-        // An insertion where a replacement starts comes before it.
+        // An insertion at the start of a replacement comes before it.
         {{{{1, 2}, u"y"}, TextEdit::insert(u"x", 1)}, u"abc", u"axyc"},
         // Of two insertions at one offset the first is applied first.
         {{TextEdit::insert(u"x", 1), TextEdit::insert(u"y", 1)}, u"ab", u"ayxb"},
@@ -149,7 +150,8 @@ TEST(TextEdit, IsUndoneByItsInverse) {
     for (int round = 0; round < 2000; ++round) {
         const std::u16string text = random.text(alphabet, 40);
         const Edits edits = randomEdits(random, text.size());
-        // Deletions that touch leave insertions at one offset, applied last to first.
+        // Deletions that touch become insertions at one offset. To restore the text, the last must be given
+        // first.
         Edits back = inverse(edits, text);
         std::ranges::reverse(back);
         ASSERT_EQ(TextEdit::apply(back, TextEdit::apply(edits, text)), text)

@@ -28,7 +28,7 @@ void appendUTF8(std::string& bytes, char32_t scalar) {
     }
 }
 
-/// Controls, line separators and lone surrogates.
+/// Whether the scalar is a control, a line separator or a lone surrogate.
 bool isUnreadable(char32_t scalar) {
     return scalar < U' ' || (0x7F <= scalar && scalar < 0xA0) || scalar == 0x2028 || scalar == 0x2029 ||
            (0xD800 <= scalar && scalar <= 0xDFFF);
@@ -40,7 +40,7 @@ std::string_view nameOf(TreeNode::Kind kind) {
     return names[static_cast<std::size_t>(kind)];
 }
 
-/// Writes ranges of a text as "3..<7" and what stands there.
+/// Writes ranges of a text as "3..<7", followed by their units.
 class Dumper {
 public:
     explicit Dumper(std::u16string_view text) : m_text(text) {}

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-/// The tree and the diagnostics of `text` as lines to read and compare: a node a line, indented below its
-/// parent, its attributes under it; then a diagnostic a line, its fix under it.
+/// The tree and the diagnostics of `text` as lines to read and compare: one line per node, indented below its
+/// parent and followed by its attributes, then one line per diagnostic, followed by its fix.
 std::string treeDump(const ReferenceParser::Result& result, std::u16string_view text);
 
-/// `text` as UTF-8 on one line: controls, quotes, backslashes and lone surrogates escaped, between quotes.
+/// `text` as UTF-8 in quotes on one line, with controls, quotes, backslashes and lone surrogates escaped.
 std::string asLiteral(std::u16string_view text);

@@ -18,9 +18,9 @@ ReferenceParser::Result resultOf(const DocumentTree& tree) {
             {tree.diagnostics.begin(), tree.diagnostics.end()}};
 }
 
-/// Whether the lexer and the parser say of `units` what the reference says, by the letter and with the
-/// reading of the document type declaration; fails the test when not. The trees of earlier texts are
-/// recycled, so that their storage is in use all the time.
+/// Compares the lexer and the parser with the reference parser, by the strict rule and with the reading of
+/// the document type declaration. The test fails if they differ. Each parse reuses the storage of the tree
+/// before it, so that this is tested too.
 class Comparison {
 public:
     bool agrees(const std::u16string& units) {
@@ -60,7 +60,7 @@ void checkAllStrings(std::u16string_view alphabet, std::size_t longest, std::u16
         if (!comparison.agrees(units)) {
             return;
         }
-        // Counts on, the first digit fastest.
+        // Counts up by one; the first digit is the lowest.
         std::size_t place = 0;
         while (place < digits.size() && ++digits[place] == alphabet.size()) {
             digits[place++] = 0;
@@ -120,7 +120,7 @@ TEST(TreeParser, AgreesWithReferenceOnAllShortSubsets) {
 }
 
 TEST(TreeParser, AgreesWithReferenceAfterLongStretches) {
-    // The lexer looks ahead at 64 units at once, and at sixteen times as many.
+    // The lexer classifies 64 units at once, and up to sixteen times as many in one call.
     const std::pair<std::u16string_view, char16_t> stretches[] = {
         {u"", u'x'},        {u"", u' '},     {u"<", u'n'},   {u"<a ", u' '},       {u"<a b='", u'x'},
         {u"<a b=\"", u'>'}, {u"<!--", u'-'}, {u"<!x", u'['}, {u"<![CDATA[", u']'}, {u"</", u'n'}};
@@ -156,7 +156,7 @@ TEST(TreeParser, StopsEvery16384Tokens) {
 }
 
 TEST(TreeParser, ReadsNoUnitBeyondItsText) {
-    // Each text ends where its storage ends, so that the address sanitizer sees a unit read too many.
+    // Each text ends where its storage ends, so that the address sanitizer detects reads beyond it.
     Random random;
     RandomMarkup markup(random);
     for (int round = 0; round < 1000; ++round) {

@@ -16,8 +16,8 @@ constexpr bool noSnippet = false;
 const IndentStyle twoSpaces = IndentStyle::spaces(2);
 const IndentStyle fourSpaces = IndentStyle::spaces(4);
 
-/// What the action makes of the text, with its selection marked; "none" for none, "next" and "previous" for
-/// the moves between placeholders.
+/// The text after the action, with its selection marked; "none" if there is no action, "next" and "previous"
+/// for moves between placeholders.
 std::u16string shown(const std::optional<Action>& action, const SourceText& text) {
     if (!action) {
         return u"none";
@@ -311,7 +311,8 @@ TEST(TypingAssistant, TogglesCommentsBack) {
         const auto [text, selection] = randomState(random);
         const auto first = toggleComment(text, selection);
         const Edit* const edit = first ? std::get_if<Edit>(&*first) : nullptr;
-        // A comment that was taken off may have been written in another way.
+        // Only comments that were added: the delimiters of a removed comment may have been written
+        // differently.
         if (edit != nullptr && edit->edits.front().range.isEmpty()) {
             const SourceText commented(TextEdit::apply(edit->edits, text.units()));
             const auto second = toggleComment(commented, edit->selection);
@@ -361,7 +362,7 @@ TEST(TypingAssistant, PlansEditsThatApplyCleanly) {
                                                            selection, style, tracking);
         const Edit* const edit = action ? std::get_if<Edit>(&*action) : nullptr;
         if (edit != nullptr) {
-            // Stops the program when edits overlap or reach beyond the text.
+            // Aborts if edits overlap or reach beyond the text.
             const std::u16string after = TextEdit::apply(edit->edits, text.units());
             ASSERT_LE(edit->selection.upper, after.size());
             for (const SourceRange placeholder : edit->placeholders) {

@@ -10,9 +10,9 @@ struct PropertyLine {
     std::string value;
 };
 
-/// The lines of `file`, a path within the installed database, with their comments cut off. Fails the test
-/// when it cannot be read.
+/// The lines of `file`, a path inside the installed database, without their comments. Fails the test if the
+/// file cannot be read.
 std::vector<PropertyLine> propertyLines(const std::string& file);
 
-/// The lines of `file` that hold more than a comment, without it.
+/// The lines of `file` that contain more than a comment, without their comments.
 std::vector<std::string> dataLines(const std::string& file);

@@ -27,7 +27,7 @@ TEST(UnitScanBackward, AgreesWithTheStandardSearches) {
         const std::u16string text = random.text(alphabet, round % 2 == 0 ? 12 : 120);
         const Position from = static_cast<Position>(random.below(text.size() + 1));
         const Position end = from + static_cast<Position>(random.below(text.size() - from + 1));
-        // A view that starts at `from` does not let the standard search look before it either.
+        // A view that starts at `from` keeps the standard search from reading units before it too.
         const std::u16string_view stretch = std::u16string_view(text).substr(from, end - from);
         const auto expected = [from](std::size_t found) {
             return found == std::u16string_view::npos ? nowhere : from + static_cast<Position>(found);

@@ -12,8 +12,8 @@ namespace {
 
 using UnitScan::Position;
 
-/// Units from `from` on in storage that ends where they end, so that a sanitizer sees every read beyond them.
-/// What stands before them is no part of any scan.
+/// Units that start at offset `from` of a storage and end where it ends, so that a sanitizer detects every
+/// read beyond them. The units before `from` are outside every search.
 class Units {
 public:
     Units(std::u16string_view units, std::size_t from, char16_t before = 0)
@@ -37,8 +37,8 @@ private:
 constexpr std::size_t alignments = 8;
 constexpr std::size_t longest = 27;
 
-/// Checks that `scan` answers as `plain` does, a function from a text to a position, for every place of
-/// `needle` in every length of `filler` at every alignment.
+/// Checks that `scan` returns the same as `plain`, a function from a text to a position, for every position
+/// of `needle` in every length of `filler` at every alignment.
 template <class Scan, class Plain>
 void checkEverywhere(char16_t filler, char16_t needle, Scan scan, Plain plain) {
     for (std::size_t length = 0; length <= longest; ++length) {
@@ -110,7 +110,7 @@ TEST(UnitScan, FindsWantedUnits) {
     const auto plain = [](const std::u16string& text) {
         return orEnd(text.find_first_of(u"<&\uFF3C"), text);
     };
-    // Units that share a byte with a wanted one are none.
+    // Units that share one byte with a wanted unit do not match.
     for (const char16_t needle : {u'<', u'&', u'\uFF3C', u'\u013C', u'\u3C00', u'=', u'\0'}) {
         checkEverywhere(u'a', needle, find, plain);
         checkEverywhere(u'\uFF26', needle, find, plain);
@@ -167,7 +167,7 @@ TEST(UnitScan, FindsWholeTerminators) {
     for (std::size_t length = 0; length <= longest; ++length) {
         for (std::size_t place = 0; place <= length; ++place) {
             for (std::size_t alignment = 0; alignment < alignments; ++alignment) {
-                // The terminators are cut off where they do not fit.
+                // Terminators that do not fit are cut off at the end of the text.
                 const auto textWith = [&](std::u16string_view terminator) {
                     return (std::u16string(place, u'x').append(terminator) + std::u16string(length, u'-'))
                         .substr(0, length);
