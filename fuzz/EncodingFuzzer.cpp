@@ -44,8 +44,9 @@ encodedInStretches(const SourceText& text, const StringEncoding& encoding, std::
     return encoded(stretches, encoding);
 }
 
-/// Decodes, goes the way back, and compares: with the bytes where the encoding has one spelling for a text,
-/// with the converter where it has a path of its own.
+/// Decodes, encodes again and compares, if the encoding is one of those with code of their own: the text with
+/// that of the converter, the new bytes with the old ones. For all encodings, how the text is cut must not
+/// change the bytes.
 void checkDecoding(Bytes bytes, const StringEncoding& encoding) {
     const auto text = encoding.decode(bytes);
     const bool hasOwnPath = encoding.family() != StringEncoding::Family::converter;
@@ -65,7 +66,7 @@ void checkDecoding(Bytes bytes, const StringEncoding& encoding) {
     }
 }
 
-/// Opens a file of these bytes and saves it, untouched.
+/// Opens a file of these bytes and saves it without a change.
 void checkDocument(Bytes bytes) {
     auto storage = std::make_shared<std::uint8_t[]>(bytes.size());
     std::ranges::copy(bytes, storage.get());

@@ -9,11 +9,11 @@
 
 namespace {
 
-/// Whether an LF or tab has a neighbour that would join the reference written for it.
+/// Whether an LF or tab has a neighbour that would combine with the reference that replaces it.
 bool hasJoiningNeighbour(std::u16string value) {
     for (std::size_t at = 0; at < value.size(); ++at) {
         if (value[at] == u'\n' || value[at] == u'\t') {
-            // A letter in its place is joined by what would join `&` and `;`.
+            // A neighbour that combines with a letter in its place would also combine with `&` and `;`.
             const char16_t control = std::exchange(value[at], u'a');
             if (!GraphemeBreaker::isBoundary(value, at) || !GraphemeBreaker::isBoundary(value, at + 1)) {
                 return true;
@@ -38,7 +38,7 @@ void checkBoundaries(const std::u16string& text) {
 
 } // namespace
 
-/// What is escaped reads back as it was; unescaping never lengthens. The input is taken as UTF-16.
+/// Unescaping reverses escaping and never makes a text longer. The input is taken as UTF-16.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::u16string text(size / sizeof(char16_t), u'\0');
     std::memcpy(text.data(), data, text.size() * sizeof(char16_t));

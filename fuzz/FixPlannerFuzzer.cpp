@@ -10,7 +10,7 @@
 
 namespace {
 
-/// ASCII as it is; the other bytes stand for what tags are made of.
+/// ASCII units as they are; each other byte stands for a piece of markup.
 std::u16string asMarkup(const std::uint8_t* data, std::size_t size) {
     constexpr std::u16string_view pieces[] = {
         u"<item>", u"</item>", u"</itm>", u"<a b=\"", u"\" c=\"", u" b='x'", u"=\"\"", u"<!--",  u"-->",
@@ -33,7 +33,8 @@ DocumentTree parsed(const std::u16string& units) {
 
 } // namespace
 
-/// Plans fit the text, never leave more errors, and leave nothing to mend that they say is not there.
+/// The edits of a plan fit the text and never increase the number of errors, and the plan correctly reports
+/// what it leaves.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::u16string text = asMarkup(data, size);
     const DocumentTree tree = parsed(text);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Takes choices off the front of the input.
+/// Reads choices from the start of the input.
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {}
@@ -26,12 +26,13 @@ public:
         std::u16string text;
         for (std::size_t left = next() % 5U; left > 0; --left) {
             const std::uint8_t unit = next();
-            text.push_back(unit < 0xF0 ? unit : static_cast<char16_t>(0xD7F8 + unit)); // Surrogates last.
+            // The last ones become surrogates.
+            text.push_back(unit < 0xF0 ? unit : static_cast<char16_t>(0xD7F8 + unit));
         }
         return text;
     }
 
-    /// All that is left, as UTF-16 or as Latin-1.
+    /// The rest of the input, as UTF-16 or as Latin-1.
     std::u16string rest() {
         if (next() % 2 == 0) {
             return {m_data, m_data + m_size};
@@ -46,7 +47,7 @@ private:
     std::size_t m_size;
 };
 
-/// What chooses a mutation, before there is a tree to choose nodes of.
+/// The choices of a mutation, read before there is a tree from which nodes can be chosen.
 struct Recipe {
     std::uint8_t mutation;
     std::uint8_t node;
@@ -91,8 +92,8 @@ TreeMutation make(const Recipe& recipe, const DocumentTree& tree) {
 
 } // namespace
 
-/// Plans apply: their edits lie inside the text and do not overlap, which `apply` checks. The node to select
-/// lies inside the new text. Paths lead back to their nodes.
+/// Plans can be applied: their edits lie inside the text and do not overlap, which `apply` checks. The node
+/// to select lies inside the new text. The path of a node resolves to this node.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Choices choices(data, size);
     const Recipe recipe{.mutation = choices.next(),

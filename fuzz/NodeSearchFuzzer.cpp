@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The folding of Latin-1 with its exceptions, written another way than the search has it.
+/// The folding of Latin-1 with its exceptions, written independently of the search.
 char16_t folded(char16_t unit) {
     static const std::u16string_view letters = u"aaaaaaaceeeeiiiidnooooo*ouuuuyts";
     if (u'A' <= unit && unit <= u'Z') {
@@ -53,8 +53,8 @@ bool isExpected(std::u16string_view query, const DocumentTree& tree, NodeID id) 
 
 } // namespace
 
-/// The search finds what a plain one finds. The input, taken as Latin-1, starts with the length of the query,
-/// then the query; the rest is the document.
+/// The search finds the same as a plain one. The input, taken as Latin-1, starts with the length of the query
+/// and the query; the rest is the document.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) {
         return 0;

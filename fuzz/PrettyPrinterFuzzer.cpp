@@ -25,8 +25,9 @@ std::u16string withoutSpace(std::u16string text) {
     return text;
 }
 
-/// White space that XML takes for text may be all of a text, which printing drops; and line breaks of both
-/// kinds may change which kind comes first.
+/// Whether a text with this unit is left out of the checks of what printing changes. White space other than
+/// XML's may be a whole text, which the printer drops. With both kinds of line breaks, formatting may change
+/// which kind comes first.
 bool mayLoseText(char16_t unit) {
     return unit == u'\r' ||
            (!UnitScan::isWhitespace(unit) && UnicodeProperties::isWhitespace(static_cast<char32_t>(unit)));
@@ -34,8 +35,8 @@ bool mayLoseText(char16_t unit) {
 
 } // namespace
 
-/// Nothing stops the printer. Without errors only white space changes, and only once. The input is UTF-16
-/// when its first byte is odd, else Latin-1.
+/// The printer works for any input. Without errors it changes only white space, and formatting again changes
+/// nothing. The input is UTF-16 if its first byte is odd, otherwise Latin-1.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) {
         return 0;
@@ -47,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const std::u16string lines = formatted(text);
     const std::u16string line = minified(text);
-    // A quote left open in a declaration shows only once something follows its `>`.
+    // An open quote in a declaration becomes an error only if something follows the `>` of the declaration.
     const bool hasErrors = TreeParser::parse(SourceText(text)).hasErrors() ||
                            TreeParser::parse(SourceText(text + u"\n")).hasErrors();
     if (!hasErrors && std::ranges::none_of(text, mayLoseText)) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Reads an edit script; answers zeros after its end.
+/// Reads an edit script; returns zeros after its end.
 class Script {
 public:
     Script(const std::uint8_t* bytes, std::size_t count) : m_bytes(bytes), m_end(bytes + count) {}
@@ -24,7 +24,8 @@ private:
     const std::uint8_t* m_end;
 };
 
-/// Any units in any number, most of them few.
+/// A text of one unit repeated, with another unit or a line feed at every seventh place. In most cases it is
+/// short.
 std::u16string units(Script& script) {
     const unsigned length = script.byte();
     std::u16string units(length < 250 ? length / 8 : (length - 249) * 900,
@@ -37,7 +38,7 @@ std::u16string units(Script& script) {
 
 } // namespace
 
-/// Edits a rope and a plain string alike and compares them.
+/// Applies the same edits to a rope and to a string, and compares them.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     constexpr std::size_t longest = 200'000;
     Script script(bytes, count);

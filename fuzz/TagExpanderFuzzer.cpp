@@ -22,8 +22,8 @@ void checkExpansion(const std::u16string& abbreviation) {
 
 } // namespace
 
-/// What expands has no diagnostics, and what is found in a text expands by itself to the same. The input is
-/// taken as Latin-1.
+/// Expansions have no diagnostics, and an abbreviation found in a text has the same expansion by itself. The
+/// input is taken as Latin-1.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::u16string abbreviation(data, data + size);
     checkExpansion(abbreviation);

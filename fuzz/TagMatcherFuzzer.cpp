@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-/// A start tag found for an end tag has that end tag as its match, and names are what they are said to be.
-/// The input is taken as UTF-16.
+/// The start tag that is found for an end tag has this end tag as its match, and returned names are at the
+/// caret or in an end tag. The input is taken as UTF-16.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::u16string units(size / sizeof(char16_t), u'\0');
     std::memcpy(units.data(), data, units.size() * sizeof(char16_t));

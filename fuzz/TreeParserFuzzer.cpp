@@ -20,7 +20,7 @@ std::u16string asUTF16(std::span<const std::uint8_t> bytes) {
     return text;
 }
 
-/// ASCII as it is; the other bytes stand for what random bytes hardly ever spell.
+/// ASCII units as they are; the other bytes stand for units and sequences that are rare in random bytes.
 std::u16string asMarkup(std::span<const std::uint8_t> bytes) {
     constexpr std::u16string_view pieces[] = {
         u"<!--",     u"-->", u"<![CDATA[", u"]]>",    u"<!DOCTYPE",  u"<?xml ", u"?>",     u"&#x",
@@ -80,7 +80,7 @@ void checkAttributes(const DocumentTree& tree, const TreeNode& node) {
     }
 }
 
-/// Whether the links down and across say the same as the links up.
+/// Checks that the links to children and siblings agree with those to parents.
 void checkChildren(const DocumentTree& tree, NodeID parent) {
     std::size_t count = 0;
     Offset upper = tree[parent].contentRange.lower;
@@ -155,7 +155,7 @@ DocumentTree checkedTree(const std::u16string& units, DoctypeReading doctype = {
     return tree;
 }
 
-/// The same text, its document type declaration read as the application does.
+/// Checks the same text with its document type declaration read as in the application.
 void checkReading(const std::u16string& units) {
     const DoctypeReading reading = DoctypeReading::of(SourceText(units));
     const SourceRange doctype = reading.declaration;
@@ -169,9 +169,9 @@ void checkReading(const std::u16string& units) {
     checkReference(tree, tokens, ReferenceParser::doctype(units));
 }
 
-/// Whether a `>` or an end tag inserted at `at` is no markup, because of the token that ends there: a value
-/// without its second quote, a construct without its terminator, or a lone `<` or `&`, after which a `>` is
-/// text.
+/// Whether a `>` or an end tag that `insertion` inserts is not markup, because of the token that ends there:
+/// a value without a closing quote, a construct without a terminator, or a lone `<` or `&`, after which a `>`
+/// is text.
 bool isSwallowed(const TextEdit& insertion, const std::vector<Token>& tokens, std::u16string_view units) {
     const auto token =
         std::ranges::find(tokens, insertion.range.lower, [](const Token& each) { return each.range.upper; });
@@ -199,21 +199,21 @@ std::ptrdiff_t countUnclosed(const DocumentTree& tree) {
         tree.nodes, [](const TreeNode& node) { return node.flags.contains(TreeNode::unclosed); });
 }
 
-/// Applies the fix of `diagnostic` and checks that the problem went.
+/// Applies the fix of `diagnostic` and checks that it removes the problem.
 void checkFix(const DocumentTree& tree, const std::vector<Token>& tokens, const Diagnostic& diagnostic) {
     const std::u16string_view units = tree.text.units();
     const TextEdit& edit = diagnostic.fix->edits.front();
     precondition(diagnostic.fix->edits.size() == 1 && !diagnostic.fix->title.empty(), "a fix is one edit");
     const DocumentTree fixed = checkedTree(TextEdit::apply(diagnostic.fix->edits, units));
     const bool isClosing = edit.replacement.starts_with(u"</");
-    // After a deletion the like may follow.
+    // After a deletion, a similar problem may be at the same place.
     if (edit.replacement.empty() ||
         ((isClosing || edit.replacement == u">") && diagnostic.message != u"Falta cerrar con >" &&
          isSwallowed(edit, tokens, units))) {
         return;
     }
     if (isClosing) {
-        // Of several open elements of one name the innermost is the one that is closed.
+        // Of several open elements of one name, the innermost one is closed.
         precondition(countUnclosed(fixed) == countUnclosed(tree) - 1, "one element more is closed");
         return;
     }
@@ -236,8 +236,8 @@ void checkFixes(const DocumentTree& tree, const std::vector<Token>& tokens) {
 
 } // namespace
 
-/// Trees keep their invariants and are the reference parser's, fixes fix, and prefixes parse. The first byte
-/// tells how the input is read, the second picks places in it.
+/// Trees keep their invariants and equal those of the reference parser, fixes remove their problems, and
+/// every prefix parses. The first byte says how the input is read; the second one chooses offsets in it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t headerSize = 2;
     if (size < headerSize) {

@@ -15,7 +15,7 @@ void checkAction(const std::optional<Action>& action, const SourceText& text) {
     if (edit == nullptr) {
         return;
     }
-    // Stops the program when edits overlap or reach beyond the text.
+    // Aborts if edits overlap or reach beyond the text.
     const std::u16string after = TextEdit::apply(edit->edits, text.units());
     precondition(edit->selection.upper <= after.size(), "the selection lies inside the text");
     PlaceholderTracker tracker;
@@ -27,8 +27,8 @@ void checkAction(const std::optional<Action>& action, const SourceText& text) {
 
 } // namespace
 
-/// Edits apply cleanly, whatever key is pressed wherever. The first four bytes are the selection, the fifth
-/// says how the editor is set, the rest is the text in Latin-1.
+/// The edits of every key can be applied at every selection. The first four bytes are the selection, the
+/// fifth is the state of the editor, and the rest is the text in Latin-1.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t header = 5;
     if (size < header) {
