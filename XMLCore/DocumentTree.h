@@ -96,7 +96,7 @@ struct DocumentTree {
     /// `textContent` on one line, for lists: white space is collapsed, and a text that reaches `limit`
     /// characters (extended grapheme clusters) is cut there and gets "…" appended. Of texts and other leaves
     /// at most 4 × `limit` units are read. None for the document, for elements without children and for
-    /// elements with other children than text.
+    /// elements with other children than texts and CDATA sections.
     std::optional<std::u16string> preview(NodeID of, std::size_t limit) const;
 
     /// The distinct names in the tree, in order of first appearance.

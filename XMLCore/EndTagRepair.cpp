@@ -56,8 +56,8 @@ std::optional<EndTagRepair::Renaming> EndTagRepair::renaming(std::size_t index) 
 }
 
 /// The innermost element that lacks an end tag, of `innermost` and the elements of the same name directly
-/// around it: the one that gets an end tag once another end tag of this name is at `endTag`. None if it is
-/// already claimed, or if it is the root and its content continues.
+/// around it: the one that gets an end tag once another end tag of this name is at `endTag`. None if there is
+/// no such element, if it is already claimed, or if it is the root and its content continues.
 std::optional<NodeID> EndTagRepair::elementWithoutEndTag(NodeID innermost, SourceRange endTag) const {
     NodeID element = innermost;
     Offset end = endTag.upper;

@@ -14,7 +14,7 @@ public:
     /// Borrows the tree. `indent` is the style of new lines.
     NodeLayout(const DocumentTree& tree, IndentStyle indent);
 
-    /// The line break for new lines: that of the document's first line.
+    /// The line break for new lines: that of the document's first line, or LF if it has none.
     std::u16string_view lineBreak() const { return m_lineBreak; }
     /// One level of indentation.
     const std::u16string& indentUnit() const { return m_indentUnit; }
@@ -43,7 +43,7 @@ private:
     std::u16string_view m_lineBreak;
 };
 
-/// `source`, which starts in a line indented by `from`, changed for a line indented by `to`: the indentation
-/// `from` of every further line becomes `to`. Unchanged if the result would have more than 67,108,864 units
-/// and more than four times as many as `source`.
+/// `source`, which starts in a line indented by `from`, changed for a line indented by `to`: every further
+/// line that starts with `from` starts with `to` instead. Unchanged if the result would have more than
+/// 67,108,864 units and more than four times as many as `source`.
 std::u16string reindented(std::u16string_view source, std::u16string_view from, std::u16string_view to);
