@@ -85,7 +85,7 @@ std::optional<std::string> encoded(std::u16string_view text) {
     return utf8;
 }
 
-/// Does the damage to one tag at a time.
+/// Damages tags, one per call.
 class Damage {
 public:
     explicit Damage(std::uint32_t seed) : m_random(seed) {}

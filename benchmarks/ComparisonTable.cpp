@@ -44,13 +44,13 @@ std::string fixed(double value, int decimals) {
     return text.str();
 }
 
-/// Zero when the row has no times of that parser.
+/// The time of the parser `of`; zero if the row has none.
 double seconds(const ComparisonRow& row, std::string_view of, double ComparisonRow::Time::* time) {
     const auto found = row.times.find(of);
     return found == row.times.end() ? 0 : found->second.*time;
 }
 
-/// `first / second`, or nothing when one of them was not measured.
+/// `first / second`, or an empty string if one of them was not measured.
 std::string quotient(double first, double second, int decimals) {
     return first > 0 && second > 0 ? fixed(first / second, decimals) : std::string();
 }

@@ -42,7 +42,7 @@ const SourceText& text(const Kind& kind) {
 
 StringEncoding encoding(const char* name) { return StringEncoding::named(name).value(); }
 
-/// The text in stretches as a rope has them.
+/// The text in pieces as large as the chunks of a rope.
 std::vector<std::u16string_view> stretches(const SourceText& text) {
     constexpr std::size_t length = 2048;
     std::vector<std::u16string_view> stretches;
@@ -64,7 +64,7 @@ void decode(benchmark::State& state, const Kind& kind, const char* name) {
     setRate(state, bytes.size());
 }
 
-/// The floor: the bare converter into fresh memory, in one call.
+/// The baseline: the converter of ICU alone, into fresh memory, in one call.
 void decodeByICU(benchmark::State& state, const Kind& kind, const char* name) {
     const std::string bytes = encoded(stretches(text(kind)), encoding(name)).value();
     for (auto _ : state) {
@@ -80,7 +80,7 @@ void decodeByICU(benchmark::State& state, const Kind& kind, const char* name) {
     setRate(state, bytes.size());
 }
 
-/// Sees every byte of the output, as whoever writes it to a file does.
+/// Every byte of the output is read, as when it is written to a file.
 void encode(benchmark::State& state, const Kind& kind, const char* name) {
     const auto parts = stretches(text(kind));
     std::size_t size = 0;

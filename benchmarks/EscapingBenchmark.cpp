@@ -22,7 +22,7 @@ struct Sample {
 
 constexpr std::size_t sampleUnits = 1 << 20;
 
-/// Prose without markup in three scripts, prose with some, and what is meant to take long.
+/// Prose without markup in three scripts, prose with markup, and texts designed to take long.
 const Sample samples[] = {
     {"ascii", u"The quick brown fox jumps over the lazy dog, twice a day. "},
     {"spanish", u"El pingüino Wenceslao hizo kilómetros bajo exhaustiva lluvia y frío; añoraba a su niña. "},
@@ -35,7 +35,7 @@ const Sample samples[] = {
     {"flags", u"\U0001F1EA"},
 };
 
-/// One mebiunit of marks on every other ampersand.
+/// A text of huge characters: every second ampersand is followed by 2^18 combining marks.
 std::u16string hugeCharacters() {
     return repeated(u"&a" + std::u16string(1 << 18, u'\u0301') + u"&" + std::u16string(1 << 18, u'\u0301') +
                         u";",
@@ -89,7 +89,7 @@ void unescape(benchmark::State& state, const std::u16string& text) {
     setUnits(state, text.size());
 }
 
-/// The floor of the three above: what copying the text costs.
+/// The baseline of escaping and unescaping: copying the text.
 void copy(benchmark::State& state, const std::u16string& text) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(std::u16string(text));
@@ -112,7 +112,7 @@ const bool isRegistered = [] {
         add("Escaping/escapeText", escapeText, sample, text);
         add("Escaping/escapeAttribute", escapeAttribute, sample, text);
         add("Escaping/unescape", unescape, sample, text);
-        // Each step back over a run of flags looks at the whole run; nobody walks one that way.
+        // Each step back over a run of flags reads the whole run. No code iterates over a text in this way.
         if (std::string_view(sample) != "flags") {
             add("GraphemeBreaker/backward", walkBackward, sample, text);
         }

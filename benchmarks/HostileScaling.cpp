@@ -1,4 +1,4 @@
-// Whether the parser's time stays linear on documents made to break that.
+// Checks that the parser's time stays linear for documents that are designed to make it grow faster.
 
 #include "HostileShapes.h"
 #include "TreeParser.h"
@@ -65,14 +65,14 @@ Options parseArguments(std::span<char*> arguments) {
     return options;
 }
 
-/// The time that this thread ran: what others do meanwhile counts little.
+/// The processor time of this thread, on which other programs have little influence.
 double processorSeconds() {
     timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-/// One text and the least time that its parse took so far.
+/// One text and the shortest time that parsing it has taken so far.
 class Sample {
 public:
     explicit Sample(const std::u16string& text) : m_text(text) {
@@ -80,7 +80,7 @@ public:
         measure();
     }
 
-    /// Measures again, for when something else may have held the processor.
+    /// Measures again, because another program may have disturbed earlier measurements.
     void measure() {
         constexpr double leastSeconds = 0.02;
         constexpr int leastParses = 2;
@@ -102,7 +102,7 @@ private:
     double m_best = std::numeric_limits<double>::infinity();
 };
 
-/// Whether every doubling of the shape stays below the limit; prints them.
+/// Whether every doubling of the shape stays below the limit. Prints the measurements.
 bool scales(const HostileShape& shape, std::size_t largest) {
     constexpr int nameWidth = 48;
     constexpr int mostMeasurements = 4;
@@ -130,8 +130,8 @@ bool scales(const HostileShape& shape, std::size_t largest) {
 
 int main(int argc, char** argv) {
 #if defined(__GLIBC__)
-    // Freed memory stays with the program at every size: else the parses beyond the allocator's threshold
-    // would also be charged for fresh pages, the smaller ones not.
+    // The program keeps freed memory at every size. Otherwise parses above the allocator's threshold would
+    // also be charged for fresh pages, and smaller ones would not.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, -1);
 #endif

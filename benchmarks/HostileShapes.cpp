@@ -17,7 +17,7 @@ Text repeated(View piece, std::size_t units) {
     return text;
 }
 
-/// `number` in six letters, so that all names have the same length.
+/// `number` written with six letters, so that all names have the same length.
 Text letters(std::size_t number) {
     Text text(6, u'a');
     for (auto letter = text.rbegin(); letter != text.rend(); ++letter) {
@@ -27,7 +27,7 @@ Text letters(std::size_t number) {
     return text;
 }
 
-/// `before`, a name of its own and `after`, again and again.
+/// `before`, a name and `after`, repeated with a different name each time.
 Text numbered(View before, View after, std::size_t units) {
     Text text;
     text.reserve(units + before.size() + after.size() + 6);
@@ -49,18 +49,18 @@ Text joined(View opening, View middle, View closing = {}) {
 Text inElement(View content) { return joined(u"<r>", content, u"</r>"); }
 Text inStartTag(View attributes) { return joined(u"<r", attributes, u"/>"); }
 
-/// As many end tags as open elements, each half of the text.
+/// Start tags in the first half of the text, end tags in the second half.
 Text halves(View opening, View closing, std::size_t units) {
     return repeated(opening, units / 2) + repeated(closing, units / 2);
 }
 
-/// Elements nested to the end of the text and closed in order.
+/// Elements that are all nested, and closed in order at the end of the text.
 Text nested(std::size_t units) {
     constexpr std::size_t unitsPerElement = 7;
     return repeated(u"<a>", units / unitsPerElement * 3) + repeated(u"</a>", units / unitsPerElement * 4);
 }
 
-/// Names that agree in length, first and last unit, and in all sums over their units.
+/// Names with the same length, the same first and last unit, and the same sum of their units.
 Text anagrams(View before, View after, std::size_t units) {
     Text text;
     text.reserve(units + 64);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// A kind of document that a careless parser takes quadratic time, or worse, for.
+/// A kind of document for which a careless parser takes quadratic time or more.
 struct HostileShape {
     std::string_view name;
     /// A document of the shape, of about `units` UTF-16 units.

@@ -1,5 +1,5 @@
-// What the outline costs with a million visible rows: making the rows, patching and asking them, and the
-// frames that the list paints.
+// Measures the outline with a million visible rows: how long it takes to create the rows, to update them, to
+// read them, and to paint frames of the list.
 
 #include "TreeOutlineView.h"
 #include "TreeParser.h"
@@ -74,7 +74,7 @@ private:
     }
 };
 
-/// The document of `shape`; the last one is kept, since making it takes longer than measuring.
+/// The document of `shape`. The last one is kept, because creating it takes longer than measuring.
 Document& document(const Shape& shape) {
     static const Shape* last = nullptr;
     static std::unique_ptr<Document> document;
@@ -114,7 +114,8 @@ void makeFilteredRows(benchmark::State& state, const Shape& shape) {
     state.counters["rows"] = static_cast<double>(rows.size());
 }
 
-/// The first row with children that is not the root, near the top, so that nearly all rows move.
+/// Collapses and expands the first row with children after the root. It is near the top, so nearly all rows
+/// move.
 void toggleRow(benchmark::State& state, const Shape& shape) {
     Document& made = document(shape);
     for (auto iteration : state) {
@@ -153,7 +154,7 @@ void defaultExpansion(benchmark::State& state, const Shape& shape) {
     }
 }
 
-/// A list of the size of a large pane, shown.
+/// A visible list of the size of a large pane.
 class ShownView {
 public:
     explicit ShownView(Document& shown) {

@@ -1,5 +1,5 @@
-// Parsing and what is computed beside it, by the shape of the text. Bytes are those of UTF-8: all texts are
-// plain ASCII.
+// Measures parsing, and what is computed from the text together with it, for texts of several shapes. Bytes
+// are those of UTF-8: all texts are plain ASCII.
 
 #include "IndentStyle.h"
 #include "Lexer.h"
@@ -42,7 +42,7 @@ void parse(benchmark::State& state, const TextShape& shape) {
     state.counters["nodes"] = static_cast<double>(tree.nodes.size());
 }
 
-/// Without a tree to recycle, as when a document opens.
+/// Parses without a tree to recycle, as when a document is opened.
 void parseFirst(benchmark::State& state, const TextShape& shape) {
     const SourceText text(shape.text(textLength));
     for (auto iteration : state) {

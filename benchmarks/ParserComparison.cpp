@@ -1,4 +1,4 @@
-// Our parser beside others, on the same documents in the same run.
+// Compares our parser with others, on the same documents in the same run.
 
 #include "BenchmarkDocument.h"
 #include "ComparisonTable.h"
@@ -117,7 +117,7 @@ Options parseArguments(std::span<char*> arguments) {
     return options;
 }
 
-/// The files of the group, directories walked, in a stable order.
+/// The files of the group, including those in its directories, in a stable order.
 std::vector<std::filesystem::path> files(const Group& group, std::uintmax_t minSize) {
     std::vector<std::filesystem::path> files;
     const auto add = [&](const std::filesystem::path& path) {
@@ -143,7 +143,7 @@ std::vector<std::filesystem::path> files(const Group& group, std::uintmax_t minS
 /// Times one contender on one document.
 class Stopwatch {
 public:
-    /// Chooses how often a round parses. The contender did not give up on the document when `isUsable`.
+    /// Chooses how often a round parses. `isUsable` is false if the contender gave up on the document.
     Stopwatch(ParserContender& contender, const BenchmarkDocument& document)
         : m_contender(&contender), m_document(&document) {
         constexpr double shortestRound = 0.001;
@@ -160,7 +160,7 @@ public:
     std::string name() const { return std::string(m_contender->name()); }
 
     void round() {
-        // The last document may have left too little room behind.
+        // The document before may have been smaller, so that there is not enough memory yet.
         m_contender->parse(*m_document);
         double sum = 0;
         for (int i = 0; i < m_repetitions; ++i) {
@@ -169,7 +169,7 @@ public:
         m_rounds.push_back(sum / m_repetitions);
     }
 
-    /// The seconds of one parse.
+    /// The duration of one parse, in seconds.
     ComparisonRow::Time time() {
         std::ranges::sort(m_rounds);
         return {m_rounds.front(), m_rounds[m_rounds.size() / 2]};
@@ -234,7 +234,7 @@ private:
         return row;
     }
 
-    /// Adds the document's stopwatches, unless its times could not be compared.
+    /// Adds the document's stopwatches, unless its times cannot be compared.
     void add(const BenchmarkDocument& document, ComparisonRow& row, std::vector<Stopwatch>& stopwatches) {
         const std::size_t peerCount = elementCountOfPugixml(document);
         std::vector<Stopwatch> added;
@@ -258,8 +258,8 @@ private:
         row.allocatedBytes += document.allocatedBytes;
     }
 
-    /// Goes round all documents and, on each, all contenders. A spell in which the machine is busy spoils
-    /// some rounds of many documents rather than all rounds of one.
+    /// Measures all documents with all contenders in each round. So a time in which the machine is busy
+    /// affects some rounds of many documents, not all rounds of one.
     void time(std::vector<Stopwatch>& stopwatches) const {
         const auto start = std::chrono::steady_clock::now();
         const std::chrono::duration<double> limit(m_options.seconds);
@@ -285,7 +285,7 @@ int main(int argc, char** argv) {
     if (options.groups.empty()) {
         stop("no documents");
     }
-    // What a parser frees stays with the process, so that all find a warm heap.
+    // The process keeps the memory that a parser frees, so all contenders run with a warm heap.
     constexpr int mostBytesKept = 2'000'000'000;
     mallopt(M_TRIM_THRESHOLD, mostBytesKept);
     mallopt(M_MMAP_MAX, 0);

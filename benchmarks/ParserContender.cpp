@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Makes the compiler believe that somebody looks at all memory.
+/// Makes the compiler assume that all memory is read here.
 void keepResults() { asm volatile("" : : : "memory"); }
 
 template <class Work>
@@ -25,7 +25,7 @@ double secondsOf(Work work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Brings `text` as near to the processor as it fits.
+/// Reads `text` once, so that the caches contain as much of it as fits.
 template <class Text>
 void readOnce(const Text& text) {
     volatile std::size_t sink = 0;
@@ -57,7 +57,7 @@ public:
     std::string_view name() const override { return "damaged"; }
 
     std::optional<double> parse(const BenchmarkDocument& document) override {
-        // As long as the intact text would take at the same speed.
+        // The time for a text of the length of the intact one, at the same speed.
         const SourceText& text = document.damagedText;
         return Ours::parse(text) * document.text.count() / std::max<Offset>(text.count(), 1);
     }
@@ -83,7 +83,7 @@ private:
     pugi::xml_document m_document;
 };
 
-/// The parse that leaves the caller's text as it is, as ours does.
+/// Pugixml, with a parse that does not change the caller's text, like ours.
 class PugixmlCopy : public ParserContender {
 public:
     std::string_view name() const override { return "pugixml-copy"; }
@@ -170,7 +170,7 @@ private:
     std::unique_ptr<xmlDoc, FreeDocument> m_document;
 };
 
-/// The floor of every parser that looks at UTF-8: a walk from `<` to `<`.
+/// The baseline for every parser of UTF-8: a search from each `<` to the next.
 class Memchr : public ParserContender {
 public:
     std::string_view name() const override { return "memchr"; }
@@ -193,8 +193,8 @@ private:
     std::size_t m_count = 0;
 };
 
-/// The floor of our own parser: a walk of the UTF-16 text from `<` to `<` that writes as many records as the
-/// tree has.
+/// The baseline for our own parser: a search from each `<` to the next in the UTF-16 text, which writes as
+/// many records as the tree has.
 class Roofline : public ParserContender {
 public:
     std::string_view name() const override { return "roofline"; }
@@ -237,7 +237,7 @@ private:
     std::vector<AttributeSpan> m_attributes;
 };
 
-/// Counts the elements that a walk over a pugixml document meets.
+/// Counts the elements of a pugixml document.
 struct ElementCounter : pugi::xml_tree_walker {
     std::size_t count = 0;
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Lines of 64 units.
+/// A text of lines of 64 units each.
 std::u16string text(std::size_t units) {
     std::u16string text(units, u'x');
     for (std::size_t i = 63; i < units; i += 64) {
@@ -17,13 +17,13 @@ std::u16string text(std::size_t units) {
     return text;
 }
 
-/// Bytes that the program has on its heap.
+/// The number of bytes that the program has allocated on the heap.
 double heapBytes() {
     const struct mallinfo2 info = mallinfo2();
     return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-/// A large text, made once for all benchmarks of its size and dropped for the next.
+/// A large text. It is created once for all benchmarks of its size, and freed when the next size begins.
 const SourceText& sourceText(std::int64_t units) {
     static SourceText text;
     if (text.count() != units) {
@@ -59,7 +59,7 @@ void openMemory(benchmark::State& state) {
 void randomInsert(benchmark::State& state) {
     std::mt19937_64 engine(1);
     Rope rope(sourceText(state.range(0)));
-    // A document that is open is always shared with the version that a save would take.
+    // An open document always shares its chunks with the version that a save would write.
     Rope mirror = rope;
     for (auto _ : state) {
         const Offset at = randomOffset(engine, rope.size());
@@ -112,7 +112,7 @@ void flatten(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * state.range(0) * 2);
 }
 
-/// A document typed unit by unit at its end, and what it then takes beyond its text.
+/// A document that is typed unit by unit at its end; reports the memory beyond its text.
 void typedMemory(benchmark::State& state) {
     double added = 0;
     for (auto _ : state) {
@@ -127,7 +127,7 @@ void typedMemory(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-/// Making and dropping a text whose chunks are all their own.
+/// Creates and frees a text that shares no chunks.
 void dropOwnChunks(benchmark::State& state) {
     const std::u16string_view units = sourceText(state.range(0)).units();
     for (auto _ : state) {
@@ -140,7 +140,7 @@ void dropOwnChunks(benchmark::State& state) {
 
 constexpr std::int64_t million = 1'000'000;
 
-// Grouped by size, so that only one large text is in memory at a time.
+// These are grouped by size, so that only one large text is in memory at a time.
 BENCHMARK(typedMemory)->Arg(million)->Unit(benchmark::kMillisecond);
 BENCHMARK(randomInsert)->Arg(10 * million);
 BENCHMARK(randomInsertFlat)->Arg(10 * million);

@@ -1,5 +1,5 @@
-// What a session takes of the main thread's time on a document of a given size: the longest event while a
-// parse arrives after a key, and the commands that views call.
+// Measures how long a session occupies the main thread for a document of a given size: the longest event
+// while a parse arrives after a key, and the commands that views call.
 
 #include "EditorSession.h"
 #include "UndoManager.h"
@@ -25,7 +25,7 @@ double milliseconds(const std::function<void()>& work) {
     return double(timer.nsecsElapsed()) / 1e6;
 }
 
-/// Notes how long each event takes.
+/// Measures how long each event takes.
 class TimedApplication : public QApplication {
 public:
     using QApplication::QApplication;

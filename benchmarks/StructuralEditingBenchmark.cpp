@@ -1,6 +1,6 @@
-// Printing, planning and searching. Printing is to run at no less than a third of the parser's speed,
-// measured beside it on the same text; planning is to take less than 20 ms on top of resolving the paths of a
-// document of 100 million units. Bytes are those of UTF-8: all texts are plain ASCII.
+// Measures printing, planning and searching. Printing should reach at least a third of the parser's speed,
+// measured in the same run on the same text. Planning should take less than 20 ms in addition to resolving
+// the paths, in a document of 100 million units. Bytes are those of UTF-8: all texts are plain ASCII.
 
 #include "MutationPlanner.h"
 #include "NodeSearch.h"
@@ -74,7 +74,7 @@ void search(benchmark::State& state, const TextShape& shape, std::u16string_view
 
 constexpr std::size_t plannedUnits = 100'000'000;
 
-/// The large document of a shape; only one is kept at a time.
+/// The large document of a shape. Only one is kept at a time.
 const DocumentTree& largeTree(const TextShape& shape) {
     static const TextShape* kept = nullptr;
     static DocumentTree tree;
@@ -86,7 +86,7 @@ const DocumentTree& largeTree(const TextShape& shape) {
     return tree;
 }
 
-/// The last row but one of the table.
+/// The path of the last but one row of the table.
 NodePath lateRow(const DocumentTree& tree) {
     NodePath path = tree.path(*tree.rootElement());
     path.indices.push_back(tree[*tree.rootElement()].childCount - 2);

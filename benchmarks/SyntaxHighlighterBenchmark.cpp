@@ -1,5 +1,5 @@
-// What colouring costs while somebody types or scrolls: a run over what a view of 1600 by 1000 pixels shows
-// in the middle of a large document. The budget is 3 ms.
+// Measures colouring during typing and scrolling: a run of the highlighter over the part in the middle of a
+// large document that a view of 1600 by 1000 pixels shows. The budget is 3 ms.
 
 #include "SyntaxHighlighter.h"
 #include "SystemFont.h"
@@ -25,7 +25,7 @@ constexpr TextShape oneLine{
 constexpr TextShape farAbove{"a comment that began far above", u"<r><!--",
                              u"\nsome words <b>of</b> a comment", u"--></r>"};
 
-/// Lines of 30,000 units, the longest that are coloured whole.
+/// Lines of 30,000 units, the longest that are coloured completely.
 std::u16string longLines(std::size_t units) {
     std::u16string line;
     while (line.size() < 30'000) {
@@ -39,7 +39,7 @@ std::u16string longLines(std::size_t units) {
     return text + u"</svg>\n";
 }
 
-/// A document in a view that shows its middle.
+/// A document in a view, scrolled to the middle.
 struct Desk {
     SourceText text;
     DocumentTree tree;
@@ -82,7 +82,7 @@ void highlight(benchmark::State& state, Desk& desk) {
     state.counters["units"] = desk.visibleUnits();
 }
 
-/// Each time over what was not coloured before.
+/// Each run colours a part that has not been coloured before.
 void highlightAfterScroll(benchmark::State& state, Desk& desk) {
     const Offset count = desk.text.count();
     Offset at = count / 3;
@@ -118,7 +118,7 @@ int main(int argc, char** argv) {
     add("prose", [] { return TextShapes::prose.text(documentLength); });
     add("one line", [] { return oneLine.text(longLineLength); });
     add("lines of 30,000 units", [] { return longLines(documentLength / 10); });
-    // The middle of the comment is as far from its start as is still looked back.
+    // From the middle of the comment, its start is only just near enough to be found.
     add("a long comment", [] { return farAbove.text(2 * SyntaxHighlighter::longestLookBack - 10'000); });
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

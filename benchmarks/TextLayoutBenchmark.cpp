@@ -1,5 +1,5 @@
-// What the text view's layout costs: a window of 60 lines of 160 units in 30 colours each, and single lines
-// of 50 million units, typed in, scrolled and jumped through. Paints into an image.
+// Measures the layout of the text view: a window of 60 lines of 160 units in 30 colours each, and typing,
+// scrolling and jumping in single lines of 50 million units. Paints into an image.
 
 #include "TextLayout.h"
 
@@ -102,7 +102,7 @@ void paintAgain(benchmark::State& state) {
     }
 }
 
-/// The floor: the same glyphs in one colour.
+/// The baseline: the same glyphs in one colour.
 void paintPlainAgain(benchmark::State& state) {
     Window window(screen());
     for (auto _ : state) {
@@ -122,7 +122,7 @@ void recolorAndPaintAgain(benchmark::State& state) {
     }
 }
 
-/// One line, without painting the rest.
+/// Paints only the line that changed.
 void keyInOneLine(benchmark::State& state) {
     Window window(screen());
     window.color(0, 0);

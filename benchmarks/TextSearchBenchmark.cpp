@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t units = 100'000'000;
 
-/// A document of 100 MB in UTF-8, with a few edits, so that it does not stand in one array.
+/// A document of 100 MB in UTF-8. A few edits divide its storage, so that it is not in one array.
 const Rope& document() {
     static const Rope rope = [] {
         Rope made{SourceText(TextShapes::records.text(units))};
@@ -26,7 +26,7 @@ using enum SearchPattern::Case;
 using enum SearchPattern::Extent;
 using enum SearchPattern::Syntax;
 
-/// From the start of the text to its end, as counting the matches does.
+/// Searches the whole text, as for counting the matches.
 void search(benchmark::State& state, const SearchPattern& pattern) {
     const TextSearch search = *TextSearch::make(pattern);
     std::size_t count = 0;
@@ -55,14 +55,14 @@ void replaceAll(benchmark::State& state, const SearchPattern& pattern, std::u16s
     }
 }
 
-/// What the main thread does for every key in the field.
+/// The work of the main thread for every key in the search field.
 void make(benchmark::State& state, const SearchPattern& pattern) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(TextSearch::make(pattern));
     }
 }
 
-/// What the main thread does in the end: one edit, however many matches.
+/// The last step, on the main thread: one edit, whatever the number of matches.
 void applyReplacement(benchmark::State& state) {
     SearchedText text(document());
     const TextSearch search = *TextSearch::make({.text = u"row"});
@@ -72,7 +72,7 @@ void applyReplacement(benchmark::State& state) {
     }
 }
 
-/// The floor: the copy of all units into a buffer in the cache, which every search does.
+/// The baseline: copying all units into a buffer that fits into the cache, as every search does.
 void readOnly(benchmark::State& state) {
     std::u16string buffer(32 * 1024, u' ');
     benchmark::DoNotOptimize(document());

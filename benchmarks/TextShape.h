@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-/// A text that is one record again and again, and those that more than one benchmark measures.
+/// A text that repeats one record; and the shapes that several benchmarks use.
 struct TextShape {
     const char* name;
     std::u16string_view opening;
     std::u16string_view record; ///< Repeated until the text is long enough.
     std::u16string_view closing;
 
-    /// A text of this shape with at least `units` units before what closes it.
+    /// A text of this shape with at least `units` units before `closing`.
     std::u16string text(std::size_t units) const {
         std::u16string text(opening);
         while (text.size() < units) {

@@ -1,5 +1,5 @@
-// What the user of a text view waits for: from a key, a turn of the wheel or a jump until the paint is done, in
-// a real widget that gets real events.
+// Measures the time from a key, a turn of the wheel or a jump until painting is complete, in a real text view
+// that receives real events.
 //
 //     text_view_benchmark [--rounds N] [NAME...]
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-/// A text of at least `units` units: `record` again and again, in chunks that the copies share.
+/// A text of at least `units` units that repeats `record`, in chunks that the repetitions share.
 Rope repeated(std::u16string_view record, Offset units) {
     std::u16string first(record);
     while (first.size() < 2048 && first.size() < units) {
@@ -60,13 +60,13 @@ public:
         QApplication::processEvents();
     }
 
-    /// Milliseconds from the event until everything that it leads to is painted.
+    /// The time, in milliseconds, from the event until all its effects are painted.
     double wait(const std::function<void()>& send) {
         QElapsedTimer timer;
         timer.start();
         const int before = m_counter.paints;
         send();
-        // What does not move anything paints nothing, and is over at once.
+        // An event without a visible effect causes no paint, so do not wait longer.
         for (int i = 0; i < 3 && m_counter.paints == before; ++i) {
             QApplication::processEvents();
         }

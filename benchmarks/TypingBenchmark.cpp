@@ -1,5 +1,5 @@
-// What a key costs in the source editor: the aids that look back from a caret at the end of a document of
-// 100 million units, and the shapes that are meant to take long.
+// Measures the cost of a key in the source editor: the aids that search backwards from a caret at the end of
+// a document of 100 million units, and texts designed to take long.
 
 #include "TagExpander.h"
 #include "TagMatcher.h"
@@ -47,7 +47,7 @@ std::u16string repeated(const Shape& shape, std::size_t length) {
     return text;
 }
 
-/// The document of `shape`; the last one is kept, since making it takes longer than measuring.
+/// The document of `shape`. The last one is kept, because creating it takes longer than measuring.
 const SourceText& document(const Shape& shape, std::size_t length) {
     static const Shape* last = nullptr;
     static SourceText text;
@@ -63,7 +63,7 @@ void setThroughput(benchmark::State& state, std::size_t units) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * units * sizeof(char16_t)));
 }
 
-/// The floor of what looks back to the start: reading all units once.
+/// The baseline for searches back to the start of the text: reading all units once.
 void readAll(benchmark::State& state, const Shape& shape, std::size_t length) {
     const SourceText& text = document(shape, length);
     for (auto iteration : state) {
@@ -82,7 +82,8 @@ void atEnd(benchmark::State& state, const Shape& shape, std::size_t length) {
     setThroughput(state, text.count());
 }
 
-/// From the start tag of the root, the last tag of the opening if there is one, to the end.
+/// Matches the start tag of the root, which is the last tag of the opening if there is an opening, with the
+/// end of the text.
 void matchForward(benchmark::State& state, const Shape& shape, std::size_t length) {
     const SourceText& text = document(shape, length);
     const std::size_t last = shape.opening.rfind(u'<');
@@ -93,7 +94,7 @@ void matchForward(benchmark::State& state, const Shape& shape, std::size_t lengt
     setThroughput(state, text.count());
 }
 
-/// From the end tag of the root back to its start tag.
+/// Matches the end tag of the root with its start tag.
 void matchBackward(benchmark::State& state, const Shape& shape, std::size_t length) {
     const SourceText text(repeated(shape, length) + u"</table>");
     const Offset root = text.count() - 8;
