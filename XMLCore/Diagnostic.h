@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-/// One problem in a text, with a fix where one is obvious. Messages and titles are Spanish and are shown to
-/// the user unchanged. The names in them come from the document, so they must be shown as plain text.
+/// One problem in a text, with a fix if one is obvious. Messages and titles are Spanish and are shown to the
+/// user unchanged. The names in them come from the document, so they must be shown as plain text.
 struct Diagnostic {
     enum class Severity : std::uint8_t { error, warning };
 

@@ -42,7 +42,8 @@ struct DocumentTree {
     /// The first element among the document's children.
     std::optional<NodeID> rootElement() const;
 
-    /// Whether any diagnostic is an error. A document with warnings only counts as well-formed.
+    /// Whether any diagnostic is an error. Warnings do not count: a document that has only warnings is
+    /// well-formed.
     bool hasErrors() const { return diagnostics.errorCount() != 0; }
 
     /// The text of the node's `nameRange`, with lone surrogates replaced by U+FFFD.

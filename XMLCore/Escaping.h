@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-/// Escapes a text of the user for use as character data or as an attribute's value, and reverses this.
-/// Nothing fails: what cannot be interpreted stays as it is.
+/// Escapes the user's text for use as character data or as an attribute's value, and reverses this. Nothing
+/// fails: what cannot be interpreted stays as it is.
 ///
 ///
 /// All three functions compare whole characters (extended grapheme clusters): `<` with a combining mark is

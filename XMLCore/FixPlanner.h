@@ -21,7 +21,7 @@ std::vector<Diagnostic::Fix> fixes(const DocumentTree& tree, std::size_t index);
 /// The edits that repair a whole document, and what they leave.
 struct Plan {
     std::vector<TextEdit> edits; ///< In ascending order, with at least one unit between two.
-    std::size_t left = 0;        ///< The number of diagnostics of the resulting text.
+    std::size_t left = 0;        ///< The number of diagnostics of the resulting text, including warnings.
     bool mayMendMore = false;    ///< Whether any of these diagnostics has a fix or a repair.
 };
 

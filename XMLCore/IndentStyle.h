@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// The unit of indentation of a document.
+/// How a document is indented: by a number of spaces or by tabs.
 class IndentStyle {
 public:
     /// Four spaces.

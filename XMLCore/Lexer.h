@@ -150,7 +150,8 @@ TAMO_ALWAYS_INLINE void Lexer::nextFlags(std::ptrdiff_t from) {
         m_flagsLower += UnitIndex::flagsLength;
         return;
     }
-    // After a jump, few units may be needed; after the units before, probably many.
+    // After a jump, the lexer may need only a few units. If it continues after the units just before, it
+    // probably needs many.
     const bool isNext = index < UnitIndex::flagsLength;
     m_flagsLower = isNext ? m_flagsLower + UnitIndex::flagsLength : from & ~(UnitIndex::flagsLength - 1);
     m_flags = m_index->begin();

@@ -8,7 +8,7 @@
 
 /// Answers questions about the source at a caret without parsing the document, so that they can be asked
 /// while the user is typing incomplete markup. Offsets count units of `in`; the program aborts if one lies
-/// beyond it. Each function takes at most linear time in the text.
+/// beyond it, except in `matchingOpenName`. Each function takes at most linear time in the text.
 namespace TagMatcher {
 
 /// The kind of construct that contains a caret.
@@ -47,7 +47,8 @@ std::optional<SourceRange> endTagName(Offset around, const SourceText& in);
 std::optional<SourceRange> matchingCloseName(Offset forStartTagAt, const SourceText& in);
 
 /// The name in the start tag that matches the end tag whose `<` is at `forEndTagAt`: the start tag for which
-/// `matchingCloseName` returns the name in this end tag. None if there is no such tag.
+/// `matchingCloseName` returns the name in this end tag. None if there is no such tag, also if `forEndTagAt`
+/// lies beyond the text.
 std::optional<SourceRange> matchingOpenName(Offset forEndTagAt, const SourceText& in);
 
 } // namespace TagMatcher

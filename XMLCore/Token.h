@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-/// One piece of markup or character data that the lexer has found.
+/// One piece of markup or character data that the lexer has found. A comment, CDATA section, instruction or
+/// declaration without its terminator extends to the offset where lexing stops.
 struct Token {
     enum class Kind : std::uint8_t {
         text,           ///< A run of character data.

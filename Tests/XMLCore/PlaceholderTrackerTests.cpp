@@ -136,7 +136,7 @@ TEST(PlaceholderTracker, KeepsItsStopsAtTheirText) {
             const std::vector<SourceRange> before = tracker.stops();
             tracker.adjust(edit);
             for (std::size_t i = 1; i < tracker.stops().size(); ++i) {
-                // No edit touched the inside of a stop that is not the current one.
+                // No edit has changed the inside of a stop other than the current one.
                 const SourceRange stop = before[i];
                 const std::u16string kept = text.substr(stop.lower, stop.length());
                 const std::u16string after = TextEdit::apply({&edit, 1}, text);
