@@ -43,8 +43,8 @@ QString menuTitle(const QString& verb, const QString& actionName) {
 } // namespace
 
 UndoManager::UndoManager(QObject* parent) : QObject(parent) {
-    connect(&m_stack, &QUndoStack::cleanChanged, this, &UndoManager::cleanChanged);
     connect(&m_stack, &QUndoStack::indexChanged, this, &UndoManager::historyChanged);
+    connect(&m_stack, &QUndoStack::indexChanged, this, &UndoManager::tellClean);
 }
 
 void UndoManager::endUndoGroup() {
@@ -57,6 +57,9 @@ void UndoManager::endUndoGroup() {
     std::vector<Action> actions = std::exchange(m_group, {});
     if (!actions.empty()) {
         breakUndoCoalescing();
+        // The step takes the place of those that could be redone.
+        m_states.resize(static_cast<std::size_t>(m_stack.index()) + 1);
+        m_states.push_back(++m_lastState);
         m_stack.push(new Step(*this, std::move(actions), name));
     }
 }
@@ -91,12 +94,16 @@ void UndoManager::run(void (QUndoStack::*backOrForth)()) {
     (m_stack.*backOrForth)();
 }
 
-void UndoManager::setClean() {
+void UndoManager::setClean(std::uint64_t state) {
     breakUndoCoalescing();
-    m_stack.setClean();
+    m_cleanState = state;
+    tellClean();
 }
 
-void UndoManager::resetClean() {
-    breakUndoCoalescing();
-    m_stack.resetClean();
+void UndoManager::resetClean() { setClean(0); }
+
+void UndoManager::tellClean() {
+    if (const bool is = isClean(); is != std::exchange(m_wasClean, is)) {
+        emit cleanChanged(is);
+    }
 }

@@ -50,10 +50,17 @@ public:
     std::uint64_t coalescingMark() const { return m_coalescingMark; }
     void breakUndoCoalescing() { ++m_coalescingMark; }
 
-    /// Whether the document is as it was when `setClean` was called last, at first when this was made.
-    bool isClean() const { return m_stack.isClean(); }
-    void setClean();
-    /// No step leads to what `setClean` was called for: it turned out not to be saved.
+    /// Names the state of now. Undo and redo come back to a state; every new step makes a new one.
+    std::uint64_t state() const { return m_states[static_cast<std::size_t>(m_stack.index())]; }
+
+    /// Whether the document is in its clean state: at first the one in which this was made.
+    bool isClean() const { return state() == m_cleanState; }
+
+    /// The document is saved as it is now.
+    void setClean() { setClean(state()); }
+    /// The document was saved as it was in `state`, whether steps lead back there or not.
+    void setClean(std::uint64_t state);
+    /// No state is the saved one any more.
     void resetClean();
 
 Q_SIGNALS:
@@ -65,8 +72,13 @@ private:
     class Step;
 
     void run(void (QUndoStack::*backOrForth)());
+    void tellClean();
 
     QUndoStack m_stack;
+    std::vector<std::uint64_t> m_states = {1}; ///< Before the first step, and after each.
+    std::uint64_t m_lastState = 1;
+    std::uint64_t m_cleanState = 1; ///< 0 when there is none.
+    bool m_wasClean = true;
     std::vector<Action> m_group; ///< Registered since the outermost group began.
     QString m_groupName;
     int m_depth = 0;

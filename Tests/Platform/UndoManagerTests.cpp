@@ -123,6 +123,39 @@ TEST(UndoManager, KnowsWhetherTheDocumentIsAsItWasSaved) {
     EXPECT_EQ(changes, 4);
 }
 
+TEST(UndoManager, TakesAStateThatIsPastForTheCleanOne) {
+    UndoManager undo;
+    Word word(undo);
+    word.set("one");
+    const std::uint64_t saved = undo.state();
+    word.set("two");
+    undo.setClean(saved);
+    EXPECT_FALSE(undo.isClean());
+    undo.undo();
+    EXPECT_TRUE(undo.isClean());
+    undo.undo();
+    EXPECT_FALSE(undo.isClean()) << "the state before was saved no longer";
+}
+
+TEST(UndoManager, ComesBackToNoStateThatAnotherStepReplaced) {
+    UndoManager undo;
+    Word word(undo);
+    word.set("one");
+    const std::uint64_t saved = undo.state();
+    undo.undo();
+    word.set("two");
+    undo.setClean(saved);
+    EXPECT_FALSE(undo.isClean());
+    undo.undo();
+    EXPECT_FALSE(undo.isClean());
+    undo.redo();
+    EXPECT_FALSE(undo.isClean());
+    undo.setClean();
+    EXPECT_TRUE(undo.isClean());
+    undo.resetClean();
+    EXPECT_FALSE(undo.isClean());
+}
+
 TEST(UndoManager, ChangesItsMarkWithWhateverEndsCoalescing) {
     UndoManager undo;
     Word word(undo);
