@@ -1,5 +1,6 @@
 #include "NoticeBar.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -30,6 +31,7 @@ NoticeBar::NoticeBar(QWidget* parent)
     m_layout->addWidget(m_text, 1);
     m_layout->addWidget(m_progress);
     m_layout->addLayout(m_buttons);
+    connect(qApp, &QApplication::focusChanged, this, &NoticeBar::followFocus);
     hide();
 }
 
@@ -43,6 +45,7 @@ void NoticeBar::tell(const QString& text, bool isBusy) {
 
 void NoticeBar::offer(const QString& title, std::function<void()> action) {
     auto* button = new QPushButton(title);
+    button->setFocusPolicy(Qt::TabFocus);
     connect(button, &QPushButton::clicked, this, [this, action = std::move(action)] {
         const auto chosen = action; // This function goes with its button.
         dismiss();
@@ -51,12 +54,26 @@ void NoticeBar::offer(const QString& title, std::function<void()> action) {
     m_buttons->addWidget(button);
 }
 
-void NoticeBar::dismiss() {
-    hide();
+void NoticeBar::withdrawOffers() {
+    const QWidget* const focused = window()->focusWidget();
+    if (focused != nullptr && isAncestorOf(focused) && m_focusBefore != nullptr) {
+        m_focusBefore->setFocus(Qt::OtherFocusReason);
+    }
     while (QLayoutItem* const item = m_buttons->takeAt(0)) {
         item->widget()->hide();
         item->widget()->deleteLater();
         delete item;
+    }
+}
+
+void NoticeBar::dismiss() {
+    withdrawOffers();
+    hide();
+}
+
+void NoticeBar::followFocus(QWidget* from, QWidget* to) {
+    if (to != nullptr && isAncestorOf(to) && from != nullptr && !isAncestorOf(from)) {
+        m_focusBefore = from;
     }
 }
 
