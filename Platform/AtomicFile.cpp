@@ -1,7 +1,10 @@
 #include "AtomicFile.h"
 
-#include <QFile>
+#include "FilePath.h"
+#include "KeptCopy.h"
+#include "OpenFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <string>
@@ -19,8 +22,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The file that a chain of links leads to, whether it exists or not; `path` itself when it is no link.
-std::expected<fs::path, FileFailure> linkTarget(fs::path path) {
+/// The file that a chain of links leads to, whether it exists or not; `of` itself when it is no link.
+std::expected<fs::path, FileFailure> linkTarget(const QString& of) {
+    fs::path path = FilePath::bytes(of).toStdString();
     constexpr int longestChain = 40;
     for (int i = 0; i < longestChain; ++i) {
         std::error_code error;
@@ -44,8 +48,7 @@ std::optional<FileFailure> obstacle(const fs::path& path, const struct stat* sta
     if (status && !S_ISREG(status->st_mode)) {
         return FileFailure::notRegular;
     }
-    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-    if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0 ||
+    if (faccessat(AT_FDCWD, folderOf(path).c_str(), W_OK | X_OK, AT_EACCESS) != 0 ||
         (status && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)) {
         return fileFailure(errno);
     }
@@ -80,56 +83,155 @@ void copyAccess(const fs::path& from, const struct stat& status, int file) {
     fchmod(file, status.st_mode & 07777);
 }
 
+std::unexpected<FileFailure> failureNow() { return std::unexpected(fileFailure(errno)); }
+
 } // namespace
 
-std::expected<AtomicFile, FileFailure> AtomicFile::open(const QString& path) {
-    const auto target = linkTarget(fs::path(QFile::encodeName(path).toStdString()));
+std::expected<AtomicFile, FileFailure> AtomicFile::open(const QString& path, std::stop_token stop) {
+    const auto target = linkTarget(path);
     if (!target) {
         return std::unexpected(target.error());
     }
-    struct stat status{};
+    struct stat status {};
     const bool exists = stat(target->c_str(), &status) == 0;
     if (!exists && errno != ENOENT) {
-        return std::unexpected(fileFailure(errno));
+        return failureNow();
     }
     if (const auto failure = obstacle(*target, exists ? &status : nullptr)) {
         return std::unexpected(*failure);
     }
-    auto file = std::make_unique<QSaveFile>(QFile::decodeName(target->c_str()));
-    errno = 0;
-    // Unbuffered: an error while emptying a buffer of QSaveFile's is lost when it commits.
-    if (!file->open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        return std::unexpected(fileFailure(errno));
+    auto file = TemporaryFile::create(*target);
+    if (!file) {
+        return std::unexpected(file.error());
     }
     if (exists) {
-        copyAccess(*target, status, file->handle());
+        copyAccess(*target, status, file->number());
     }
-    return AtomicFile(std::move(file));
+    return AtomicFile(std::move(*file), *target, std::move(stop));
 }
 
 void AtomicFile::write(Bytes bytes) {
-    if (m_failure) {
-        return;
-    }
-    errno = 0;
-    const auto size = static_cast<qint64>(bytes.size());
-    if (m_file->write(reinterpret_cast<const char*>(bytes.data()), size) != size) {
-        m_failure = fileFailure(errno);
+    constexpr std::size_t pieceSize = std::size_t{1} << 20;
+    while (!bytes.empty() && !m_failure) {
+        const Bytes piece = bytes.first(std::min(bytes.size(), pieceSize));
+        writePiece(piece);
+        bytes = bytes.subspan(piece.size());
     }
 }
 
-std::expected<void, FileFailure> AtomicFile::commit() {
-    // Some disks tell only now that they are full. Those that cannot tell at all say EINVAL.
-    if (!m_failure && fsync(m_file->handle()) != 0 && errno != EINVAL) {
+void AtomicFile::writePiece(Bytes piece) {
+    if (m_stop.stop_requested()) {
+        m_failure = FileFailure::stopped;
+    } else if (!writeAll(m_file.number(), piece, m_size)) {
         m_failure = fileFailure(errno);
     }
+    m_size += static_cast<std::int64_t>(piece.size());
+    pace();
+}
+
+/// Keeps the disk busy with what was written and waits for what was written long before, so that not all of
+/// it is left for the end, which nothing can interrupt.
+void AtomicFile::pace() {
+    constexpr std::int64_t distance = std::int64_t{8} << 20;
+    if (m_size - m_paced < distance) {
+        return;
+    }
+    if (m_paced > 0) {
+        const std::int64_t start = std::max<std::int64_t>(0, m_paced - distance);
+        sync_file_range(m_file.number(), start, m_paced - start,
+                        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
+    }
+    sync_file_range(m_file.number(), m_paced, m_size - m_paced, SYNC_FILE_RANGE_WRITE);
+    m_paced = m_size;
+}
+
+std::expected<void, FileFailure> AtomicFile::commit(const FileReplacement& how) {
+    const auto isStopped = [&] { return m_stop.stop_requested() || how.stop.stop_requested(); };
+    if (!m_failure && isStopped()) {
+        m_failure = FileFailure::stopped;
+    }
+    // Some disks tell only now that they are full.
+    if (!m_failure && !syncFile(m_file.number())) {
+        m_failure = fileFailure(errno);
+    }
+    if (!m_failure && isStopped()) {
+        m_failure = FileFailure::stopped;
+    }
     if (m_failure) {
-        m_file->cancelWriting();
         return std::unexpected(*m_failure);
     }
-    errno = 0;
-    if (!m_file->commit()) {
-        return std::unexpected(fileFailure(errno));
+    struct stat status {};
+    const bool isShared = stat(m_target.c_str(), &status) == 0 && status.st_nlink > 1;
+    return isShared && how.links == FileReplacement::Links::written ? writeThrough(how) : replace(how);
+}
+
+std::expected<void, FileFailure> AtomicFile::replace(const FileReplacement& how) {
+    const auto named = m_file.giveName();
+    // Some disks have files without a name but give them none later.
+    auto copy =
+        named ? std::expected<TemporaryFile, FileFailure>(std::unexpected(FileFailure::other)) : namedCopy();
+    if (!named && !copy) {
+        return named;
+    }
+    if (!how.mayReplace()) {
+        return std::unexpected(FileFailure::stopped);
+    }
+    return (copy ? *copy : m_file).takePlace();
+}
+
+/// A file with a name that has all that was written.
+std::expected<TemporaryFile, FileFailure> AtomicFile::namedCopy() const {
+    auto copy = TemporaryFile::create(m_target, TemporaryFile::Naming::atOnce);
+    struct stat status {};
+    if (copy && stat(m_target.c_str(), &status) == 0) {
+        copyAccess(m_target, status, copy->number());
+    }
+    if (copy && !copyContents(m_file.number(), copy->number())) {
+        return failureNow();
+    }
+    return copy;
+}
+
+std::expected<void, FileFailure> AtomicFile::writeThrough(const FileReplacement& how) {
+    const OpenFile file(m_target, O_RDWR | O_NOFOLLOW);
+    if (!file) {
+        return failureNow();
+    }
+    auto copy = KeptCopy::of(m_target, file.number());
+    if (!copy) {
+        return std::unexpected(copy.error());
+    }
+    if (!how.mayReplace()) {
+        copy->remove();
+        return std::unexpected(FileFailure::stopped);
+    }
+    if (copyContents(m_file.number(), file.number())) {
+        copy->remove();
+        return {};
+    }
+    const auto failure = failureNow();
+    if (!copy->putBack(file.number())) {
+        return std::unexpected(FileFailure::halfWritten);
+    }
+    copy->remove();
+    return failure;
+}
+
+std::size_t AtomicFile::nameCount(const QString& path) {
+    struct stat status {};
+    const bool isFile = stat(FilePath::bytes(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+    return isFile ? status.st_nlink : 0;
+}
+
+std::expected<void, FileFailure> AtomicFile::syncName(const QString& path) {
+    const auto target = linkTarget(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    const OpenFile folder(folderOf(*target), O_RDONLY | O_DIRECTORY);
+    // A folder that may be written but not read cannot be asked.
+    if (folder ? !syncFile(folder.number()) : errno != EACCES) {
+        return failureNow();
     }
     return {};
 }

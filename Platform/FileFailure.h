@@ -10,6 +10,9 @@ enum class FileFailure : std::uint8_t {
     noPermission, ///< The user may not, or nobody may.
     noSpace,      ///< The disk, or the user's share of it, is full.
     tooLarge,     ///< The file does not fit the memory or the disk.
+    stopped,      ///< It was asked to stop, and did.
+    halfWritten,  ///< Writing into the file failed, as did putting back what it had: a copy beside it has
+                  ///< that.
     other,        ///< The disk failed, the connection was lost, links lead in a circle, ...
 };
 

@@ -27,6 +27,8 @@ QString reason(FileFailure failure) {
     case FileFailure::folder:
     case FileFailure::notRegular:
         return QStringLiteral("esa carpeta no existe y no se pudo crear");
+    case FileFailure::stopped:
+    case FileFailure::halfWritten:
     case FileFailure::other:
         break;
     }

@@ -2,8 +2,7 @@
 
 #include "EncodingName.h"
 #include "GroupedNumber.h"
-
-#include <QFileInfo>
+#include "ShownName.h"
 
 #include <unicode/uchar.h>
 
@@ -41,6 +40,11 @@ QString reason(FileFailure failure, Action action) {
         return QStringLiteral("no queda espacio en el disco");
     case FileFailure::tooLarge:
         return QStringLiteral("el archivo es demasiado grande");
+    case FileFailure::halfWritten:
+        return QStringLiteral(
+            "falló la escritura en el disco, y el archivo ha quedado a medias. Lo que había está "
+            "en la misma carpeta, en la copia que acaba en “.tamo-copia”");
+    case FileFailure::stopped:
     case FileFailure::other:
         break;
     }
@@ -64,12 +68,15 @@ QString reason(const UnencodableText& text, Action) {
 QString message(const DocumentError& error, const QString& path) {
     const QString why =
         std::visit([&](const auto& cause) { return reason(cause, error.action); }, error.cause);
-    const QString sentence =
-        error.action == Action::read
-            ? QStringLiteral("No se pudo abrir “%1”: %2.")
-            : QStringLiteral("No se pudo guardar “%1”: %2. El archivo en disco no ha cambiado.");
+    const auto* const cause = std::get_if<FileFailure>(&error.cause);
+    const bool isHalfWritten = cause != nullptr && *cause == FileFailure::halfWritten;
+    const QString sentence = error.action == Action::read ? QStringLiteral("No se pudo abrir “%1”: %2.")
+                                                          : QStringLiteral("No se pudo guardar “%1”: %2.");
+    const QString comfort = error.action == Action::read || isHalfWritten
+                                ? QString()
+                                : QStringLiteral(" El archivo en disco no ha cambiado.");
     // Both at once: a file's name may contain what looks like a place for the other.
-    return sentence.arg(QFileInfo(path).fileName(), why);
+    return sentence.arg(shownFileName(path), why) + comfort;
 }
 
 QString remedyTitle(const DocumentError& error) {

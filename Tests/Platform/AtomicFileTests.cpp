@@ -1,5 +1,6 @@
 #include "AtomicFile.h"
 
+#include "FilePath.h"
 #include "OrdinaryUser.h"
 
 #include <QDir>
@@ -10,11 +11,13 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 #include <string>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 namespace {
 
@@ -35,9 +38,14 @@ protected:
     }
 
     unsigned mode(const char* name) const {
-        struct stat status{};
+        struct stat status {};
         EXPECT_EQ(stat(QFile::encodeName(path(name)).constData(), &status), 0);
         return status.st_mode & 07777;
+    }
+
+    void linkTo(const char* name, const char* other) const {
+        ASSERT_EQ(link(QFile::encodeName(path(name)).constData(), QFile::encodeName(path(other)).constData()),
+                  0);
     }
 
     QStringList entries() const {
@@ -49,14 +57,14 @@ private:
     QTemporaryDir m_folder;
 };
 
-std::optional<FileFailure> save(const QString& path, std::string_view text) {
+std::optional<FileFailure> save(const QString& path, std::string_view text, const FileReplacement& how = {}) {
     auto file = AtomicFile::open(path);
     if (!file) {
         return file.error();
     }
     file->write(bytesOf(text.substr(0, text.size() / 2)));
     file->write(bytesOf(text.substr(text.size() / 2)));
-    const auto result = file->commit();
+    const auto result = file->commit(how);
     return result ? std::nullopt : std::optional(result.error());
 }
 
@@ -183,4 +191,122 @@ TEST_F(AtomicFileTest, NeedsThePermissionForTheFileAndItsFolder) {
     }
     EXPECT_EQ(contents("file"), "old");
     EXPECT_EQ(contents("mine"), "new");
+}
+
+TEST_F(AtomicFileTest, SavesNamesOfAnyLength) {
+    for (const int length : {248, 249, 254, 255}) {
+        const QByteArray name(length, 'x');
+        create(name.constData(), "old");
+        EXPECT_EQ(save(path(name.constData()), "new"), std::nullopt) << length;
+        EXPECT_EQ(contents(name.constData()), "new") << length;
+        const QByteArray other = "y" + name.mid(1);
+        EXPECT_EQ(save(path(other.constData()), "new"), std::nullopt) << length;
+        EXPECT_EQ(contents(other.constData()), "new") << length;
+    }
+    EXPECT_EQ(entries().size(), 8) << "nothing is left beside them";
+}
+
+TEST_F(AtomicFileTest, SavesANameThatIsNotUTF8) {
+    const QByteArray name = folder().toUtf8() + "/caf\xE9.xml";
+    EXPECT_EQ(save(FilePath::of(name), "text"), std::nullopt);
+    EXPECT_EQ(access(name.constData(), R_OK), 0);
+    EXPECT_EQ(save(FilePath::of(name), "new"), std::nullopt);
+    std::string found;
+    std::ifstream(name.toStdString()) >> found;
+    EXPECT_EQ(found, "new");
+    unlink(name.constData());
+}
+
+TEST_F(AtomicFileTest, LeavesTheFileAloneWhenItIsStopped) {
+    create("file", "old");
+    for (const bool isEarly : {true, false}) {
+        std::stop_source stop;
+        auto file = AtomicFile::open(path("file"), stop.get_token());
+        ASSERT_TRUE(file);
+        file->write(bytesOf("new"));
+        if (isEarly) {
+            stop.request_stop();
+        }
+        file->write(bytesOf("er"));
+        stop.request_stop();
+        EXPECT_EQ(file->commit().error(), FileFailure::stopped);
+        EXPECT_EQ(contents("file"), "old");
+    }
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_EQ(save(path("file"), "new", {.stop = stop.get_token()}), FileFailure::stopped);
+    EXPECT_EQ(contents("file"), "old");
+    EXPECT_EQ(entries(), QStringList{QStringLiteral("file")});
+}
+
+TEST_F(AtomicFileTest, AsksRightBeforeItReplacesTheFile) {
+    create("file", "old");
+    std::string then;
+    const auto refuse = [&] {
+        then = contents("file");
+        return false;
+    };
+    for (const auto links : {FileReplacement::Links::separated, FileReplacement::Links::written}) {
+        EXPECT_EQ(save(path("file"), "new", {.mayReplace = refuse, .links = links}), FileFailure::stopped);
+        EXPECT_EQ(then, "old");
+        EXPECT_EQ(contents("file"), "old");
+        EXPECT_EQ(entries().size(), links == FileReplacement::Links::separated ? 1 : 2);
+        if (links == FileReplacement::Links::separated) {
+            linkTo("file", "other");
+        }
+    }
+}
+
+TEST_F(AtomicFileTest, WritesAllNamesOfAFile) {
+    create("file", "old and longer");
+    linkTo("file", "other");
+    EXPECT_EQ(AtomicFile::nameCount(path("file")), 2U);
+    EXPECT_EQ(AtomicFile::nameCount(path("missing")), 0U);
+    for (const std::string text : {"new", "another text that is longer again", ""}) {
+        EXPECT_EQ(save(path("file"), text, {.links = FileReplacement::Links::written}), std::nullopt);
+        EXPECT_EQ(contents("file"), text);
+        EXPECT_EQ(contents("other"), text);
+    }
+    EXPECT_EQ(AtomicFile::nameCount(path("file")), 2U);
+    EXPECT_EQ(entries().size(), 2) << "no copy is left";
+}
+
+TEST_F(AtomicFileTest, PutsBackWhatAFileHeldThatCouldNotBeWrittenWhole) {
+    create("file", "old");
+    linkTo("file", "other");
+    // The limit holds for the place in a file: the bytes that are to come are safe, and their file may not
+    // grow.
+    auto file = AtomicFile::open(path("file"));
+    ASSERT_TRUE(file);
+    file->write(bytesOf(std::string(100'000, 'x')));
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const rlimit small{.rlim_cur = 4096, .rlim_max = limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const auto result = file->commit({.links = FileReplacement::Links::written});
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_FALSE(result.has_value());
+    EXPECT_EQ(result.error(), FileFailure::tooLarge);
+    EXPECT_EQ(contents("file"), "old");
+    EXPECT_EQ(contents("other"), "old");
+    EXPECT_EQ(entries().size(), 2);
+}
+
+TEST_F(AtomicFileTest, KeepsTheCopiesOfEarlierFailures) {
+    create("file", "old");
+    create("file.tamo-copia", "kept");
+    linkTo("file", "other");
+    EXPECT_EQ(save(path("file"), "new", {.links = FileReplacement::Links::written}), std::nullopt);
+    EXPECT_EQ(contents("file.tamo-copia"), "kept");
+    EXPECT_EQ(entries().size(), 3);
+}
+
+TEST_F(AtomicFileTest, WaitsForTheNameOfAFile) {
+    create("file", "old");
+    ASSERT_TRUE(QFile::link(QStringLiteral("file"), path("link")));
+    EXPECT_TRUE(AtomicFile::syncName(path("file")).has_value());
+    EXPECT_TRUE(AtomicFile::syncName(path("link")).has_value());
+    EXPECT_EQ(AtomicFile::syncName(path("missing/file")).error(), FileFailure::missing);
 }

@@ -35,6 +35,10 @@ TEST(DocumentError, NamesTheFileAndTheCause) {
         {{Action::write, FileFailure::noSpace},
          "No se pudo guardar “datos %2.xml”: no queda espacio en el disco. El archivo en disco no ha "
          "cambiado."},
+        {{Action::write, FileFailure::halfWritten},
+         "No se pudo guardar “datos %2.xml”: falló la escritura en el disco, y el archivo ha quedado a "
+         "medias. Lo "
+         "que había está en la misma carpeta, en la copia que acaba en “.tamo-copia”."},
         {{Action::write, unencodable(U'€')},
          "No se pudo guardar “datos %2.xml”: el carácter “€” (U+20AC) de la línea 3 no existe en la "
          "codificación "
@@ -53,6 +57,11 @@ TEST(DocumentError, ShowsACharacterOnlyWhenItIsVisible) {
         const std::string text = messageFor({Action::write, unencodable(invisible)});
         EXPECT_NE(text.find("el carácter U+"), std::string::npos) << text;
     }
+}
+
+TEST(DocumentError, ShowsTheNameWithStandIns) {
+    EXPECT_EQ(message({Action::read, FileFailure::folder}, QStringLiteral("/casa/a\u202Eb\xDCE9.xml")),
+              QStringLiteral("No se pudo abrir “a\u2B1Ab\uFFFD.xml”: es una carpeta."));
 }
 
 TEST(DocumentError, TellsTheCausesApart) {
