@@ -1,11 +1,12 @@
 #include "FileIdentity.h"
 
 #include "Checksum.h"
+#include "FilePath.h"
 #include "InputFile.h"
 
-#include <QFile>
-
+#include <algorithm>
 #include <cerrno>
+#include <span>
 #include <vector>
 
 #include <sys/stat.h>
@@ -14,17 +15,19 @@ namespace {
 
 constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
 
-/// Of the rest of `file`. Pieces have one size whatever is read, so that the hash is that of the bytes.
-std::expected<std::uint64_t, FileFailure> hash(InputFile& file) {
+/// Of `file` up to the size that it had when it was opened. Pieces have one size whatever is read, so that
+/// the hash is that of the bytes.
+std::expected<std::uint64_t, FileFailure> hash(InputFile& file, const std::stop_token& stop) {
     constexpr std::size_t pieceSize = std::size_t{1} << 18;
     std::vector<std::uint8_t> piece(pieceSize);
     std::uint64_t result = 0;
-    for (;;) {
-        const auto size = file.read(piece);
+    for (std::size_t left = file.expectedSize();;) {
+        const auto size = file.read(std::span(piece).first(std::min(piece.size(), left)), stop);
         if (!size) {
             return std::unexpected(size.error());
         }
         result = checksum(Bytes(piece).first(*size), result);
+        left -= *size;
         if (*size < piece.size()) {
             return result;
         }
@@ -35,7 +38,7 @@ std::expected<std::uint64_t, FileFailure> hash(InputFile& file) {
 
 std::expected<FileIdentity, FileFailure> FileIdentity::of(const QString& path) {
     struct stat status {};
-    if (stat(QFile::encodeName(path).constData(), &status) != 0) {
+    if (stat(FilePath::bytes(path).constData(), &status) != 0) {
         return std::unexpected(fileFailure(errno));
     }
     if (!S_ISREG(status.st_mode)) {
@@ -48,7 +51,8 @@ std::expected<FileIdentity, FileFailure> FileIdentity::of(const QString& path) {
                         .contentHash = std::nullopt};
 }
 
-std::expected<FileIdentity, FileFailure> FileIdentity::withContent(const QString& path) {
+std::expected<FileIdentity, FileFailure> FileIdentity::withContent(const QString& path,
+                                                                   const std::stop_token& stop) {
     constexpr int tries = 3;
     auto before = of(path);
     for (int i = 0; i < tries && before; ++i) {
@@ -56,7 +60,7 @@ std::expected<FileIdentity, FileFailure> FileIdentity::withContent(const QString
         if (!file) {
             return std::unexpected(file.error());
         }
-        const auto found = hash(*file);
+        const auto found = hash(*file, stop);
         if (!found) {
             return std::unexpected(found.error());
         }

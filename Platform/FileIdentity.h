@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <expected>
 #include <optional>
+#include <stop_token>
 
 /// Which file stood at a path, and in which version, when somebody looked.
 ///
@@ -24,7 +25,9 @@ struct FileIdentity {
     static std::expected<FileIdentity, FileFailure> of(const QString& path);
 
     /// The same with the hash; reads the whole file. Without the hash when the file never holds still.
-    static std::expected<FileIdentity, FileFailure> withContent(const QString& path);
+    /// `stopped` soon after a request to stop.
+    static std::expected<FileIdentity, FileFailure> withContent(const QString& path,
+                                                                const std::stop_token& stop = {});
 
     /// Whether the disk says that it is the same file, untouched. Hashes do not matter.
     bool isUntouched(const FileIdentity& since) const;

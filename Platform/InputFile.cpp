@@ -1,7 +1,8 @@
 #include "InputFile.h"
 
-#include <QFile>
+#include "FilePath.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -11,12 +12,18 @@
 
 namespace {
 
-/// Has `read` fill `room` piece by piece, up to the end of the file.
+/// Has `read` fill `room` piece by piece, up to the end of the file. A piece is what even a slow disk gives
+/// in a moment.
 template <class Read>
-std::expected<std::size_t, FileFailure> fill(std::span<std::uint8_t> room, Read read) {
+std::expected<std::size_t, FileFailure> fill(std::span<std::uint8_t> room, const std::stop_token& stop,
+                                             Read read) {
+    constexpr std::size_t pieceSize = std::size_t{1} << 20;
     std::size_t size = 0;
     while (size < room.size()) {
-        const ssize_t count = read(room.data() + size, room.size() - size, size);
+        if (stop.stop_requested()) {
+            return std::unexpected(FileFailure::stopped);
+        }
+        const ssize_t count = read(room.data() + size, std::min(pieceSize, room.size() - size), size);
         if (count == 0) {
             break;
         }
@@ -31,12 +38,12 @@ std::expected<std::size_t, FileFailure> fill(std::span<std::uint8_t> room, Read 
 } // namespace
 
 std::expected<InputFile, FileFailure> InputFile::open(const QString& path) {
-    const int number = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int number = ::open(FilePath::bytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (number < 0) {
         return std::unexpected(fileFailure(errno));
     }
     InputFile file(number, 0);
-    struct stat status{};
+    struct stat status {};
     if (fstat(number, &status) != 0) {
         return std::unexpected(fileFailure(errno));
     }
@@ -59,14 +66,16 @@ InputFile::~InputFile() {
     }
 }
 
-std::expected<std::size_t, FileFailure> InputFile::read(std::span<std::uint8_t> room) {
-    return fill(
-        room, [this](std::uint8_t* to, std::size_t size, std::size_t) { return ::read(m_number, to, size); });
+std::expected<std::size_t, FileFailure> InputFile::read(std::span<std::uint8_t> room,
+                                                        const std::stop_token& stop) {
+    return fill(room, stop, [this](std::uint8_t* to, std::size_t size, std::size_t) {
+        return ::read(m_number, to, size);
+    });
 }
 
-std::expected<std::size_t, FileFailure> InputFile::readAt(std::size_t offset,
-                                                          std::span<std::uint8_t> room) const {
-    return fill(room, [this, offset](std::uint8_t* to, std::size_t size, std::size_t done) {
+std::expected<std::size_t, FileFailure> InputFile::readAt(std::size_t offset, std::span<std::uint8_t> room,
+                                                          const std::stop_token& stop) const {
+    return fill(room, stop, [this, offset](std::uint8_t* to, std::size_t size, std::size_t done) {
         return ::pread(m_number, to, size, static_cast<off_t>(offset + done));
     });
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <expected>
 #include <span>
+#include <stop_token>
 
 /// A file of the disk, open for reading from its start to its end.
 class InputFile {
@@ -23,11 +24,13 @@ public:
     std::size_t expectedSize() const { return m_expectedSize; }
 
     /// Fills `room` with the next bytes, up to the end of the file; answers how many there were. Fewer than
-    /// there is room for only at the end.
-    std::expected<std::size_t, FileFailure> read(std::span<std::uint8_t> room);
+    /// there is room for only at the end. `stopped` soon after a request to stop.
+    std::expected<std::size_t, FileFailure> read(std::span<std::uint8_t> room,
+                                                 const std::stop_token& stop = {});
 
     /// The same with the bytes from `offset` on; leaves `read` where it is. Several threads may read at once.
-    std::expected<std::size_t, FileFailure> readAt(std::size_t offset, std::span<std::uint8_t> room) const;
+    std::expected<std::size_t, FileFailure> readAt(std::size_t offset, std::span<std::uint8_t> room,
+                                                   const std::stop_token& stop = {}) const;
 
 private:
     InputFile(int number, std::size_t expectedSize) : m_number(number), m_expectedSize(expectedSize) {}

@@ -46,39 +46,89 @@ Decoded text(Units units, std::size_t count) {
     return SourceText(std::move(units), count);
 }
 
-Decoded decodeUTF8(Bytes bytes) {
-    Units units = makeLargeArray<char16_t>(bytes.size());
-    const UTF8::Progress progress = UTF8::decode(bytes, units.get());
-    if (progress.read < bytes.size()) {
-        return illegal(progress.read);
-    }
-    return text(std::move(units), progress.written);
+std::unexpected<DecodeFailure> stopped() {
+    return std::unexpected(DecodeFailure{DecodeFailure::Kind::stopped, 0});
 }
 
-Decoded decodeLatin1(Bytes bytes) {
+/// How much is decoded between two looks at the request to stop.
+constexpr std::size_t pieceLength = std::size_t{1} << 20;
+
+/// Where the piece of UTF-8 ends that begins at `start`: no sequence is divided that may be legal.
+std::size_t pieceEndUTF8(Bytes bytes, std::size_t start) {
+    constexpr std::size_t longestSequence = 4;
+    std::size_t end = std::min(bytes.size(), start + pieceLength);
+    for (std::size_t back = 1; end < bytes.size() && back < longestSequence; ++back) {
+        if ((bytes[end] & 0xC0) != 0x80) {
+            break;
+        }
+        --end;
+    }
+    return end;
+}
+
+Decoded decodeUTF8(Bytes bytes, const std::stop_token& stop) {
+    Units units = makeLargeArray<char16_t>(bytes.size());
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < bytes.size();) {
+        if (stop.stop_requested()) {
+            return stopped();
+        }
+        const std::size_t end = pieceEndUTF8(bytes, at);
+        const UTF8::Progress progress = UTF8::decode(bytes.subspan(at, end - at), units.get() + count);
+        if (at + progress.read < end) {
+            return illegal(at + progress.read);
+        }
+        count += progress.written;
+        at = end;
+    }
+    return text(std::move(units), count);
+}
+
+Decoded decodeLatin1(Bytes bytes, const std::stop_token& stop) {
+    static_assert(pieceLength % ByteVector::lanes == 0);
     Units units = makeLargeArray<char16_t>(bytes.size());
     std::size_t at = 0;
     for (; bytes.size() - at >= ByteVector::lanes; at += ByteVector::lanes) {
+        if (at % pieceLength == 0 && stop.stop_requested()) {
+            return stopped();
+        }
         ByteVector::load(bytes.data() + at).widen(units.get() + at);
     }
     std::ranges::copy(bytes.subspan(at), units.get() + at);
     return text(std::move(units), bytes.size());
 }
 
-Decoded decodeUTF16(Bytes bytes, std::endian byteOrder) {
+/// Writes the units of `bytes`, which are as many whole ones, at `to`; returns how many there are before the
+/// first lone surrogate.
+std::size_t decodeUTF16Piece(Bytes bytes, std::endian byteOrder, char16_t* to) {
     const std::size_t count = bytes.size() / 2;
-    Units units = makeLargeArray<char16_t>(count);
-    if (count > 0) {
-        std::memcpy(units.get(), bytes.data(), count * 2);
-    }
+    std::memcpy(to, bytes.data(), count * 2);
     if (byteOrder != std::endian::native) {
-        std::ranges::transform(units.get(), units.get() + count, units.get(),
+        std::ranges::transform(to, to + count, to,
                                [](char16_t unit) { return static_cast<char16_t>(unit << 8 | unit >> 8); });
     }
-    const auto end = static_cast<UnitScan::Position>(count);
-    const std::size_t lone = UnitScan::findLoneSurrogate(units.get(), 0, end);
-    if (lone < count || bytes.size() % 2 != 0) {
-        return illegal(lone * 2);
+    return UnitScan::findLoneSurrogate(to, 0, static_cast<UnitScan::Position>(count));
+}
+
+Decoded decodeUTF16(Bytes bytes, std::endian byteOrder, const std::stop_token& stop) {
+    const std::size_t count = bytes.size() / 2;
+    Units units = makeLargeArray<char16_t>(count);
+    for (std::size_t at = 0; at < count;) {
+        if (stop.stop_requested()) {
+            return stopped();
+        }
+        const std::size_t length = std::min(count - at, pieceLength);
+        const std::size_t legal =
+            decodeUTF16Piece(bytes.subspan(at * 2, length * 2), byteOrder, units.get() + at);
+        // Half a pair at the end of a piece is read again with the next one.
+        const bool isDivided = legal == length - 1 && at + length < count && length > 1;
+        if (legal < length && !isDivided) {
+            return illegal((at + legal) * 2);
+        }
+        at += legal;
+    }
+    if (bytes.size() % 2 != 0) {
+        return illegal(count * 2);
     }
     return text(std::move(units), count);
 }
@@ -119,13 +169,15 @@ std::size_t illegalLength(UConverter& converter) {
     return U_SUCCESS(error) ? length : 0;
 }
 
-Decoded decodeWith(UConverter& converter, Bytes bytes) {
-    constexpr std::size_t pieceLength = std::size_t{1} << 20;
+Decoded decodeWith(UConverter& converter, Bytes bytes, const std::stop_token& stop) {
     GrowingUnits units(bytes.size() + 16);
     const char* const begin = reinterpret_cast<const char*>(bytes.data());
     const char* const end = begin + bytes.size();
     const char* at = begin;
     for (;;) {
+        if (stop.stop_requested()) {
+            return stopped();
+        }
         const char* const pieceEnd = at + std::min<std::size_t>(end - at, pieceLength);
         char16_t* target = units.begin();
         UErrorCode error = U_ZERO_ERROR;
@@ -185,20 +237,47 @@ std::string_view StringEncoding::declaredName() const {
     return m_name;
 }
 
-Decoded StringEncoding::decode(Bytes bytes) const {
+Decoded StringEncoding::decode(Bytes bytes, const std::stop_token& stop) const {
     switch (m_family) {
     case Family::utf8:
-        return decodeUTF8(bytes);
+        return decodeUTF8(bytes, stop);
     case Family::utf16LittleEndian:
-        return decodeUTF16(bytes, std::endian::little);
+        return decodeUTF16(bytes, std::endian::little, stop);
     case Family::utf16BigEndian:
-        return decodeUTF16(bytes, std::endian::big);
+        return decodeUTF16(bytes, std::endian::big, stop);
     case Family::latin1:
-        return decodeLatin1(bytes);
+        return decodeLatin1(bytes, stop);
     case Family::converter:
         break;
     }
     const Converter converter = openConverter(m_name);
     precondition(converter != nullptr, "an encoding has its converter");
-    return decodeWith(*converter, bytes);
+    return decodeWith(*converter, bytes, stop);
+}
+
+std::optional<unsigned> StringEncoding::mostBytesPerUnit() const {
+    switch (m_family) {
+    case Family::utf8:
+        return 3;
+    case Family::utf16LittleEndian:
+    case Family::utf16BigEndian:
+        return 2;
+    case Family::latin1:
+        return 1;
+    case Family::converter:
+        break;
+    }
+    const Converter converter = openConverter(m_name);
+    precondition(converter != nullptr, "an encoding has its converter");
+    switch (ucnv_getType(converter.get())) {
+    case UCNV_SBCS:
+    case UCNV_DBCS:
+    case UCNV_MBCS:
+    case UCNV_US_ASCII:
+    case UCNV_UTF32_BigEndian:
+    case UCNV_UTF32_LittleEndian:
+        return static_cast<unsigned>(ucnv_getMaxCharSize(converter.get()));
+    default:
+        return std::nullopt;
+    }
 }

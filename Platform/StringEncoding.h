@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <expected>
 #include <optional>
+#include <stop_token>
 #include <string_view>
 
 /// Why bytes are no text of an encoding.
@@ -13,6 +14,7 @@ struct DecodeFailure {
     enum class Kind : std::uint8_t {
         illegal, ///< An illegal or truncated sequence.
         tooLong, ///< More than 4294967295 units.
+        stopped, ///< It was asked to stop before it knew.
     };
 
     Kind kind = Kind::illegal;
@@ -55,8 +57,12 @@ public:
     bool isPlainUTF16() const { return m_name == plainUTF16; }
 
     /// The text that `bytes` are. Strict: fails at the first sequence that the encoding does not know, be it
-    /// only a lone surrogate.
-    std::expected<SourceText, DecodeFailure> decode(Bytes bytes) const;
+    /// only a lone surrogate; `stopped` soon after a request to stop.
+    std::expected<SourceText, DecodeFailure> decode(Bytes bytes, const std::stop_token& stop = {}) const;
+
+    /// Of so many bytes at most each unit of a text is made. Nothing for an encoding in which any number of
+    /// bytes may make no unit, as one that shifts between sets of characters.
+    std::optional<unsigned> mostBytesPerUnit() const;
 
     bool operator==(const StringEncoding& other) const { return m_name == other.m_name; }
 

@@ -15,6 +15,8 @@
 namespace {
 
 constexpr std::size_t longestSequence = 4;
+constexpr std::size_t longestText = std::numeric_limits<Offset>::max(); ///< In units.
+constexpr std::size_t mostBytesPerUnit = 3;
 
 constexpr bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
 
@@ -29,8 +31,9 @@ std::size_t continuationCount(Bytes bytes) {
 /// tells where the next one starts, and then decodes its own.
 class PieceDecoder {
 public:
-    PieceDecoder(const InputFile& file, std::size_t start, const UTF8File::PieceStep& decoded)
-        : m_file(file), m_start(start), m_size(file.expectedSize() - start), m_decoded(decoded),
+    PieceDecoder(const InputFile& file, std::size_t start, const UTF8File::PieceStep& decoded,
+                 const std::stop_token& stop)
+        : m_stop(stop), m_file(file), m_start(start), m_size(file.expectedSize() - start), m_decoded(decoded),
           m_pieceCount(UTF8File::pieceCount(file, start)), m_units(makeLargeArray<char16_t>(m_size)),
           m_unitStarts(m_pieceCount + 1) {
         std::ranges::fill(m_unitStarts, unknown);
@@ -39,7 +42,7 @@ public:
 
     std::optional<SourceText> decode() {
         runInParallel(parallelism(m_pieceCount), [this](unsigned) { decodePieces(); });
-        if (m_hasFailed) {
+        if (m_hasFailed || m_unitStarts[m_pieceCount] > longestText) {
             return std::nullopt;
         }
         return SourceText(m_units, m_unitStarts[m_pieceCount]);
@@ -77,9 +80,7 @@ private:
         const std::size_t begin = byteStart(piece);
         const std::size_t end = byteStart(piece + 1);
         const std::size_t wanted = std::min(end + longestSequence - 1, m_size) - begin;
-        // Past the end of the file one byte more: there must be none.
-        const std::size_t room = wanted + (begin + wanted == m_size ? 1 : 0);
-        const auto read = m_file.readAt(m_start + begin, {buffer.data(), room});
+        const auto read = m_file.readAt(m_start + begin, {buffer.data(), wanted}, m_stop);
         if (read != wanted) {
             return std::nullopt;
         }
@@ -121,6 +122,7 @@ private:
         return head.written + rest.written == count;
     }
 
+    const std::stop_token& m_stop;
     const InputFile& m_file;
     std::size_t m_start;
     std::size_t m_size;
@@ -139,14 +141,36 @@ std::size_t UTF8File::pieceCount(const InputFile& file, std::size_t start) {
     return std::max<std::size_t>(1, (size + pieceSize - 1) / pieceSize);
 }
 
-std::optional<SourceText> UTF8File::decode(const InputFile& file, std::size_t start,
-                                           const PieceStep& decoded) {
-    if (file.expectedSize() < start || file.expectedSize() > std::numeric_limits<Offset>::max()) {
+std::optional<SourceText> UTF8File::decode(const InputFile& file, std::size_t start, const PieceStep& decoded,
+                                           const std::stop_token& stop) {
+    if (file.expectedSize() < start || file.expectedSize() - start > longestText * mostBytesPerUnit) {
         return std::nullopt;
     }
     try {
-        return PieceDecoder(file, start, decoded).decode();
+        return PieceDecoder(file, start, decoded, stop).decode();
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
+}
+
+bool UTF8File::isTooLong(const InputFile& file, std::size_t start, const std::stop_token& stop) {
+    const std::size_t size = file.expectedSize() - std::min(file.expectedSize(), start);
+    if (size <= longestText || size > longestText * mostBytesPerUnit) {
+        return size > longestText;
+    }
+    std::atomic<std::size_t> units = 0;
+    std::atomic<std::size_t> nextPiece = 0;
+    const std::size_t pieces = pieceCount(file, start);
+    runInParallel(parallelism(pieces), [&](unsigned) {
+        std::vector<std::uint8_t> buffer(pieceSize);
+        for (std::size_t piece; (piece = nextPiece++) < pieces && units <= longestText;) {
+            // Each byte that continues no sequence begins one, wherever a piece divides it.
+            const auto read = file.readAt(start + piece * pieceSize, buffer, stop);
+            if (!read) {
+                return;
+            }
+            units += UTF8::unitCount(Bytes(buffer).first(*read));
+        }
+    });
+    return units > longestText && !stop.stop_requested();
 }

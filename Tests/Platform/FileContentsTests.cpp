@@ -1,5 +1,6 @@
 #include "FileContents.h"
 
+#include "InputFile.h"
 #include "OrdinaryUser.h"
 
 #include <QFile>
@@ -7,7 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -51,6 +57,39 @@ TEST(FileContents, FollowLinks) {
 TEST(FileContents, ReachBeyondTheSizeThatTheSystemTells) {
     // Files of the kernel say that they are empty.
     EXPECT_NE(contents(QStringLiteral("/proc/self/status")).find("Name:"), std::string::npos);
+}
+
+TEST(FileContents, EndWhereAGrowingFileEndedWhenItWasOpened) {
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("a.xml")).toStdString();
+    const std::string piece(1'000'000, 'x');
+    std::ofstream(path) << piece;
+    std::atomic<std::size_t> size = piece.size();
+    // Grows faster than it can be read, so that its end is never met.
+    const std::jthread writer([&](const std::stop_token& stop) {
+        std::ofstream file(path, std::ios::app);
+        while (!stop.stop_requested() && size < 1'000'000'000) {
+            size += piece.size();
+            (file << piece).flush();
+        }
+    });
+    const auto contents = FileContents::read(QString::fromStdString(path));
+    ASSERT_TRUE(contents);
+    EXPECT_GE(contents->bytes().size(), piece.size());
+    const auto file = InputFile::open(QString::fromStdString(path));
+    EXPECT_LE(contents->bytes().size(), file->expectedSize());
+    EXPECT_EQ(std::ranges::count(contents->bytes(), 'x'),
+              static_cast<std::ptrdiff_t>(contents->bytes().size()));
+}
+
+TEST(FileContents, StopWhenTheyAreAskedTo) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    std::ofstream(path.toStdString()) << "text";
+    std::stop_source stop;
+    EXPECT_TRUE(FileContents::read(path, stop.get_token()).has_value());
+    stop.request_stop();
+    EXPECT_EQ(FileContents::read(path, stop.get_token()).error(), FileFailure::stopped);
 }
 
 TEST(FileContents, FailWithTheCause) {

@@ -53,3 +53,21 @@ TEST(InputFile, TellsWhyItCannotBeOpened) {
     EXPECT_EQ(InputFile::open(folder.filePath(QStringLiteral("a.xml"))).error(), FileFailure::missing);
     EXPECT_EQ(InputFile::open(QStringLiteral("/dev/null")).error(), FileFailure::notRegular);
 }
+
+TEST(InputFile, StopsWhenItIsAskedTo) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+    written.write("12345");
+    written.close();
+    auto file = InputFile::open(path);
+    ASSERT_TRUE(file);
+    std::array<std::uint8_t, 3> room{};
+    std::stop_source stop;
+    EXPECT_EQ(file->read(room, stop.get_token()), 3U);
+    stop.request_stop();
+    EXPECT_EQ(file->read(room, stop.get_token()).error(), FileFailure::stopped);
+    EXPECT_EQ(file->readAt(0, room, stop.get_token()).error(), FileFailure::stopped);
+    EXPECT_EQ(file->read(room), 2U) << "it reads on when it is asked again";
+}

@@ -7,7 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <random>
+#include <stop_token>
 #include <string>
 
 using namespace std::string_literals;
@@ -200,5 +202,80 @@ TEST(StringEncoding, DecodesEveryUnitOfUTF16AsICU) {
             bytes = "\xDC\xDC" + bytes + "\xDC\xDC";
             ASSERT_EQ(decoded(encoding(name), bytes), decodedByICU(converter.get(), bytes)) << unit;
         }
+    }
+}
+
+TEST(StringEncoding, DecodesLongTextsAsItDecodesShortOnes) {
+    // Characters of each length lie across the pieces in which a text is decoded.
+    constexpr std::size_t pieceLength = std::size_t{1} << 20;
+    const struct {
+        std::string bytes;
+        std::u16string units;
+    } characters[]{{"x", u"x"}, {"é", u"é"}, {"€", u"€"}, {"\U0001F600", u"\U0001F600"}};
+    for (const auto& character : characters) {
+        for (std::size_t shift = 0; shift < 4; ++shift) {
+            std::string bytes(shift, '.');
+            std::u16string units(shift, u'.');
+            while (bytes.size() < pieceLength + 70) {
+                bytes += character.bytes;
+                units += character.units;
+            }
+            EXPECT_TRUE(decoded(StringEncoding::utf8(), bytes) == units) << character.bytes << shift;
+            while (units.size() < pieceLength + 7) {
+                units += units.substr(shift);
+            }
+            const std::string wide(reinterpret_cast<const char*>(units.data()), units.size() * 2);
+            EXPECT_TRUE(decoded(StringEncoding::utf16LittleEndian(), wide) == units)
+                << character.bytes << shift;
+        }
+    }
+}
+
+TEST(StringEncoding, TellsWhereALongTextIsIllegal) {
+    constexpr std::size_t pieceLength = std::size_t{1} << 20;
+    for (std::size_t before = pieceLength - 5; before < pieceLength + 5; ++before) {
+        for (const char* const illegal :
+             {"\x80", "\xE2\x82", "\xF0\x9F\x98", "\x80\x80\x80\x80\x80", "\xE2\x82x"}) {
+            for (const std::size_t after : {std::size_t{0}, pieceLength}) {
+                const std::string bytes = std::string(before, 'x') + illegal + std::string(after, 'x');
+                const auto text = StringEncoding::utf8().decode(bytesOf(bytes));
+                ASSERT_FALSE(text.has_value());
+                EXPECT_EQ(text.error(), (DecodeFailure{DecodeFailure::Kind::illegal, before})) << before;
+            }
+        }
+        for (const char16_t lone : {u'\xD83D', u'\xDE00'}) {
+            for (const std::size_t after : {std::size_t{0}, std::size_t{9}}) {
+                const std::u16string units =
+                    std::u16string(before, u'x') + lone + std::u16string(after, u'x');
+                const std::string bytes(reinterpret_cast<const char*>(units.data()), units.size() * 2);
+                const auto text = StringEncoding::utf16LittleEndian().decode(bytesOf(bytes));
+                ASSERT_FALSE(text.has_value());
+                EXPECT_EQ(text.error(), (DecodeFailure{DecodeFailure::Kind::illegal, before * 2})) << before;
+            }
+        }
+    }
+}
+
+TEST(StringEncoding, StopsDecodingWhenItIsAskedTo) {
+    std::stop_source stop;
+    stop.request_stop();
+    for (const char* const name : {"UTF-8", "UTF-16LE", "UTF-16BE", "ISO-8859-1", "windows-1252"}) {
+        const auto text = encoding(name).decode(bytesOf(std::string(100, 'x')), stop.get_token());
+        ASSERT_FALSE(text.has_value()) << name;
+        EXPECT_EQ(text.error().kind, DecodeFailure::Kind::stopped) << name;
+    }
+}
+
+TEST(StringEncoding, KnowsHowManyBytesAUnitHasAtMost) {
+    const struct {
+        const char* name;
+        std::optional<unsigned> most;
+    } cases[]{
+        {"UTF-8", 3},    {"UTF-16LE", 2},     {"ISO-8859-1", 1}, {"windows-1252", 1},
+        {"US-ASCII", 1}, {"Shift_JIS", 2},    {"GB18030", 4},    {"UTF-32BE", 4},
+        {"EUC-JP", 3},   {"ISO-2022-JP", {}}, {"UTF-7", {}},     {"HZ-GB-2312", {}},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(encoding(each.name).mostBytesPerUnit(), each.most) << each.name;
     }
 }

@@ -4,10 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <stop_token>
 #include <string>
+
+#include <unistd.h>
 
 namespace {
 
@@ -95,7 +99,54 @@ TEST_F(UTF8FileTest, ReadsNothingElse) {
     EXPECT_EQ(decode(std::string(3 * UTF8File::pieceSize, '\x80')), std::nullopt);
 }
 
-TEST_F(UTF8FileTest, ReadsNoFileThatHasGrown) {
-    EXPECT_EQ(decode("día", 0, "s"), std::nullopt);
-    EXPECT_EQ(decode(std::string(2 * UTF8File::pieceSize, 'x'), 0, "s"), std::nullopt);
+TEST_F(UTF8FileTest, ReadsAGrowingFileToTheSizeThatItHad) {
+    EXPECT_EQ(decode("día", 0, "s"), u"día");
+    EXPECT_TRUE(decode(std::string(2 * UTF8File::pieceSize, 'x'), 0, "s") ==
+                std::u16string(2 * UTF8File::pieceSize, u'x'));
+}
+
+TEST_F(UTF8FileTest, ReadsNoFileThatHasShrunk) {
+    const std::string path = folder.filePath(QStringLiteral("texto.xml")).toStdString();
+    std::ofstream(path) << std::string(3 * UTF8File::pieceSize, 'x');
+    const auto file = InputFile::open(QString::fromStdString(path));
+    ASSERT_EQ(truncate(path.c_str(), 10), 0);
+    EXPECT_EQ(UTF8File::decode(*file, 0, [](std::size_t, const SourceText&) {}), std::nullopt);
+}
+
+TEST_F(UTF8FileTest, StopsBetweenPieces) {
+    const std::string path = folder.filePath(QStringLiteral("texto.xml")).toStdString();
+    std::ofstream(path) << std::string(16 * UTF8File::pieceSize, 'x');
+    const auto file = InputFile::open(QString::fromStdString(path));
+    std::stop_source stop;
+    std::atomic<std::size_t> pieces = 0;
+    const auto text = UTF8File::decode(
+        *file, 0,
+        [&](std::size_t, const SourceText&) {
+            ++pieces;
+            stop.request_stop();
+        },
+        stop.get_token());
+    EXPECT_EQ(text, std::nullopt);
+    EXPECT_GE(pieces, 1U);
+    EXPECT_LE(pieces, 8U) << "each thread ends with the piece that it has";
+}
+
+TEST_F(UTF8FileTest, KnowsAtOnceWhatMustBeTooLong) {
+    constexpr long long limit = 4'294'967'295;
+    const std::string path = folder.filePath(QStringLiteral("texto.xml")).toStdString();
+    std::ofstream(path) << "<a/>";
+    // Takes no room. Three bytes a unit are the most.
+    ASSERT_EQ(truncate(path.c_str(), 3 * limit + 4), 0);
+    const auto file = InputFile::open(QString::fromStdString(path));
+    EXPECT_TRUE(UTF8File::isTooLong(*file, 0));
+    EXPECT_TRUE(UTF8File::isTooLong(*file, 3));
+    EXPECT_EQ(UTF8File::decode(*file, 0, [](std::size_t, const SourceText&) {}), std::nullopt);
+    ASSERT_EQ(truncate(path.c_str(), limit), 0);
+    EXPECT_FALSE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 0));
+    ASSERT_EQ(truncate(path.c_str(), limit + 3), 0);
+    EXPECT_FALSE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 3));
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_FALSE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 0, stop.get_token()))
+        << "it does not look through the file any more";
 }
