@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileReplacement.h"
 #include "TextSelection.h"
 
 #include <QList>
@@ -52,9 +53,11 @@ public:
     /// What fills the document's window; called once.
     virtual QWidget* makeView(QWidget* parent) = 0;
 
-    /// Writes the text of this moment to a file, whole or not at all, on any thread, and answers why it could
-    /// not, for the user. A stop makes it fail without a word, unless it comes too late.
-    using Write = std::function<std::expected<void, WriteFailure>(const QString& path, std::stop_token stop)>;
+    /// Writes the text of this moment to a file as `how` says, on any thread, and answers why it could not,
+    /// for the user. The file that is there stays as it is until `how` lets it be replaced; where `how` does
+    /// not, or asks to stop, the failure is for no one to read.
+    using Write =
+        std::function<std::expected<void, WriteFailure>(const QString& path, const FileReplacement& how)>;
     virtual Write write() const = 0;
 
     /// Called before each write to the file called `name`: asks the user, over `window`, what only the user

@@ -3,8 +3,10 @@
 #include "DocumentController.h"
 #include "FieldUndo.h"
 #include "FileDialog.h"
+#include "FilePath.h"
 #include "MenuText.h"
 #include "NoticeBar.h"
+#include "ShownName.h"
 #include "TextStorage.h"
 #include "UndoManager.h"
 #include "WindowPlacement.h"
@@ -12,7 +14,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -30,20 +31,6 @@ using namespace std::chrono_literals;
 constexpr QSize initialSize(1280, 820);
 constexpr QSize smallestSize(480, 320);
 constexpr auto patience = 200ms;
-
-/// Whether another file than the one in the version `known`, or one of an unknown version, is at `path`. Reads
-/// the file where its contents decide.
-bool isChanged(const QString& path, const std::optional<FileIdentity>& known) {
-    const auto found = FileIdentity::of(path);
-    if (!found || !known) {
-        return found.has_value();
-    }
-    if (found->isUntouched(*known)) {
-        return false;
-    }
-    const auto content = FileIdentity::withContent(path);
-    return !content || !content->hasSameContent(*known);
-}
 
 } // namespace
 
@@ -103,7 +90,7 @@ const DocumentType& DocumentWindow::type() const { return m_controller.type(); }
 
 QString DocumentWindow::documentName() const {
     const QString& path = m_path.isEmpty() ? m_openingPath : m_path;
-    return path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(path).fileName();
+    return path.isEmpty() ? QStringLiteral("Sin título") : shownFileName(path);
 }
 
 bool DocumentWindow::isPristine() const {
@@ -289,7 +276,7 @@ void DocumentWindow::saveAs() {
         giveUpSaving();
     } else {
         // The dialog has asked about a file that is there.
-        write(QFileInfo(chosen.front()).absoluteFilePath(), Conflict::overwrite);
+        write(FilePath::absolute(chosen.front()), Conflict::overwrite);
     }
 }
 
@@ -302,66 +289,115 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
     if (m_document == nullptr || isSaving()) {
         return;
     }
-    if (!m_document->settleBeforeWriting(QFileInfo(path).fileName(), this)) {
+    if (!m_document->settleBeforeWriting(shownFileName(path), this)) {
         giveUpSaving();
         return;
     }
-    m_savingStop = {};
+    UndoManager& history = m_document->undoManager();
+    // What is typed from now on is not in the file.
+    history.breakUndoCoalescing();
+    m_writtenState = history.state();
+    m_gate = std::make_shared<SaveGate>();
+    const FileSave save{.path = path,
+                        .write = m_document->write(),
+                        .known = m_version,
+                        .replacesAny = conflict == Conflict::overwrite,
+                        .links =
+                            m_links && m_links->first == path ? std::optional(m_links->second) : std::nullopt,
+                        .gate = m_gate};
+    m_gate->onPass = [window = QPointer<DocumentWindow>(this), gate = m_gate.get()] {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [window, gate] {
+                // It may be another save's by now.
+                if (window != nullptr && window->m_gate.get() == gate && window->isSaving()) {
+                    window->m_notices->withdrawOffers();
+                }
+            },
+            Qt::QueuedConnection);
+    };
     m_saving.start(
-        [path, asks = conflict == Conflict::ask, known = m_version, write = m_document->write(),
-         stop = m_savingStop.get_token()](std::stop_token) {
-            SaveResult result;
-            if (asks && isChanged(path, known)) {
-                result.isConflict = true;
-                return result;
-            }
-            result.written = write(path, stop);
-            result.isCancelled = !result.written && stop.stop_requested();
-            if (const auto version = FileIdentity::of(path); result.written && version) {
-                result.version = *version;
-            }
-            return result;
-        },
-        [this, path, conflict](SaveResult result) { finishSaving(path, conflict, std::move(result)); });
+        [save](std::stop_token) { return save.run(); },
+        [this, path, conflict](const FileSave::Result& result) { finishSaving(path, conflict, result); });
     emit savingStarted();
-    // What is typed while it is being written is not in the file.
-    m_wasCleanBeforeSaving = m_document->undoManager().isClean();
-    m_document->undoManager().setClean();
     m_patience.disconnect();
-    connect(&m_patience, &QTimer::timeout, this, [this, path] {
-        m_notices->tell(QStringLiteral("Guardando “%1”…").arg(QFileInfo(path).fileName()), true);
-        m_notices->offer(QStringLiteral("Cancelar"), [this] { m_savingStop.request_stop(); });
-    });
+    connect(&m_patience, &QTimer::timeout, this, [this, path, conflict] { showSaving(path, conflict); });
     m_patience.start(patience);
 }
 
-void DocumentWindow::finishSaving(const QString& path, Conflict conflict, SaveResult result) {
+/// Says that the document is being saved, and offers to give up as long as that helps.
+void DocumentWindow::showSaving(const QString& path, Conflict conflict) {
+    m_notices->tell(QStringLiteral("Guardando “%1”…").arg(shownFileName(path)), true);
+    if (m_gate->isOpen()) {
+        m_notices->offer(QStringLiteral("Cancelar"),
+                         [this, path, conflict] { cancelSaving(path, conflict); });
+    }
+}
+
+/// Ends the save unless the file is being replaced already. The worker may wait for the disk much longer.
+void DocumentWindow::cancelSaving(const QString& path, Conflict conflict) {
+    if (!isSaving()) {
+        return;
+    }
+    if (m_gate->cancel()) {
+        m_saving.cancel();
+        finishSaving(path, conflict, {.outcome = FileSave::Outcome::cancelled});
+    } else {
+        showSaving(path, conflict);
+    }
+}
+
+void DocumentWindow::finishSaving(const QString& path, Conflict conflict, const FileSave::Result& result) {
+    using Outcome = FileSave::Outcome;
     m_patience.stop();
     if (m_notices->isBusy()) {
         m_notices->dismiss();
     }
-    const bool hasSucceeded = !result.isConflict && result.written;
+    const bool isSaved = result.outcome == Outcome::saved;
     const bool closes = std::exchange(m_closesAfterSaving, false);
-    if (hasSucceeded) {
+    if (isSaved) {
+        m_document->undoManager().setClean(m_writtenState);
+    }
+    const bool isWritten = isSaved || result.outcome == Outcome::unconfirmed;
+    if (isWritten) {
         adoptFile(path, result.version);
-    } else if (!m_wasCleanBeforeSaving) {
-        m_document->undoManager().resetClean();
     }
-    emit savingEnded(hasSucceeded);
-    if (result.isConflict) {
-        askAboutConflict(path);
-    } else if (!hasSucceeded && !result.isCancelled) {
-        if (wantsRemedy(result.written.error(), this)) {
-            m_document->applyWriteRemedy();
-            write(path, conflict);
-        }
-    }
+    emit savingEnded(isWritten);
+    resolve(path, conflict, result);
     if (closes && isSaving()) {
         m_closesAfterSaving = true;
-    } else if (closes && hasSucceeded) {
+    } else if (closes && isSaved) {
         close();
     } else if (closes) {
         emit closingRefused();
+    }
+}
+
+/// Asks or tells the user what came of a save. That may start another one.
+void DocumentWindow::resolve(const QString& path, Conflict conflict, const FileSave::Result& result) {
+    using Outcome = FileSave::Outcome;
+    switch (result.outcome) {
+    case Outcome::saved:
+    case Outcome::cancelled:
+        break;
+    case Outcome::unconfirmed:
+        say(QStringLiteral("“%1” se ha escrito, pero el disco no confirma que lo conservará si el equipo se "
+                           "apaga de repente. Vuelve a guardarlo.")
+                .arg(shownFileName(path)));
+        break;
+    case Outcome::changed:
+    case Outcome::changedMeanwhile:
+        askAboutConflict(path, result.outcome);
+        break;
+    case Outcome::shared:
+        askAboutLinks(path, conflict);
+        break;
+    case Outcome::failed:
+        if (wantsRemedy(*result.failure, this)) {
+            m_document->applyWriteRemedy();
+            write(path, conflict);
+        }
+        break;
     }
 }
 
@@ -377,13 +413,14 @@ void DocumentWindow::adoptFile(const QString& path, const std::optional<FileIden
     emit saved();
 }
 
-void DocumentWindow::askAboutConflict(const QString& path) {
-    QMessageBox question(
-        QMessageBox::Warning, QCoreApplication::applicationName(),
-        (m_version ? QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.")
-                   : QStringLiteral("No se sabe si “%1” ha cambiado en el disco desde que se abrió."))
-            .arg(QFileInfo(path).fileName()),
-        QMessageBox::NoButton, this);
+void DocumentWindow::askAboutConflict(const QString& path, FileSave::Outcome outcome) {
+    const QString fact =
+        outcome == FileSave::Outcome::changedMeanwhile
+            ? QStringLiteral("“%1” ha cambiado en el disco mientras se guardaba.")
+        : m_version ? QStringLiteral("“%1” ha cambiado en el disco desde que se abrió.")
+                    : QStringLiteral("No se sabe si “%1” ha cambiado en el disco desde que se abrió.");
+    QMessageBox question(QMessageBox::Warning, QCoreApplication::applicationName(),
+                         fact.arg(shownFileName(path)), QMessageBox::NoButton, this);
     question.setTextFormat(Qt::PlainText);
     question.setInformativeText(
         QStringLiteral("Si se guarda encima, se pierde lo que otro programa escribió."));
@@ -396,6 +433,27 @@ void DocumentWindow::askAboutConflict(const QString& path) {
         write(path, Conflict::overwrite);
     } else if (question.clickedButton() == elsewhere) {
         saveAs();
+    }
+}
+
+/// Other names of a file lose what it has in common with them when it is replaced: the user decides.
+void DocumentWindow::askAboutLinks(const QString& path, Conflict conflict) {
+    using Links = FileReplacement::Links;
+    QMessageBox question(
+        QMessageBox::Question, QCoreApplication::applicationName(),
+        QStringLiteral("“%1” tiene más de un nombre en el disco (enlaces físicos).").arg(shownFileName(path)),
+        QMessageBox::NoButton, this);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(QStringLiteral(
+        "Puedes guardar en todos, o solo en este: entonces se separa de los demás, que conservan lo que "
+        "había."));
+    const auto* all = question.addButton(QStringLiteral("Guardar en todos"), QMessageBox::AcceptRole);
+    const auto* one = question.addButton(QStringLiteral("Guardar solo en este"), QMessageBox::AcceptRole);
+    question.setDefaultButton(question.addButton(QStringLiteral("Cancelar"), QMessageBox::RejectRole));
+    question.exec();
+    if (question.clickedButton() == all || question.clickedButton() == one) {
+        m_links = {path, question.clickedButton() == all ? Links::written : Links::separated};
+        write(path, conflict);
     }
 }
 
@@ -421,10 +479,8 @@ void DocumentWindow::revert() {
         }
     }
     m_reverting.start(
-        [path = m_path, &type = m_controller.type(),
-         preparation = m_document->preparation()](std::stop_token stop) {
-            return DocumentReading::of(type, path, preparation, stop);
-        },
+        [path = m_path, &type = m_controller.type(), preparation = m_document->preparation()](
+            std::stop_token stop) { return DocumentReading::of(type, path, preparation, stop); },
         [this](DocumentReading reading) {
             if (isSaving()) {
                 return;
@@ -447,7 +503,7 @@ void DocumentWindow::takeOver(DocumentReading reading, const QString& actionName
 void DocumentWindow::showOpening(const QString& path, std::function<void()> cancel) {
     m_openingPath = path;
     showTitle();
-    m_notices->tell(QStringLiteral("Abriendo “%1”…").arg(QFileInfo(path).fileName()), true);
+    m_notices->tell(QStringLiteral("Abriendo “%1”…").arg(shownFileName(path)), true);
     m_notices->offer(QStringLiteral("Cancelar"), std::move(cancel));
 }
 

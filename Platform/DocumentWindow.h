@@ -3,6 +3,7 @@
 #include "BackgroundTask.h"
 #include "Document.h"
 #include "DocumentReading.h"
+#include "FileSave.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class DocumentController;
@@ -41,7 +43,7 @@ public:
     const QString& path() const { return m_path; }
     const std::optional<FileIdentity>& version() const { return m_version; }
 
-    /// The file's name, also while it is being read; "Sin título" without a file.
+    /// The file's name as it is shown, also while it is being read; "Sin título" without a file.
     QString documentName() const;
 
     /// Whether this is a new document that nobody touched.
@@ -101,7 +103,7 @@ signals:
     void saved(); ///< The file has the text of this moment, or of a moment ago when there are changes.
     void savingStarted();
     /// Follows once on each `savingStarted`, after `saved` if it `succeeded`, before the user is told
-    /// otherwise.
+    /// otherwise or more.
     void savingEnded(bool succeeded);
     void closingRefused(); ///< The user wants to keep the document open.
     void changesGivenUp();
@@ -116,13 +118,6 @@ private:
     enum class Conflict : std::uint8_t { ask, overwrite };
     enum class Closing : std::uint8_t { now, later, refused };
 
-    struct SaveResult {
-        std::expected<void, WriteFailure> written;
-        bool isConflict = false; ///< The file is not the one that was read; nothing was written.
-        bool isCancelled = false;
-        std::optional<FileIdentity> version;
-    };
-
     void buildMenus();
     void buildFileMenu();
     void buildEditMenu();
@@ -132,9 +127,13 @@ private:
 
     void write(const QString& path, Conflict conflict);
     void giveUpSaving();
-    void finishSaving(const QString& path, Conflict conflict, SaveResult result);
+    void showSaving(const QString& path, Conflict conflict);
+    void cancelSaving(const QString& path, Conflict conflict);
+    void finishSaving(const QString& path, Conflict conflict, const FileSave::Result& result);
+    void resolve(const QString& path, Conflict conflict, const FileSave::Result& result);
     void adoptFile(const QString& path, const std::optional<FileIdentity>& version);
-    void askAboutConflict(const QString& path);
+    void askAboutConflict(const QString& path, FileSave::Outcome outcome);
+    void askAboutLinks(const QString& path, Conflict conflict);
     Closing prepareToClose();
     void finishEditing();
     void toEditor(const char* slot);
@@ -155,10 +154,12 @@ private:
     QAction* m_redo = nullptr;
     QPointer<QWidget> m_lastFocus; ///< What had the focus before a menu took it.
 
-    BackgroundTask<SaveResult> m_saving;
-    std::stop_source m_savingStop;
+    BackgroundTask<FileSave::Result> m_saving;
+    std::shared_ptr<SaveGate> m_gate; ///< Of the save that runs.
+    std::uint64_t m_writtenState = 0; ///< The state of the document that it writes.
+    /// What the user wants with the other names of a file, and of which.
+    std::optional<std::pair<QString, FileReplacement::Links>> m_links;
     BackgroundTask<DocumentReading> m_reverting;
     QTimer m_patience; ///< What takes longer shows.
-    bool m_wasCleanBeforeSaving = false;
     bool m_closesAfterSaving = false;
 };

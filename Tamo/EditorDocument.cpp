@@ -87,8 +87,8 @@ QWidget* EditorDocument::makeView(QWidget* parent) {
 
 Document::Write EditorDocument::write() const {
     return [form = m_file->form(), snapshot = m_file->snapshot()](
-               const QString& path, const std::stop_token& stop) -> std::expected<void, WriteFailure> {
-        if (const auto written = form.write(snapshot, path, stop); !written) {
+               const QString& path, const FileReplacement& how) -> std::expected<void, WriteFailure> {
+        if (const auto written = form.write(snapshot, path, how); !written) {
             return std::unexpected(
                 WriteFailure(message(written.error(), path), remedyTitle(written.error())));
         }

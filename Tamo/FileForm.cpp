@@ -27,7 +27,7 @@ std::expected<void, DocumentError> FileForm::encodeInto(const Rope& snapshot, co
     TextEncoder encoder(choice.encoding, sink);
     for (const std::u16string_view chunk : snapshot.chunks()) {
         if (stop.stop_requested()) {
-            return failure(FileFailure::other);
+            return failure(FileFailure::stopped);
         }
         if (const auto result = encoder.append(chunk); !result) {
             return failure(unencodableText(result.error(), snapshot, choice.encoding));
@@ -40,17 +40,17 @@ std::expected<void, DocumentError> FileForm::encodeInto(const Rope& snapshot, co
 }
 
 std::expected<void, DocumentError> FileForm::write(const Rope& snapshot, const QString& path,
-                                                   const std::stop_token& stop) const {
-    auto file = AtomicFile::open(path);
+                                                   const FileReplacement& how) const {
+    auto file = AtomicFile::open(path, how.stop);
     if (!file) {
         return failure(file.error());
     }
     if (auto result = encodeInto(
-            snapshot, [&file](Bytes bytes) { file->write(bytes); }, stop);
+            snapshot, [&file](Bytes bytes) { file->write(bytes); }, how.stop);
         !result) {
         return result;
     }
-    if (const auto result = file->commit(); !result) {
+    if (const auto result = file->commit(how); !result) {
         return failure(result.error());
     }
     return {};
@@ -63,16 +63,19 @@ std::expected<std::string, DocumentError> FileForm::encode(const Rope& snapshot)
                   : std::unexpected(result.error());
 }
 
-bool FileForm::givesBack(Bytes bytes) const {
+bool FileForm::givesBack(Bytes bytes, const std::stop_token& stop) const {
     // The encodings with paths of their own have one way to write a text.
     if (choice.encoding.family() != StringEncoding::Family::converter) {
         return true;
     }
     bool isSame = true;
-    const auto result = encodeInto(Rope(readText), [&](Bytes encoded) {
-        isSame = isSame && stringOf(bytes).starts_with(stringOf(encoded));
-        bytes = isSame ? bytes.subspan(encoded.size()) : bytes;
-    });
+    const auto result = encodeInto(
+        Rope(readText),
+        [&](Bytes encoded) {
+            isSame = isSame && stringOf(bytes).starts_with(stringOf(encoded));
+            bytes = isSame ? bytes.subspan(encoded.size()) : bytes;
+        },
+        stop);
     return result && isSame && bytes.empty();
 }
 

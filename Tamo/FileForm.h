@@ -3,6 +3,7 @@
 #include "DocumentError.h"
 #include "EncodingChoice.h"
 #include "FileContents.h"
+#include "FileReplacement.h"
 #include "Rope.h"
 
 #include <QString>
@@ -27,15 +28,15 @@ struct FileForm {
 
     /// Puts the bytes of `snapshot` in the place of the file `path`, whole or not at all. A text that is
     /// still the one that was read gives the bytes that were read wherever they are legal in the encoding.
-    /// After a request to stop it fails, unless the file stands already.
+    /// `stopped` where `how` says so; the file is as it was then.
     std::expected<void, DocumentError> write(const Rope& snapshot, const QString& path,
-                                             const std::stop_token& stop = {}) const;
+                                             const FileReplacement& how = {}) const;
 
     /// The same bytes in memory.
     std::expected<std::string, DocumentError> encode(const Rope& snapshot) const;
 
-    /// Whether encoding `readText` gives `bytes` again.
-    bool givesBack(Bytes bytes) const;
+    /// Whether encoding `readText` gives `bytes` again. False after a request to stop.
+    bool givesBack(Bytes bytes, const std::stop_token& stop = {}) const;
 
     /// The first character of `text` that `encoding` does not have; nothing where it has all, or after a
     /// request to stop.

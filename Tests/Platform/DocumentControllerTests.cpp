@@ -1,5 +1,9 @@
 #include "DocumentDesk.h"
 
+#include <QThreadPool>
+
+#include <unistd.h>
+
 namespace {
 
 using Desk = DocumentDesk;
@@ -103,18 +107,137 @@ TEST(DocumentWindow, CountsWhatIsTypedDuringASaveAsUnsaved) {
     EXPECT_FALSE(window->notices().isVisible());
 }
 
-TEST(DocumentWindow, StaysUnsavedWhenASaveFailsOrIsCancelled) {
+TEST(DocumentWindow, CountsAsUnsavedUntilItIsSaved) {
     Desk desk;
     DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
     Desk::note(window).type(QStringLiteral("uno"));
     desk.gate.close();
+    QSignalSpy saved(window, &DocumentWindow::saved);
+    window->save();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->notices().isBusy(); }));
+    EXPECT_TRUE(window->isWindowModified());
+    desk.gate.open();
+    ASSERT_TRUE(saved.wait(10'000));
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+TEST(DocumentWindow, GivesASaveUpAtOnceWhenItIsCancelled) {
+    Desk desk;
+    DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(window).type(QStringLiteral("uno"));
+    desk.gate.close();
+    QSignalSpy ended(window, &DocumentWindow::savingEnded);
     window->save();
     ASSERT_TRUE(QTest::qWaitFor([&] { return window->notices().isBusy(); }));
     QTest::mouseClick(window->notices().findChild<QPushButton*>(), Qt::LeftButton);
-    desk.gate.open();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isSaving(); }));
+    // The worker still waits, as for a disk that hangs.
+    EXPECT_FALSE(window->isSaving());
+    EXPECT_FALSE(window->notices().isVisible());
+    ASSERT_EQ(ended.count(), 1);
+    EXPECT_FALSE(ended.first().first().toBool());
     EXPECT_TRUE(window->isWindowModified());
+    desk.gate.open();
+    QThreadPool::globalInstance()->waitForDone();
     EXPECT_EQ(desk.read(QStringLiteral("a.txt")), QByteArray("hola"));
+    QSignalSpy saved(window, &DocumentWindow::saved);
+    window->save();
+    ASSERT_TRUE(saved.wait(10'000)) << "it can be saved again";
+    EXPECT_EQ(desk.read(QStringLiteral("a.txt")), QByteArray("uno"));
+    EXPECT_EQ(ended.count(), 2);
+}
+
+TEST(DocumentWindow, OffersToCancelOnlyUntilTheFileIsReplaced) {
+    Desk desk;
+    DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(window).type(QStringLiteral("uno"));
+    desk.replacing.close();
+    QSignalSpy saved(window, &DocumentWindow::saved);
+    window->save();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->notices().isBusy(); }));
+    EXPECT_EQ(window->notices().text(), QStringLiteral("Guardando “a.txt”…"));
+    const auto isOffered = [window] {
+        const auto* const button = window->notices().findChild<QPushButton*>();
+        return button != nullptr && button->isVisible();
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !isOffered(); }));
+    desk.replacing.open();
+    ASSERT_TRUE(saved.wait(10'000));
+    EXPECT_EQ(desk.read(QStringLiteral("a.txt")), QByteArray("uno"));
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+TEST(DocumentWindow, AsksAgainWhenTheFileChangesWhileItIsSaved) {
+    Desk desk;
+    DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(window).type(QStringLiteral("mío"));
+    const auto saveWhileItChanges = [&](const QByteArray& change) {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window->notices().isBusy(); }));
+        desk.write(QStringLiteral("a.txt"), change);
+        Answer cancel(QStringLiteral("Cancelar"));
+        desk.gate.open();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !cancel.question().isEmpty(); }));
+        EXPECT_EQ(cancel.question(), QStringLiteral("“a.txt” ha cambiado en el disco mientras se guardaba."));
+        EXPECT_EQ(desk.read(QStringLiteral("a.txt")), change);
+        EXPECT_TRUE(window->isWindowModified());
+    };
+    desk.gate.close();
+    window->save();
+    saveWhileItChanges("de otro programa");
+    // The user settles it for the file that is there then, not for one that comes later.
+    desk.gate.close();
+    {
+        Answer overwrite(QStringLiteral("Guardar encima"));
+        window->save();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !overwrite.question().isEmpty() && window->isSaving(); }));
+    }
+    saveWhileItChanges("de otro más");
+}
+
+TEST(DocumentWindow, AsksWhatIsToBecomeOfOtherNamesOfItsFile) {
+    struct Row {
+        QString button;
+        QByteArray file;
+        QByteArray other;
+    };
+    for (const Row& row : {Row{QStringLiteral("Cancelar"), "hola", "hola"},
+                           Row{QStringLiteral("Guardar en todos"), "mío", "mío"},
+                           Row{QStringLiteral("Guardar solo en este"), "mío", "hola"}}) {
+        Desk desk;
+        const QString path = desk.write(QStringLiteral("a.txt"), "hola");
+        const QString other = desk.folder.filePath(QStringLiteral("b.txt"));
+        ASSERT_EQ(link(QFile::encodeName(path).constData(), QFile::encodeName(other).constData()), 0);
+        DocumentWindow* const window = desk.open(path);
+        Desk::note(window).type(QStringLiteral("mío"));
+        QSignalSpy ended(window, &DocumentWindow::savingEnded);
+        {
+            Answer answer(row.button);
+            window->save();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty() && !window->isSaving(); }));
+            EXPECT_EQ(answer.question(),
+                      QStringLiteral("“a.txt” tiene más de un nombre en el disco (enlaces físicos)."));
+        }
+        EXPECT_EQ(desk.read(QStringLiteral("a.txt")), row.file) << qPrintable(row.button);
+        EXPECT_EQ(desk.read(QStringLiteral("b.txt")), row.other) << qPrintable(row.button);
+        EXPECT_EQ(window->isWindowModified(), row.file == "hola");
+        if (row.file != "hola") {
+            Desk::note(window).type(QStringLiteral("más"));
+            QSignalSpy saved(window, &DocumentWindow::saved);
+            window->save();
+            EXPECT_TRUE(saved.wait(10'000)) << "it is asked once";
+        }
+    }
+}
+
+TEST(DocumentWindow, ShowsNamesWithStandIns) {
+    Desk desk;
+    const QString name = QStringLiteral("fac\u202Etura\u0007.txt");
+    DocumentWindow* const window = desk.open(desk.write(name, "hola"));
+    EXPECT_EQ(window->documentName(), QStringLiteral("fac\u2B1Atura\u2B1A.txt"));
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("fac\u2B1Atura\u2B1A.txt[*]")));
+    Desk::note(window).type(QStringLiteral("mío"));
+    Answer answer(cancelButton);
+    window->close();
+    EXPECT_EQ(answer.question(), QStringLiteral("¿Guardar los cambios en “fac\u2B1Atura\u2B1A.txt”?"));
 }
 
 TEST(DocumentWindow, AsksBeforeItSavesOverAFileThatChanged) {

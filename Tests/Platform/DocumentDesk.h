@@ -2,6 +2,7 @@
 
 #include "DocumentController.h"
 
+#include "AtomicFile.h"
 #include "DocumentWindow.h"
 #include "NoticeBar.h"
 #include "RecoveryState.h"
@@ -56,8 +57,13 @@ struct NoteContents : DocumentContents {
 /// A document that is plain text.
 class Note : public Document {
 public:
-    Note(const QString& text, Gate& gate)
-        : m_gate(gate), m_storage(Rope(text.toStdU16String())), m_history(m_storage) {
+    struct Gates {
+        Gate& start;     ///< Before anything is read or written.
+        Gate& replacing; ///< When a file is about to be replaced.
+    };
+
+    Note(const QString& text, Gates gates)
+        : m_gates(gates), m_storage(Rope(text.toStdU16String())), m_history(m_storage) {
         m_history.setUndoManager(&m_undo);
     }
 
@@ -65,14 +71,24 @@ public:
     UndoManager& undoManager() override { return m_undo; }
     QWidget* makeView(QWidget* parent) override { return new QLabel(parent); }
     Write write() const override {
-        return [text = text(), &gate = m_gate](const QString& path,
-                                               const std::stop_token& stop) -> std::expected<void, QString> {
-            gate.pass();
-            QFile file(path);
-            if (stop.stop_requested() || !file.open(QIODevice::WriteOnly)) {
+        return [text = text(), gates = m_gates](const QString& path,
+                                                const FileReplacement& how) -> std::expected<void, QString> {
+            gates.start.pass();
+            FileReplacement slow = how;
+            slow.mayReplace = [&] {
+                const bool may = how.mayReplace();
+                gates.replacing.pass();
+                return may;
+            };
+            auto file = AtomicFile::open(path, how.stop);
+            if (!file) {
                 return std::unexpected(QStringLiteral("No se pudo."));
             }
-            file.write(text.toUtf8());
+            const std::string bytes = text.toStdString();
+            file->write(bytesOf(bytes));
+            if (!file->commit(slow)) {
+                return std::unexpected(QStringLiteral("No se pudo."));
+            }
             return {};
         };
     }
@@ -95,7 +111,7 @@ public:
     }
 
 private:
-    Gate& m_gate;
+    Gates m_gates;
     TextSelection m_selection;
     UndoManager m_undo;
     TextStorage m_storage;
@@ -104,14 +120,14 @@ private:
 
 class NoteType : public DocumentType {
 public:
-    explicit NoteType(Gate& gate) : m_gate(gate) {}
+    explicit NoteType(Note::Gates gates) : m_gates(gates) {}
 
     std::unique_ptr<Document> makeUntitled() const override {
-        return std::make_unique<Note>(QString(), m_gate);
+        return std::make_unique<Note>(QString(), m_gates);
     }
     std::expected<std::unique_ptr<DocumentContents>, QString> read(const QString& path,
                                                                    std::stop_token) const override {
-        m_gate.pass();
+        m_gates.start.pass();
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly)) {
             return std::unexpected(QStringLiteral("No está."));
@@ -121,11 +137,11 @@ public:
         return contents;
     }
     std::unique_ptr<Document> makeDocument(std::unique_ptr<DocumentContents> contents) const override {
-        return std::make_unique<Note>(static_cast<NoteContents&>(*contents).text, m_gate);
+        return std::make_unique<Note>(static_cast<NoteContents&>(*contents).text, m_gates);
     }
     std::unique_ptr<Document> makeDocument(const RecoveredText& recovered) const override {
         const Rope& text = recovered.text;
-        return std::make_unique<Note>(QString::fromStdU16String(text.units(text.fullRange())), m_gate);
+        return std::make_unique<Note>(QString::fromStdU16String(text.units(text.fullRange())), m_gates);
     }
     QStringList openFilters() const override { return {QStringLiteral("Notas (*.txt)")}; }
     QStringList saveFilters() const override { return openFilters(); }
@@ -133,17 +149,21 @@ public:
     void buildMenus(DocumentWindow&) const override {}
 
 private:
-    Gate& m_gate;
+    Note::Gates m_gates;
 };
 
 /// Windows on documents that are plain text, and a folder for their files.
 struct DocumentDesk {
     QTemporaryDir folder;
     Gate gate;
-    DocumentController controller{std::make_unique<NoteType>(gate)};
+    Gate replacing;
+    DocumentController controller{std::make_unique<NoteType>(Note::Gates{gate, replacing})};
     QSignalSpy opened{&controller, &DocumentController::windowOpened};
 
-    ~DocumentDesk() { gate.open(); }
+    ~DocumentDesk() {
+        gate.open();
+        replacing.open();
+    }
 
     QString write(const QString& name, const QByteArray& contents) const {
         const QString path = folder.filePath(name);
