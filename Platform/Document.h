@@ -69,9 +69,9 @@ public:
 
     /// Readies what a file holds for `replaceContents`, on any thread: what takes long in proportion to the
     /// text of this moment. Without it, or after further changes, that takes long itself.
-    using Preparation = std::function<void(DocumentContents& contents)>;
+    using Preparation = std::function<void(DocumentContents& contents, const std::stop_token& stop)>;
     virtual Preparation preparation() const {
-        return [](DocumentContents&) {};
+        return [](DocumentContents&, const std::stop_token&) {};
     }
 
     /// Has what a file holds now in the place of the text, as one step of undo. Where the user is stays as

@@ -10,8 +10,8 @@ DocumentReading DocumentReading::of(const DocumentType& type, const QString& pat
 DocumentReading DocumentReading::of(const DocumentType& type, const QString& path,
                                     const Document::Preparation& preparation, const std::stop_token& stop) {
     DocumentReading reading = of(type, path, stop);
-    if (reading.contents) {
-        preparation(**reading.contents);
+    if (reading.contents && !stop.stop_requested()) {
+        preparation(**reading.contents, stop);
     }
     return reading;
 }

@@ -73,8 +73,8 @@ void OutsideChangeNotice::learnContent() {
         return;
     }
     m_learning.start(
-        [path = m_window.path()](std::stop_token) -> std::optional<FileIdentity> {
-            const auto found = FileIdentity::withContent(path);
+        [path = m_window.path()](std::stop_token stop) -> std::optional<FileIdentity> {
+            const auto found = FileIdentity::withContent(path, stop);
             return found ? std::optional(*found) : std::nullopt;
         },
         [this, version](const std::optional<FileIdentity>& found) {
@@ -123,10 +123,8 @@ void OutsideChangeNotice::takeReturn() {
 /// Reads the file again. Changes of the user go only where that `isWanted`.
 void OutsideChangeNotice::reload(bool isWanted) {
     m_reading.start(
-        [path = m_window.path(), &type = m_window.type(),
-         preparation = m_window.document()->preparation()](std::stop_token stop) {
-            return DocumentReading::of(type, path, preparation, stop);
-        },
+        [path = m_window.path(), &type = m_window.type(), preparation = m_window.document()->preparation()](
+            std::stop_token stop) { return DocumentReading::of(type, path, preparation, stop); },
         [this, isWanted,
          mark = m_window.document()->undoManager().coalescingMark()](DocumentReading reading) {
             const bool isSame = m_window.document()->undoManager().coalescingMark() == mark;

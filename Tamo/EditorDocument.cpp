@@ -100,10 +100,10 @@ Document::Preparation EditorDocument::preparation() const {
     // What the user chose holds when the file is read again.
     const auto chosen = m_file->form().isChosen ? std::optional(m_file->encoding()) : std::nullopt;
     return [text = m_file->snapshot(), generation = m_file->buffer().generation(),
-            chosen](DocumentContents& contents) {
+            chosen](DocumentContents& contents, const std::stop_token& stop) {
         auto& other = static_cast<FileDocumentContents&>(contents);
         if (chosen && !other.file->form().isChosen) {
-            if (auto again = XMLFileDocument::read(other.path, *chosen)) {
+            if (auto again = XMLFileDocument::read(other.path, *chosen, stop)) {
                 other.file = std::move(*again);
             }
         }
@@ -162,8 +162,9 @@ void EditorDocument::applyWriteRemedy() {
 }
 
 std::expected<std::unique_ptr<DocumentContents>, QString>
-EditorDocument::read(const QString& path, const std::optional<StringEncoding>& encoding) {
-    auto file = encoding ? XMLFileDocument::read(path, *encoding) : XMLFileDocument::read(path);
+EditorDocument::read(const QString& path, const std::optional<StringEncoding>& encoding,
+                     const std::stop_token& stop) {
+    auto file = encoding ? XMLFileDocument::read(path, *encoding, stop) : XMLFileDocument::read(path, stop);
     if (!file) {
         return std::unexpected(message(file.error(), path));
     }
@@ -173,8 +174,8 @@ EditorDocument::read(const QString& path, const std::optional<StringEncoding>& e
     return contents;
 }
 
-/// Puts `units` in the place of `replaced`. What is selected within it keeps its place as far as that is known,
-/// and comes into view; anything else moves along.
+/// Puts `units` in the place of `replaced`. What is selected within it keeps its place as far as that is
+/// known, and comes into view; anything else moves along.
 void EditorDocument::replaceText(SourceRange replaced, const Rope& units) {
     TextBuffer& buffer = m_file->buffer();
     const TextSelection selection = buffer.selection();
@@ -208,9 +209,9 @@ std::unique_ptr<Document> EditorDocumentType::makeUntitled() const {
     return std::make_unique<EditorDocument>(std::make_unique<XMLFileDocument>());
 }
 
-std::expected<std::unique_ptr<DocumentContents>, QString> EditorDocumentType::read(const QString& path,
-                                                                                   std::stop_token) const {
-    return EditorDocument::read(path, std::nullopt);
+std::expected<std::unique_ptr<DocumentContents>, QString>
+EditorDocumentType::read(const QString& path, std::stop_token stop) const {
+    return EditorDocument::read(path, std::nullopt, stop);
 }
 
 std::unique_ptr<Document> EditorDocumentType::makeDocument(std::unique_ptr<DocumentContents> contents) const {

@@ -40,7 +40,7 @@ public:
     /// Reads a file on any thread, in `encoding` or else in the one that the file shows; on failure the
     /// message for the user.
     static std::expected<std::unique_ptr<DocumentContents>, QString>
-    read(const QString& path, const std::optional<StringEncoding>& encoding);
+    read(const QString& path, const std::optional<StringEncoding>& encoding, const std::stop_token& stop);
 
     /// What is doubtful about how the file was read last; nothing where all is well.
     const std::optional<EncodingDoubt>& doubt() const { return m_doubt; }

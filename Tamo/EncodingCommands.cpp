@@ -132,12 +132,12 @@ void EncodingCommands::readAgain(const StringEncoding& encoding) {
     showProgress(QStringLiteral("Abriendo “%1”…").arg(m_window.documentName()),
                  [this] { m_reading.cancel(); });
     m_reading.start(
-        [path = m_window.path(), encoding, preparation = m_document.preparation()](std::stop_token) {
+        [path = m_window.path(), encoding, preparation = m_document.preparation()](std::stop_token stop) {
             const auto version = FileIdentity::of(path);
-            DocumentReading reading{EditorDocument::read(path, encoding),
+            DocumentReading reading{EditorDocument::read(path, encoding, stop),
                                     version ? std::optional(*version) : std::nullopt};
             if (reading.contents) {
-                preparation(**reading.contents);
+                preparation(**reading.contents, stop);
             }
             return reading;
         },

@@ -72,13 +72,30 @@ std::optional<StringEncoding> declaredEncoding(Bytes bytes) {
     return encoding && encoding->isPlainUTF16() ? StringEncoding::utf8() : encoding;
 }
 
+bool isUTF8(Bytes bytes, const std::stop_token& stop) {
+    constexpr std::size_t pieceLength = std::size_t{1} << 20;
+    constexpr std::size_t longestSequence = 4;
+    while (!bytes.empty() && !stop.stop_requested()) {
+        std::size_t end = std::min(bytes.size(), pieceLength);
+        // No sequence is divided: at most three bytes continue one.
+        for (std::size_t back = 1; end < bytes.size() && back < longestSequence; ++back) {
+            end -= (bytes[end] & 0xC0) == 0x80 ? 1 : 0;
+        }
+        if (!UTF8::isValid(bytes.first(end))) {
+            return false;
+        }
+        bytes = bytes.subspan(end);
+    }
+    return true;
+}
+
 } // namespace
 
-Detection TextEncodingDetector::detect(Bytes bytes) {
+Detection TextEncodingDetector::detect(Bytes bytes, const std::stop_token& stop) {
     if (const auto known = announced(bytes)) {
         return *known;
     }
-    return {UTF8::isValid(bytes) ? StringEncoding::utf8() : StringEncoding::latin1(), {}};
+    return {isUTF8(bytes, stop) ? StringEncoding::utf8() : StringEncoding::latin1(), {}};
 }
 
 std::optional<Detection> TextEncodingDetector::announced(Bytes prefix) {

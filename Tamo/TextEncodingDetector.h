@@ -3,6 +3,7 @@
 #include "StringEncoding.h"
 
 #include <optional>
+#include <stop_token>
 #include <string_view>
 
 /// In which encoding a file is written, and the byte-order mark at its start.
@@ -19,8 +20,9 @@ namespace TextEncodingDetector {
 /// bytes are legal in it, or else ISO Latin 1.
 ///
 /// A declared encoding wins untried. A declaration that can be read byte by byte is not UTF-16, so that a
-/// declared "UTF-16" without a mark stands for UTF-8. Never fails.
-Detection detect(Bytes bytes);
+/// declared "UTF-16" without a mark stands for UTF-8. Never fails; after a request to stop the answer means
+/// nothing.
+Detection detect(Bytes bytes, const std::stop_token& stop = {});
 
 /// What `detect` goes by before it looks at all bytes: a mark or a declaration at the start. `prefix` is the
 /// start of the file, all of it or at least 256 bytes. Nothing where neither tells.

@@ -6,8 +6,12 @@
 #include "TextEncodingDetector.h"
 #include "UTF8File.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -25,6 +29,40 @@ std::unexpected<DocumentError> failure(Action action, const Cause& cause) {
 FileForm formOf(const Detection& detection, SourceText text) {
     const EncodingChoice choice{detection.encoding, !detection.bom.empty()};
     return {.choice = choice, .readText = std::move(text), .readBytes = {}, .readChoice = choice};
+}
+
+constexpr std::size_t longestText = std::numeric_limits<Offset>::max();
+constexpr DecodeFailure tooLong{DecodeFailure::Kind::tooLong, 0};
+
+/// Whether the file, read as `detection` says, must have more units than a text can have. Of UTF-8 that may
+/// need a look through the file, which keeps nothing of it.
+bool isTooLong(const InputFile& file, const Detection& detection, const std::stop_token& stop) {
+    if (detection.encoding == StringEncoding::utf8()) {
+        return UTF8File::isTooLong(file, detection.bom.size(), stop);
+    }
+    constexpr std::size_t longestMark = 4;
+    const auto most =
+        file.expectedSize() > longestText ? detection.encoding.mostBytesPerUnit() : std::nullopt;
+    return most && file.expectedSize() > longestText * *most + longestMark;
+}
+
+/// The same text; made in pieces, of which a request to stop leaves the rest out.
+Rope ropeOf(const SourceText& text, const std::stop_token& stop) {
+    constexpr std::size_t pieceLength = std::size_t{1} << 22;
+    Rope rope;
+    for (std::size_t at = 0; at < text.count() && !stop.stop_requested(); at += pieceLength) {
+        const std::size_t length = std::min(pieceLength, text.count() - at);
+        rope = rope.joined(Rope(SourceText({text.storage(), text.units().data() + at}, length)));
+    }
+    return rope;
+}
+
+/// What was read, unless it may be incomplete.
+XMLFileDocument::Reading finished(std::unique_ptr<XMLFileDocument> document, const std::stop_token& stop) {
+    if (stop.stop_requested()) {
+        return failure(Action::read, FileFailure::stopped);
+    }
+    return document;
 }
 
 } // namespace
@@ -46,35 +84,46 @@ XMLFileDocument::XMLFileDocument(FileForm form, Rope rope)
 
 XMLFileDocument::~XMLFileDocument() = default;
 
-std::expected<std::unique_ptr<XMLFileDocument>, DocumentError> XMLFileDocument::read(const QString& path) {
-    if (auto document = readUTF8(path)) {
+XMLFileDocument::Reading XMLFileDocument::read(const QString& path, const std::stop_token& stop) {
+    auto file = InputFile::open(path);
+    if (!file) {
+        return failure(Action::read, file.error());
+    }
+    std::vector<std::uint8_t> start(announcementSize);
+    const auto size = file->read(start);
+    if (!size) {
+        return failure(Action::read, size.error());
+    }
+    start.resize(*size);
+    const Detection announced = TextEncodingDetector::announced(start).value_or(Detection());
+    const bool mayBeUTF8 = announced.encoding == StringEncoding::utf8();
+    if (isTooLong(*file, announced, stop)) {
+        return failure(Action::read, tooLong);
+    }
+    if (auto document = mayBeUTF8 ? readUTF8(*file, start, stop) : nullptr) {
         return document;
     }
-    const auto contents = FileContents::read(path);
+    // What is not UTF-8 is read as ISO Latin 1, whose text is as long as the file.
+    if (mayBeUTF8 && file->expectedSize() > longestText && !stop.stop_requested()) {
+        return failure(Action::read, tooLong);
+    }
+    const auto contents = FileContents::read(path, stop);
     if (!contents) {
         return failure(Action::read, contents.error());
     }
-    return decode(*contents);
+    return decode(*contents, stop);
 }
 
-/// The document in the file when that turns out to be UTF-8; null otherwise.
-std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const QString& path) {
-    auto file = InputFile::open(path);
-    if (!file) {
-        return nullptr;
-    }
-    std::vector<std::uint8_t> start(announcementSize);
-    start.resize(file->read(start).value_or(0));
+/// The document in the file, which starts with `start`, when that turns out to be UTF-8; null otherwise.
+std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const InputFile& file, Bytes start,
+                                                           const std::stop_token& stop) {
     const Detection detection = TextEncodingDetector::announced(start).value_or(Detection());
-    if (detection.encoding != StringEncoding::utf8()) {
-        return nullptr;
-    }
     const Signposter::Interval interval = signposter.interval("Decode");
     // A chunk is summed up while the processor still has it at hand.
-    std::vector<Rope> pieces(UTF8File::pieceCount(*file, detection.bom.size()));
-    auto text = UTF8File::decode(*file, detection.bom.size(), [&](std::size_t piece, const SourceText& part) {
-        pieces[piece] = Rope(part);
-    });
+    std::vector<Rope> pieces(UTF8File::pieceCount(file, detection.bom.size()));
+    auto text = UTF8File::decode(
+        file, detection.bom.size(),
+        [&](std::size_t piece, const SourceText& part) { pieces[piece] = Rope(part); }, stop);
     if (!text) {
         return nullptr;
     }
@@ -88,58 +137,61 @@ std::unique_ptr<XMLFileDocument> XMLFileDocument::readUTF8(const QString& path) 
     return document;
 }
 
-std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-XMLFileDocument::decode(const FileContents& contents) {
+XMLFileDocument::Reading XMLFileDocument::decode(const FileContents& contents, const std::stop_token& stop) {
     const Signposter::Interval interval = signposter.interval("Decode");
-    const Detection detection = TextEncodingDetector::detect(contents.bytes());
+    const Detection detection = TextEncodingDetector::detect(contents.bytes(), stop);
     const Bytes rest = contents.bytes().subspan(detection.bom.size());
-    auto text = detection.encoding.decode(rest);
+    auto text = detection.encoding.decode(rest, stop);
     const bool isLegal = text.has_value();
     if (!isLegal) {
-        text = StringEncoding::latin1().decode(rest);
+        text = StringEncoding::latin1().decode(rest, stop);
     }
     if (!text) {
         return failure(Action::read, text.error());
     }
-    Rope rope(*text);
+    Rope rope = ropeOf(*text, stop);
     std::unique_ptr<XMLFileDocument> document(
         new XMLFileDocument(formOf(detection, std::move(*text)), std::move(rope)));
-    if (isLegal && !document->m_form.givesBack(contents.bytes())) {
+    if (isLegal && !document->m_form.givesBack(contents.bytes(), stop)) {
         document->m_form.readBytes = contents;
     }
     document->m_doubt =
         EncodingDoubt::of(contents.bytes(), detection,
                           isLegal ? EncodingDoubt::Legality::legal : EncodingDoubt::Legality::illegal);
-    return document;
+    return finished(std::move(document), stop);
 }
 
-std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-XMLFileDocument::read(const QString& path, const StringEncoding& encoding) {
-    const auto contents = FileContents::read(path);
+XMLFileDocument::Reading XMLFileDocument::read(const QString& path, const StringEncoding& encoding,
+                                               const std::stop_token& stop) {
+    const auto file = InputFile::open(path);
+    if (file && isTooLong(*file, {encoding, {}}, stop)) {
+        return failure(Action::read, tooLong);
+    }
+    const auto contents = FileContents::read(path, stop);
     if (!contents) {
         return failure(Action::read, contents.error());
     }
-    return decode(*contents, encoding);
+    return decode(*contents, encoding, stop);
 }
 
-std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-XMLFileDocument::decode(const FileContents& contents, const StringEncoding& encoding) {
+XMLFileDocument::Reading XMLFileDocument::decode(const FileContents& contents, const StringEncoding& encoding,
+                                                 const std::stop_token& stop) {
     const Signposter::Interval interval = signposter.interval("Decode");
     const Bytes mark = EncodingChoice{encoding, EncodingChoice::canHaveMark(encoding)}.bom();
     const bool hasMark = !mark.empty() && stringOf(contents.bytes()).starts_with(stringOf(mark));
     const Detection detection{encoding, hasMark ? mark : Bytes()};
-    auto text = encoding.decode(contents.bytes().subspan(detection.bom.size()));
+    auto text = encoding.decode(contents.bytes().subspan(detection.bom.size()), stop);
     if (!text) {
         return failure(Action::read, text.error());
     }
-    Rope rope(*text);
+    Rope rope = ropeOf(*text, stop);
     std::unique_ptr<XMLFileDocument> document(
         new XMLFileDocument(formOf(detection, std::move(*text)), std::move(rope)));
     document->m_form.isChosen = true;
-    if (!document->m_form.givesBack(contents.bytes())) {
+    if (!document->m_form.givesBack(contents.bytes(), stop)) {
         document->m_form.readBytes = contents;
     }
-    return document;
+    return finished(std::move(document), stop);
 }
 
 TextBuffer& XMLFileDocument::buffer() {

@@ -15,6 +15,7 @@
 #include <string>
 #include <utility>
 
+class InputFile;
 class TextBuffer;
 
 /// A kind of file that documents are read from and written to.
@@ -38,19 +39,23 @@ public:
     XMLFileDocument();
     ~XMLFileDocument();
 
-    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError> read(const QString& path);
+    using Reading = std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>;
+
+    /// Reads the file at `path` as `decode` does. Of a file that grows, what it has when it is opened. A file
+    /// that must be too long for a text is refused before it is read. Soon after a request to stop, here and
+    /// below, the reading ends with a failure that is not for the user.
+    static Reading read(const QString& path, const std::stop_token& stop = {});
 
     /// The document that `contents` are, in the encoding that they show. Where they are illegal in it, they
     /// are read as ISO Latin 1, and still written in that encoding.
-    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-    decode(const FileContents& contents);
+    static Reading decode(const FileContents& contents, const std::stop_token& stop = {});
 
     /// The same in `encoding`, whatever the file shows. Fails where the contents are illegal in it. A mark of
     /// the encoding is none of the text.
-    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-    read(const QString& path, const StringEncoding& encoding);
-    static std::expected<std::unique_ptr<XMLFileDocument>, DocumentError>
-    decode(const FileContents& contents, const StringEncoding& encoding);
+    static Reading read(const QString& path, const StringEncoding& encoding,
+                        const std::stop_token& stop = {});
+    static Reading decode(const FileContents& contents, const StringEncoding& encoding,
+                          const std::stop_token& stop = {});
 
     const StringEncoding& encoding() const { return m_form.choice.encoding; }
 
@@ -77,8 +82,8 @@ public:
 
     /// Puts the bytes of `snapshot` in the place of the file `path`, as `FileForm::write` does.
     std::expected<void, DocumentError> write(const Rope& snapshot, const QString& path,
-                                             const std::stop_token& stop = {}) const {
-        return m_form.write(snapshot, path, stop);
+                                             const FileReplacement& how = {}) const {
+        return m_form.write(snapshot, path, how);
     }
 
     /// Writes in another encoding from now on.
@@ -93,7 +98,8 @@ private:
     /// `rope` has the units of the text that was read.
     XMLFileDocument(FileForm form, Rope rope);
 
-    static std::unique_ptr<XMLFileDocument> readUTF8(const QString& path);
+    static std::unique_ptr<XMLFileDocument> readUTF8(const InputFile& file, Bytes start,
+                                                     const std::stop_token& stop);
 
     FileForm m_form;
     std::optional<EncodingDoubt> m_doubt;

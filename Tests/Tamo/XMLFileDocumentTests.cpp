@@ -11,10 +11,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <thread>
+#include <variant>
 
 #include <unicode/ucnv.h>
+#include <unistd.h>
 
 using namespace std::string_literals;
 
@@ -215,4 +218,39 @@ TEST_F(XMLFileDocumentTest, FailsWithTheCauseOfTheFile) {
     XMLFileDocument document;
     EXPECT_EQ(document.write({}, path("missing/file.xml")).error(),
               (DocumentError{DocumentError::Action::write, FileFailure::missing}));
+}
+
+TEST_F(XMLFileDocumentTest, RefusesWhatMustBeTooLongBeforeItReads) {
+    constexpr long long limit = 4'294'967'295;
+    struct Row {
+        const char* encoding;
+        long long size;
+    };
+    const DecodeFailure tooLong{DecodeFailure::Kind::tooLong, 0};
+    for (const Row& row : {Row{"UTF-8", 3 * limit + 4}, Row{"ISO-8859-1", limit + 5},
+                           Row{"windows-1252", limit + 5}, Row{"GB18030", 4 * limit + 5}}) {
+        create("a.xml", declaration(row.encoding));
+        // Takes no room; to read it would take long, and more memory than there is.
+        ASSERT_EQ(truncate(QFile::encodeName(path("a.xml")).constData(), row.size), 0);
+        const auto document = XMLFileDocument::read(path("a.xml"));
+        ASSERT_FALSE(document.has_value()) << row.encoding;
+        EXPECT_EQ(std::get<DecodeFailure>(document.error().cause), tooLong) << row.encoding;
+        const auto again = XMLFileDocument::read(path("a.xml"), StringEncoding::named(row.encoding).value());
+        ASSERT_FALSE(again.has_value()) << row.encoding;
+        EXPECT_EQ(std::get<DecodeFailure>(again.error().cause), tooLong) << row.encoding;
+    }
+}
+
+TEST_F(XMLFileDocumentTest, StopsReadingWhenItIsAskedTo) {
+    std::stop_source stop;
+    stop.request_stop();
+    for (const char* const encoding : {"UTF-8", "ISO-8859-1", "windows-1252", "UTF-16"}) {
+        create("a.xml", declaration(encoding) + std::string(3'000'000, 'x'));
+        EXPECT_FALSE(XMLFileDocument::read(path("a.xml"), stop.get_token()).has_value()) << encoding;
+        EXPECT_FALSE(
+            XMLFileDocument::read(path("a.xml"), StringEncoding::latin1(), stop.get_token()).has_value());
+        EXPECT_FALSE(XMLFileDocument::decode(contents(bytes("a.xml")), stop.get_token()).has_value())
+            << encoding;
+        EXPECT_TRUE(XMLFileDocument::read(path("a.xml")).has_value()) << encoding;
+    }
 }
