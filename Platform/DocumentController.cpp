@@ -2,14 +2,15 @@
 
 #include "DocumentKeeper.h"
 #include "FileDialog.h"
+#include "FilePath.h"
 #include "OutsideChangeNotice.h"
 #include "RecentFiles.h"
 #include "RecentFilesMenu.h"
 #include "RecoveryStore.h"
+#include "ShownName.h"
 #include "UndoManager.h"
 #include "WindowPlacement.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QScreen>
 
@@ -23,13 +24,6 @@ using namespace std::chrono_literals;
 
 constexpr auto patience = 200ms;
 
-/// The one path of a file, whatever links lead to it.
-QString canonical(const QString& path) {
-    const QFileInfo file(path);
-    const QString found = file.canonicalFilePath();
-    return found.isEmpty() ? file.absoluteFilePath() : found;
-}
-
 /// What is said of a recovered text that is not whole. `folder` keeps the texts.
 QString damageNotice(RecoveryDamage damage, const QString& folder) {
     const QString why =
@@ -39,7 +33,7 @@ QString damageNotice(RecoveryDamage damage, const QString& folder) {
             : QStringLiteral("El disco no devolvió entero este texto recuperado: puede faltar una parte o "
                              "haber cambiado.");
     return QStringLiteral("%1 Compruébalo antes de guardarlo. Lo que había se conserva en “%2/damaged”.")
-        .arg(why, folder);
+        .arg(why, shownPath(folder));
 }
 
 } // namespace
@@ -127,7 +121,7 @@ DocumentWindow* DocumentController::newDocument() {
 DocumentWindow* DocumentController::windowOf(const QString& path) const {
     const auto open = windows();
     const auto found = std::ranges::find_if(open, [&](const DocumentWindow* window) {
-        return !window->path().isEmpty() && canonical(window->path()) == path;
+        return !window->path().isEmpty() && FilePath::canonical(window->path()) == path;
     });
     return found == open.end() ? nullptr : *found;
 }
@@ -147,13 +141,13 @@ void DocumentController::open(const QStringList& paths) {
 }
 
 void DocumentController::openFile(const QString& path) {
-    const QString absolute = QFileInfo(path).absoluteFilePath();
-    const QString file = canonical(path);
+    const QString absolute = FilePath::absolute(path);
+    const QString file = FilePath::canonical(path);
     if (DocumentWindow* const window = windowOf(file)) {
         raise(*window);
         return;
     }
-    const auto isSame = [&](const auto& each) { return canonical(each->path) == file; };
+    const auto isSame = [&](const auto& each) { return FilePath::canonical(each->path) == file; };
     if (std::ranges::any_of(m_openings, isSame)) {
         return;
     }
@@ -230,15 +224,15 @@ void DocumentController::openFiles(const QList<QUrl>& files) {
     QStringList paths;
     for (const QUrl& file : files) {
         if (file.isLocalFile()) {
-            paths += file.toLocalFile();
+            paths += FilePath::of(file);
         }
     }
     open(paths);
 }
 
 DocumentWindow* DocumentController::openRecovered(const RecoveredText& text, const QString& id) {
-    const QString path = QFile::decodeName(QByteArray::fromStdString(text.facts.origin));
-    if (DocumentWindow* const other = path.isEmpty() ? nullptr : windowOf(canonical(path));
+    const QString path = FilePath::of(QByteArray::fromStdString(text.facts.origin));
+    if (DocumentWindow* const other = path.isEmpty() ? nullptr : windowOf(FilePath::canonical(path));
         other != nullptr && !other->isWindowModified()) {
         // What is kept is newer than the file.
         other->close();

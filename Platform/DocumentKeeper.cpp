@@ -1,10 +1,9 @@
 #include "DocumentKeeper.h"
 
 #include "DocumentWindow.h"
+#include "FilePath.h"
 #include "RecoveryStore.h"
 #include "UndoManager.h"
-
-#include <QFile>
 
 DocumentKeeper::DocumentKeeper(DocumentWindow& window, RecoveryStore& store, const QString& taken)
     : m_window(window), m_version(window.version()),
@@ -25,7 +24,7 @@ DocumentKeeper::~DocumentKeeper() = default;
 
 RecoveryFacts DocumentKeeper::facts() const {
     RecoveryFacts facts = m_window.document()->recoveryFacts();
-    facts.origin = QFile::encodeName(m_window.path()).toStdString();
+    facts.origin = FilePath::bytes(m_window.path()).toStdString();
     facts.version = m_window.version();
     return facts;
 }

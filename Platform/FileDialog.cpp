@@ -1,5 +1,8 @@
 #include "FileDialog.h"
 
+#include "FilePath.h"
+#include "ShownName.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QFileSystemModel>
@@ -39,14 +42,30 @@ protected:
     }
 };
 
+/// Shows names with stand-ins, as the program does everywhere.
+class NameDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->text = shownPath(option->text);
+    }
+};
+
 /// Makes each column as wide as what stands in it; the list scrolls where that is wider than the dialog.
 void showWholeNames(QTreeView& list) {
     list.header()->setStretchLastSection(true);
     list.header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list.setItemDelegateForColumn(0, new NameDelegate(&list));
     for (const int column : {sizeColumn, timeColumn}) {
         list.setItemDelegateForColumn(column, new FactDelegate(&list));
     }
 }
+
+/// `name` with each byte that is not UTF-8 replaced by U+FFFD.
+QString withoutSurrogates(const QString& name) { return QString::fromUtf8(FilePath::bytes(name)); }
 
 } // namespace
 
@@ -67,7 +86,7 @@ FileDialog* FileDialog::toOpen(const QString& folder, const QStringList& filters
     auto* const dialog = new FileDialog(QStringLiteral("Abrir"), filters, parent);
     dialog->setAcceptMode(AcceptOpen);
     dialog->setFileMode(ExistingFiles);
-    if (!folder.isEmpty()) {
+    if (!folder.isEmpty() && FilePath::isUnicode(folder)) {
         dialog->setDirectory(folder);
     }
     return dialog;
@@ -77,10 +96,11 @@ FileDialog* FileDialog::toSave(const QString& proposal, const QStringList& filte
     auto* const dialog = new FileDialog(QStringLiteral("Guardar como"), filters, parent);
     dialog->setAcceptMode(AcceptSave);
     dialog->setFileMode(AnyFile);
-    if (const QFileInfo file(proposal); file.isAbsolute()) {
+    if (const QFileInfo file(proposal); file.isAbsolute() && FilePath::isUnicode(file.path())) {
         dialog->setDirectory(file.path());
     }
-    dialog->selectFile(QFileInfo(proposal).fileName());
+    // The dialog can only make names that are Unicode.
+    dialog->selectFile(withoutSurrogates(QFileInfo(proposal).fileName()));
     connect(dialog, &QFileDialog::filterSelected, dialog, &FileDialog::followFilter);
     dialog->followFilter();
     return dialog;

@@ -1,5 +1,7 @@
 #include "FileWatcher.h"
 
+#include "FilePath.h"
+
 #include <QFileInfo>
 
 #include <chrono>
@@ -21,7 +23,7 @@ bool isGone(FileFailure failure) {
 /// The folder of `path`, or the nearest one above that exists: it says when the next one comes back.
 QString nearestFolder(const QString& path) {
     QString folder = QFileInfo(path).path();
-    while (!QFileInfo(folder).isDir()) {
+    while (!FilePath::isFolder(folder)) {
         const QString above = QFileInfo(folder).path();
         if (above == folder) {
             break;
@@ -43,7 +45,7 @@ FileWatcher::FileWatcher(QObject* parent) : QObject(parent), m_postbox(std::make
 FileWatcher::~FileWatcher() { m_postbox->close(); }
 
 void FileWatcher::follow(const QString& path, const std::optional<FileIdentity>& identity) {
-    m_path = path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
+    m_path = path.isEmpty() ? QString() : FilePath::absolute(path);
     m_known = identity;
     m_isThere = identity.has_value();
     ++m_generation;
@@ -139,11 +141,12 @@ void FileWatcher::watch() {
     if (!m_path.isEmpty()) {
         const QString folder = nearestFolder(m_path);
         wanted += {folder, QFileInfo(folder).path()};
-        const QString end = QFileInfo(m_path).canonicalFilePath();
-        if (!end.isEmpty()) {
-            wanted += {m_path, QFileInfo(end).path()};
+        if (FilePath::isRegularFile(m_path)) {
+            wanted += {m_path, QFileInfo(FilePath::canonical(m_path)).path()};
         }
         wanted.removeDuplicates();
+        // The toolkit would watch another file. What is hinted of the folders around stands in for the file.
+        wanted.removeIf([](const QString& path) { return !FilePath::isUnicode(path); });
     }
     QStringList unwanted;
     for (const QString& path : m_watcher.files() + m_watcher.directories()) {

@@ -3,6 +3,7 @@
 #include "AtomicFile.h"
 #include "BookmarkList.h"
 #include "FileIdentity.h"
+#include "FilePath.h"
 
 #include <QDir>
 #include <QFile>
@@ -92,13 +93,13 @@ QStringList filesOf(const QStringList& own, const QStringList& hidden, const QSt
     std::ranges::stable_sort(bookmarks, std::ranges::greater(), &BookmarkList::Bookmark::modified);
     QStringList candidates = own;
     for (const BookmarkList::Bookmark& bookmark : bookmarks) {
-        const QString path = QUrl(bookmark.url).toLocalFile();
+        const QString path = FilePath::of(QUrl(bookmark.url));
         if (!path.isEmpty() && isOfInterest(bookmark, path, interest) && !candidates.contains(path) &&
             !hidden.contains(path) && candidates.size() < mostCandidates) {
             candidates += path;
         }
     }
-    std::ranges::stable_partition(candidates, [](const QString& path) { return QFileInfo(path).isFile(); });
+    std::ranges::stable_partition(candidates, &FilePath::isRegularFile);
     return candidates.mid(0, RecentFiles::mostFiles);
 }
 
@@ -130,7 +131,7 @@ void RecentFiles::clear() {
 }
 
 void RecentFiles::note(const QString& path) {
-    const QString absolute = QFileInfo(path).absoluteFilePath();
+    const QString absolute = FilePath::absolute(path);
     m_own.removeAll(absolute);
     m_hidden.removeAll(absolute);
     m_own.prepend(absolute);
@@ -145,7 +146,7 @@ void RecentFiles::look(const QString& visited) {
         if (!visited.isEmpty()) {
             const QString type =
                 QMimeDatabase().mimeTypeForFile(visited, QMimeDatabase::MatchExtension).name();
-            noteVisit({.url = QUrl::fromLocalFile(visited).toString(QUrl::FullyEncoded),
+            noteVisit({.url = FilePath::url(visited).toString(QUrl::FullyEncoded),
                        .mimeType = interest.mimeTypes.contains(type) ? type : interest.mimeTypes.value(0),
                        .program = interest.program,
                        .command = interest.command,

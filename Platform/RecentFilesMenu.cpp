@@ -2,6 +2,7 @@
 
 #include "MenuText.h"
 #include "RecentFiles.h"
+#include "ShownName.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,7 +19,7 @@ QString actionTitle(const QString& path) {
     if (folder == home || folder.startsWith(home + u'/')) {
         folder.replace(0, home.size(), u'~');
     }
-    return menuText(QStringLiteral("%1 — %2").arg(file.fileName(), folder));
+    return menuText(QStringLiteral("%1 — %2").arg(shownFileName(path), shownPath(folder)));
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #include "RecoveryDialog.h"
 
+#include "FilePath.h"
 #include "GroupedNumber.h"
+#include "ShownName.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDialogButtonBox>
-#include <QFile>
-#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMessageBox>
@@ -20,12 +20,12 @@ constexpr int idRole = Qt::UserRole;
 constexpr QSize usualSize(640, 360);
 
 QString origin(const RecoverableDocument& document) {
-    return QFile::decodeName(QByteArray::fromStdString(document.facts.origin));
+    return FilePath::of(QByteArray::fromStdString(document.facts.origin));
 }
 
 QString name(const RecoverableDocument& document) {
     const QString path = origin(document);
-    const QString name = path.isEmpty() ? QStringLiteral("Sin título") : QFileInfo(path).fileName();
+    const QString name = path.isEmpty() ? QStringLiteral("Sin título") : shownFileName(path);
     return document.damage != RecoveryDamage::none ? QStringLiteral("%1 (incompleto)").arg(name) : name;
 }
 
@@ -39,7 +39,7 @@ QTreeWidgetItem* item(const RecoverableDocument& document) {
          counted(document.size, QStringLiteral("carácter"), QStringLiteral("caracteres"))});
     item->setData(0, idRole, document.id);
     // A tool tip would take a path with angle brackets for markup.
-    item->setToolTip(0, QStringLiteral("<qt>%1</qt>").arg(origin(document).toHtmlEscaped()));
+    item->setToolTip(0, QStringLiteral("<qt>%1</qt>").arg(shownPath(origin(document)).toHtmlEscaped()));
     return item;
 }
 

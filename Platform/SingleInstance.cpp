@@ -1,5 +1,7 @@
 #include "SingleInstance.h"
 
+#include "FilePath.h"
+
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QDeadlineTimer>
@@ -71,7 +73,7 @@ std::optional<Handover> handover(const QByteArray& content) {
     stream >> spoken >> result.files >> result.startupToken;
     const bool isGood = stream.status() == QDataStream::Ok && spoken == version &&
                         std::ranges::all_of(result.files, [](const QUrl& url) {
-                            return url.isLocalFile() && QFileInfo(url.toLocalFile()).isAbsolute();
+                            return url.isLocalFile() && FilePath::of(url).startsWith(u'/');
                         });
     return isGood ? std::optional(std::move(result)) : std::nullopt;
 }

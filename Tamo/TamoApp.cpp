@@ -2,6 +2,7 @@
 
 #include "ApplicationAppearance.h"
 #include "EditorDocument.h"
+#include "FilePath.h"
 #include "RecentFiles.h"
 #include "RecoveryOffer.h"
 #include "RecoveryStore.h"
@@ -12,7 +13,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QMessageBox>
@@ -48,7 +48,7 @@ const QCommandLineOption traceOption(QStringLiteral("trace"),
 
 /// The file that an argument of the command line means: a path or a `file:` URL.
 QString localPath(const QString& argument) {
-    return argument.startsWith(QStringLiteral("file:")) ? QUrl(argument).toLocalFile() : argument;
+    return argument.startsWith(QStringLiteral("file:")) ? FilePath::of(QUrl(argument)) : argument;
 }
 
 /// What the desktop gave this start, so that a window may take the focus.
@@ -158,7 +158,7 @@ int TamoApp::runWith(const QCommandLineParser& options) {
 bool TamoApp::handOver(const QStringList& files) {
     Handover handover{{}, startupToken()};
     for (const QString& file : files) {
-        handover.files += QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath());
+        handover.files += FilePath::url(FilePath::absolute(file));
     }
     m_instance = std::make_unique<SingleInstance>();
     connect(m_instance.get(), &SingleInstance::handedOver, this, &TamoApp::takeOver);

@@ -1,5 +1,7 @@
 #include "FileWatcher.h"
 
+#include "FilePath.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
@@ -10,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -198,6 +201,20 @@ TEST_F(FileWatcherTest, FollowsLinksToWhereTheyLead) {
     rename("a/temporary", "a/target.xml");
     EXPECT_EQ(next(), "changed ");
     ASSERT_TRUE(QFile::remove(path("a/target.xml")));
+    EXPECT_EQ(next(), "removed ");
+}
+
+TEST_F(FileWatcherTest, FollowsANameThatIsNotUTF8) {
+    const QString name = FilePath::of(path("a/b").toUtf8() + "/caf\xE9.xml");
+    const std::string there = FilePath::bytes(name).toStdString();
+    std::ofstream(there) << "first";
+    follow();
+    m_watcher.follow(name, FileIdentity::withContent(name).value());
+    write("second", "a/b/otro.xml");
+    rename("a/b/otro.xml", "a/b/otro más.xml");
+    ASSERT_EQ(std::rename(FilePath::bytes(path("a/b/otro más.xml")).constData(), there.c_str()), 0);
+    EXPECT_EQ(next(), "changed ");
+    ASSERT_EQ(std::remove(there.c_str()), 0);
     EXPECT_EQ(next(), "removed ");
 }
 

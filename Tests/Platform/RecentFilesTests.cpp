@@ -1,6 +1,7 @@
 #include "RecentFiles.h"
 
 #include "BookmarkList.h"
+#include "FilePath.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
 
 namespace {
@@ -135,6 +137,18 @@ TEST_F(RecentFilesTest, NotesVisitsForOtherPrograms) {
     ASSERT_TRUE(changes.wait());
     EXPECT_EQ(recent->files(), (QStringList{first, second}));
     EXPECT_EQ(found().size(), 2);
+}
+
+TEST_F(RecentFilesTest, NotesNamesThatAreNotUTF8) {
+    const QString file = FilePath::of(QFileInfo(path(QStringLiteral("a"))).path().toUtf8() + "/caf\xE9.xml");
+    std::ofstream(FilePath::bytes(file).toStdString()) << "<a/>";
+    const auto recent = recentFiles();
+    QSignalSpy changes(recent.get(), &RecentFiles::filesChanged);
+    recent->note(file);
+    ASSERT_TRUE(changes.wait());
+    EXPECT_EQ(recent->files(), QStringList{file});
+    EXPECT_TRUE(listed().contains("/caf%E9.xml"));
+    EXPECT_EQ(found(), QStringList{file}) << "another run finds it in the list";
 }
 
 TEST_F(RecentFilesTest, KeepsTheFilesOfThisRunWhenTheListIsBroken) {
