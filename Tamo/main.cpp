@@ -1,11 +1,14 @@
+#include "FilePath.h"
 #include "TamoApp.h"
 
 #include <QApplication>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -24,14 +27,30 @@ bool hasDisplay() {
                                [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
 }
 
-int run(const QStringList& arguments) { return TamoApp().run(arguments); }
+/// Runs with the arguments that the toolkit has left, whatever bytes they are.
+int run(int argc, char** argv) {
+    QStringList arguments;
+    std::transform(argv, argv + argc, std::back_inserter(arguments),
+                   [](const char* argument) { return FilePath::of(QByteArray(argument)); });
+    return TamoApp().run(arguments);
+}
+
+/// Ends the program. Workers that still wait for a disk are left behind: no window wants their results.
+int end(int code) {
+    constexpr int patience = 300;
+    if (!QThreadPool::globalInstance()->waitForDone(patience)) {
+        std::fflush(nullptr);
+        std::_Exit(code);
+    }
+    return code;
+}
 
 } // namespace
 
 int main(int argc, char** argv) {
     if (asksForWords(argc, argv)) {
         const QCoreApplication application(argc, argv);
-        return run(QCoreApplication::arguments());
+        return run(argc, argv);
     }
     if (!hasDisplay()) {
         std::fputs("tamo: No hay ninguna pantalla en la que abrir ventanas.\n", stderr);
@@ -40,5 +59,5 @@ int main(int argc, char** argv) {
     // A limit on the size of files fails the write instead, which is told.
     std::signal(SIGXFSZ, SIG_IGN);
     const QApplication application(argc, argv);
-    return run(QCoreApplication::arguments());
+    return end(run(argc, argv));
 }
