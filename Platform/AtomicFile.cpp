@@ -133,16 +133,24 @@ void AtomicFile::writePiece(Bytes piece) {
 /// it is left for the end, which nothing can interrupt.
 void AtomicFile::pace() {
     constexpr std::int64_t distance = std::int64_t{8} << 20;
-    if (m_size - m_paced < distance) {
+    constexpr unsigned begin = SYNC_FILE_RANGE_WRITE;
+    constexpr unsigned wait =
+        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    if (m_failure || m_size - m_paced < distance) {
         return;
     }
-    if (m_paced > 0) {
-        const std::int64_t start = std::max<std::int64_t>(0, m_paced - distance);
-        sync_file_range(m_file.number(), start, m_paced - start,
-                        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
-    }
-    sync_file_range(m_file.number(), m_paced, m_size - m_paced, SYNC_FILE_RANGE_WRITE);
+    push(std::max<std::int64_t>(0, m_paced - distance), m_paced, wait);
+    push(m_paced, m_size, begin);
     m_paced = m_size;
+}
+
+/// Has the disk take the bytes between two places as `flags` say. What fails here is not told again at the
+/// end.
+void AtomicFile::push(std::int64_t from, std::int64_t to, unsigned flags) {
+    const bool hasFailed = from < to && sync_file_range(m_file.number(), from, to - from, flags) != 0;
+    if (hasFailed && (errno == EIO || errno == ENOSPC || errno == EDQUOT)) {
+        m_failure = fileFailure(errno);
+    }
 }
 
 std::expected<void, FileFailure> AtomicFile::commit(const FileReplacement& how) {

@@ -50,6 +50,7 @@ private:
 
     void writePiece(Bytes piece);
     void pace();
+    void push(std::int64_t from, std::int64_t to, unsigned flags);
     std::expected<void, FileFailure> replace(const FileReplacement& how);
     std::expected<TemporaryFile, FileFailure> namedCopy() const;
     std::expected<void, FileFailure> writeThrough(const FileReplacement& how);
