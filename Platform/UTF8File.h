@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <stop_token>
 
@@ -29,8 +30,10 @@ using PieceStep = std::function<void(std::size_t piece, const SourceText& text)>
 std::optional<SourceText> decode(const InputFile& file, std::size_t start, const PieceStep& decoded,
                                  const std::stop_token& stop = {});
 
-/// Whether the bytes of `file` from `start` on have more units than a text can have if they are UTF-8. Reads
-/// as much of the file as it needs to know, and keeps none of it. False after a request to stop.
-bool isTooLong(const InputFile& file, std::size_t start, const std::stop_token& stop = {});
+/// Whether the bytes of `file` from `start` on have more units than `longest`, the most that a text can have,
+/// if they are UTF-8. Where the size does not tell, reads as much of the file as it needs to know, a few
+/// random places as a rule, and keeps none of it. False after a request to stop.
+bool isTooLong(const InputFile& file, std::size_t start, const std::stop_token& stop = {},
+               std::size_t longest = std::numeric_limits<Offset>::max());
 
 } // namespace UTF8File

@@ -141,6 +141,8 @@ TEST_F(UTF8FileTest, KnowsAtOnceWhatMustBeTooLong) {
     EXPECT_TRUE(UTF8File::isTooLong(*file, 0));
     EXPECT_TRUE(UTF8File::isTooLong(*file, 3));
     EXPECT_EQ(UTF8File::decode(*file, 0, [](std::size_t, const SourceText&) {}), std::nullopt);
+    ASSERT_EQ(truncate(path.c_str(), 5'000'000'000), 0);
+    EXPECT_TRUE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 0));
     ASSERT_EQ(truncate(path.c_str(), limit), 0);
     EXPECT_FALSE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 0));
     ASSERT_EQ(truncate(path.c_str(), limit + 3), 0);
@@ -149,4 +151,24 @@ TEST_F(UTF8FileTest, KnowsAtOnceWhatMustBeTooLong) {
     stop.request_stop();
     EXPECT_FALSE(UTF8File::isTooLong(*InputFile::open(QString::fromStdString(path)), 0, stop.get_token()))
         << "it does not look through the file any more";
+}
+
+TEST_F(UTF8FileTest, CountsWhatTheSizeDoesNotTell) {
+    const std::string path = folder.filePath(QStringLiteral("texto.xml")).toStdString();
+    constexpr std::size_t size = 18'000'000;
+    struct Row {
+        std::string_view text;
+        std::size_t longest;
+        bool isTooLong;
+    };
+    for (const Row& row : {Row{"x", size, false}, Row{"x", size - 1, true}, Row{"x", size / 2, true},
+                           Row{"€", size / 3, false}, Row{"€", size / 3 - 1, true}, Row{"€", size / 2, false},
+                           Row{"x€x€x€", size / 2, false}, Row{"x€x€x€", size / 2 - 1, true},
+                           Row{"\U0001F600x", size * 3 / 5, false},
+                           Row{"\U0001F600x", size * 3 / 5 - 1, true}, Row{"\U0001F600x", size / 2, true}}) {
+        std::ofstream(path) << filled(row.text, size);
+        const auto file = InputFile::open(QString::fromStdString(path));
+        ASSERT_EQ(file->expectedSize(), size);
+        EXPECT_EQ(UTF8File::isTooLong(*file, 0, {}, row.longest), row.isTooLong) << row.text << row.longest;
+    }
 }
