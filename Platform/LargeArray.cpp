@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <new>
 
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -43,6 +44,12 @@ void touchMemory(const void* begin, std::size_t size) {
 #else
     static_cast<void>(begin);
     static_cast<void>(size);
+#endif
+}
+
+void giveMemoryBack() {
+#if defined(__GLIBC__)
+    malloc_trim(0);
 #endif
 }
 

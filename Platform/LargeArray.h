@@ -16,6 +16,9 @@ void adviseHugePages(const void* begin, std::size_t size);
 /// nothing where the system cannot, nor where there is no memory any more.
 void touchMemory(const void* begin, std::size_t size);
 
+/// Gives what was freed back to the system, as far as it keeps nothing else company. Takes a moment.
+void giveMemoryBack();
+
 /// An array whose elements hold no particular values, for the contents and the text of whole files. Touching
 /// new memory page by page costs more than decoding into it, so that a large array asks for huge pages.
 template <class Element>

@@ -35,6 +35,8 @@ public:
     LineSegments(const Rope& line, CharacterAdvances& advances);
 
     const Rope& line() const { return m_line; }
+    /// The same line, stored elsewhere.
+    void moveTo(Rope same) { m_line = std::move(same); }
     double width() const;
 
     /// The segment that holds the unit at `at`; the last one for the end of the line.

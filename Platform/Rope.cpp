@@ -121,6 +121,11 @@ SourceText Rope::contiguous() const {
     return {{part.content, part.units().data()}, size()};
 }
 
+Rope Rope::movedTo(const SourceText& units) const {
+    precondition(units.count() == size(), "a text is moved to as many units");
+    return Rope(m_root == nullptr ? nullptr : RopeNode::moved(*m_root, units, 0));
+}
+
 Offset Rope::countBefore(Offset at, Offset TextSums::* what) const {
     if (at == size()) {
         return sums().*what;

@@ -62,6 +62,10 @@ public:
     /// from, as long as it is unchanged. Without storage otherwise. Takes a look at each chunk at most.
     SourceText contiguous() const;
 
+    /// The same text, stored in `units`, which are the same: nothing of the array of this rope is held any more.
+    /// Shares no node, and sums up nothing again.
+    Rope movedTo(const SourceText& units) const;
+
     /// One more than there are LFs.
     std::size_t lineCount() const { return std::size_t(sums().lineFeeds) + 1; }
 

@@ -1,5 +1,7 @@
 #include "RopeFlattener.h"
 
+#include "LargeArray.h"
+
 #include <algorithm>
 
 SourceText RopeFlattener::flattened(const Rope& rope) {
@@ -17,10 +19,20 @@ SourceText RopeFlattener::flattened(const Rope& rope) {
         buffer = buffer == m_buffers.end() ? m_buffers.begin() : buffer;
         buffer->units.reset();
         buffer->capacity = size + size / 16;
-        buffer->units = std::make_shared_for_overwrite<char16_t[]>(buffer->capacity);
+        buffer->units = makeLargeArray<char16_t>(buffer->capacity);
     }
     rope.copyTo(rope.fullRange(), buffer->units.get());
     return {buffer->units, size};
+}
+
+RopeFlattener RopeFlattener::takeFree() {
+    RopeFlattener taken;
+    for (std::size_t i = 0; i < m_buffers.size(); ++i) {
+        if (isFree(m_buffers[i])) {
+            std::swap(m_buffers[i], taken.m_buffers[i]);
+        }
+    }
+    return taken;
 }
 
 bool RopeFlattener::isFree(const Buffer& buffer) {

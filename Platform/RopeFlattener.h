@@ -14,6 +14,12 @@ public:
     /// The units of `rope`, not copied when they already stand in one array.
     SourceText flattened(const Rope& rope);
 
+    /// Keeps no array any more; the texts keep theirs.
+    void forget() { m_buffers = {}; }
+
+    /// Has another flattener take over the arrays that no text is in.
+    RopeFlattener takeFree();
+
 private:
     struct Buffer {
         std::shared_ptr<char16_t[]> units;

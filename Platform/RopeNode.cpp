@@ -189,6 +189,26 @@ Parts RopeNode::joined(const Part& first, int firstHeight, const Part& second, i
     return packed(std::move(children), height);
 }
 
+// Recurses on the height, which is logarithmic.
+std::shared_ptr<const RopeNode> RopeNode::moved(const RopeNode& node, const SourceText& to, Offset at) {
+    auto copy = std::make_shared<RopeNode>();
+    copy->sums = node.sums;
+    copy->height = node.height;
+    copy->count = node.count;
+    for (std::size_t index = 0; index < node.count; ++index) {
+        const Part& part = node.storage[index];
+        Part& own = copy->storage[index];
+        own.sums = part.sums;
+        if (node.height == 1) {
+            own.content = {to.storage(), to.units().data() + at};
+        } else {
+            own.content = moved(part.node(), to, at);
+        }
+        at += part.sums.units;
+    }
+    return copy;
+}
+
 std::shared_ptr<const RopeNode> RopeNode::root(Parts parts, int height) {
     while (parts.size() > 1 || (height == 0 && !parts.empty())) {
         parts = packed(std::move(parts), ++height);

@@ -55,6 +55,9 @@ struct RopeNode {
     /// The parts, of the greater of the two heights, that hold `first` and then `second`.
     static Parts joined(const Part& first, int firstHeight, const Part& second, int secondHeight);
 
+    /// A copy of `node` whose units are those of `to` from `at` on.
+    static std::shared_ptr<const RopeNode> moved(const RopeNode& node, const SourceText& to, Offset at);
+
     /// The root of a tree over `parts` of the given height; null for none.
     static std::shared_ptr<const RopeNode> root(Parts parts, int height);
 };

@@ -64,6 +64,13 @@ void TextLayout::setText(const Rope& text) {
     m_widest = 0;
 }
 
+void TextLayout::moveTo(const Rope& same) {
+    m_text = same;
+    for (const auto& line : m_longLines) {
+        line->segments.moveTo(m_text.part(SourceRange::at(line->start, line->segments.line().size())));
+    }
+}
+
 void TextLayout::edit(const Rope& text, SourceRange edited, std::int64_t changeInLength) {
     const Offset longestBefore = m_text.longestLine();
     const auto oldUpper = static_cast<Offset>(edited.upper - changeInLength);

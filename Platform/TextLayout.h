@@ -47,6 +47,9 @@ public:
 
     const Rope& text() const { return m_text; }
 
+    /// The same text, stored elsewhere.
+    void moveTo(const Rope& same);
+
     /// Another text, without attributes.
     void setText(const Rope& text);
 

@@ -1,5 +1,7 @@
 #include "TextStorage.h"
 
+#include <QScopedValueRollback>
+
 #include <utility>
 
 TextStorage::TextStorage(Rope text, QObject* parent) : QObject(parent), m_text(std::move(text)) {}
@@ -12,6 +14,13 @@ void TextStorage::replaceCharacters(SourceRange range, const Rope& units) {
     take(m_text.replaced(range, units), range, units.size());
 }
 
+Rope TextStorage::moveTo(Rope same) {
+    precondition(same.size() == m_text.size(), "a text moves as it is");
+    std::swap(m_text, same);
+    Q_EMIT textMoved();
+    return same;
+}
+
 void TextStorage::take(Rope text, SourceRange replaced, Offset length) {
     precondition(!m_isNotifying, "a notice of an edit is not answered with another edit");
     if (replaced.isEmpty() && length == 0) {
@@ -20,9 +29,11 @@ void TextStorage::take(Rope text, SourceRange replaced, Offset length) {
     beginEditing();
     m_text = std::move(text);
     m_hasChanged = true;
-    m_isNotifying = true;
-    Q_EMIT editProcessed(SourceRange::at(replaced.lower, length), std::int64_t(length) - replaced.length());
-    m_isNotifying = false;
+    {
+        const QScopedValueRollback notifying(m_isNotifying, true);
+        Q_EMIT editProcessed(SourceRange::at(replaced.lower, length),
+                             std::int64_t(length) - replaced.length());
+    }
     endEditing();
 }
 

@@ -25,6 +25,10 @@ public:
     void replaceCharacters(SourceRange range, std::u16string_view units);
     void replaceCharacters(SourceRange range, const Rope& units);
 
+    /// Stores the text elsewhere: `same` has the same units. Nothing else about it changes. Returns the text as
+    /// it was stored, whose memory may be freed on another thread.
+    Rope moveTo(Rope same);
+
     /// Replacements between the two are one batch: each is told of as it happens, the end of the batch once,
     /// if there was any. Nest; a replacement outside is a batch of its own.
     void beginEditing() { ++m_depth; }
@@ -34,6 +38,9 @@ Q_SIGNALS:
     /// Characters were replaced: they now are those of `editedRange`, in a text that is longer by
     /// `changeInLength`. The range had `editedRange.length() - changeInLength` units before.
     void editProcessed(SourceRange editedRange, std::int64_t changeInLength);
+
+    /// The text is stored elsewhere, and whoever holds on to a version holds on to the old memory.
+    void textMoved();
 
     /// The outermost batch is over, and the text whole again.
     void editingEnded();

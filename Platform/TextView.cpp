@@ -72,6 +72,8 @@ void TextView::setHistory(TextHistory* history) {
         const TextStorage* storage = &history->storage();
         connect(storage, &TextStorage::editProcessed, this, &TextView::followEdit);
         connect(storage, &TextStorage::editingEnded, this, &TextView::finishBatch);
+        connect(storage, &TextStorage::textMoved, this,
+                [this, storage] { m_layout.moveTo(storage->text()); });
         history->setSelectionKeeper({[this] { return m_selection; },
                                      [this](TextSelection selection) { restoreSelection(selection); }});
     }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <optional>
 #include <string>
 
 namespace {
@@ -57,6 +59,19 @@ TEST(RopeFlattener, GivesALargeArrayUpForASmallText) {
     flattener.flattened(edited(u"x"));
     flattener.flattened(edited(u"x"));
     EXPECT_TRUE(large.expired());
+}
+
+TEST(RopeFlattener, GivesAwayOnlyArraysThatNoTextIsIn) {
+    RopeFlattener flattener;
+    std::optional<SourceText> unused = flattener.flattened(edited(u"a"));
+    const SourceText used = flattener.flattened(edited(u"b"));
+    const std::weak_ptr<const char16_t[]> first = unused->storage();
+    const std::weak_ptr<const char16_t[]> second = used.storage();
+    unused.reset();
+    flattener.takeFree();
+    EXPECT_TRUE(first.expired());
+    EXPECT_FALSE(second.expired());
+    EXPECT_EQ(used.units()[5000], u'b');
 }
 
 } // namespace

@@ -316,6 +316,31 @@ TEST(Rope, AnswersAsAPlainStringDoes) {
     }
 }
 
+TEST(Rope, MovesToAnotherArray) {
+    for (const std::size_t size : {0, 1, 2048, 2049, 100'000, 3'000'000}) {
+        SCOPED_TRACE(testing::Message() << size << " units");
+        std::u16string text(size, u'x');
+        for (std::size_t at = 7; at < size; at += 1000) {
+            text[at] = at % 3 == 0 ? u'\n' : u'é';
+        }
+        // Pieces of two arrays, one of which nothing holds afterwards.
+        auto first = std::make_shared<char16_t[]>(size + 1);
+        const std::weak_ptr<char16_t[]> old = first;
+        std::ranges::copy(text, first.get());
+        const SourceText to(text);
+        Rope moved;
+        {
+            Rope rope(SourceText(std::move(first), size));
+            rope = rope.replaced(SourceRange::empty(rope.size() / 2), u"y");
+            rope = rope.replaced(SourceRange::at(rope.size() / 2, 1), u"");
+            moved = rope.movedTo(to);
+        }
+        expectHolds(moved, text);
+        EXPECT_TRUE(old.expired());
+        EXPECT_EQ(moved.contiguous().units().data(), size > 0 ? to.units().data() : nullptr);
+    }
+}
+
 TEST(RopeDeathTest, StopsOutsideTheText) {
     const Rope rope(u"a\nb");
     EXPECT_DEATH(rope.unit(3), "inside the text");

@@ -71,4 +71,18 @@ TEST(TextStorageDeathTest, StopsOnMisuse) {
     EXPECT_DEATH(storage.replaceCharacters({0, 0}, u"x"), "not answered");
 }
 
+TEST(TextStorage, MovesWithoutAChange) {
+    const SourceText other(u"abcdef");
+    TextStorage storage(Rope(u"abcdef").replaced({3, 3}, u""));
+    const Listener listener(storage);
+    int moves = 0;
+    QObject::connect(&storage, &TextStorage::textMoved, &storage, [&] { ++moves; });
+    const Rope before = storage.moveTo(storage.text().movedTo(other));
+    EXPECT_EQ(before, Rope(u"abcdef"));
+    EXPECT_EQ(storage.text(), before);
+    EXPECT_EQ(storage.text().contiguous().units().data(), other.units().data());
+    EXPECT_EQ(moves, 1);
+    EXPECT_EQ(listener.heard(), Heard());
+}
+
 } // namespace

@@ -25,6 +25,20 @@ TEST(TextView, TypesOverTheSelection) {
     EXPECT_EQ(desk.shown(), u"x| dos");
 }
 
+TEST(TextView, FollowsTheTextToWhereItIsStored) {
+    TextDesk desk(u"");
+    auto units = std::make_shared<char16_t[]>(10'000, u'x');
+    const std::weak_ptr<char16_t[]> old = units;
+    desk.storage.replaceCharacters({}, Rope(SourceText(std::move(units), 10'000)));
+    desk.view.select(SourceRange{5000, 5001});
+    const double x = desk.view.caretRect().x();
+    desk.storage.moveTo(desk.storage.text().movedTo(SourceText(desk.text())));
+    EXPECT_TRUE(old.expired());
+    EXPECT_EQ(desk.view.caretRect().x(), x);
+    desk.type("y");
+    EXPECT_EQ(desk.text(), std::u16string(5000, u'x') + u"y" + std::u16string(4999, u'x'));
+}
+
 TEST(TextView, EndsNewLinesAsTheDocumentDoes) {
     TextDesk desk(u"a\r\nb");
     desk.press(Qt::Key_Return);
