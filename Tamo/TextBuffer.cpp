@@ -1,6 +1,7 @@
 #include "TextBuffer.h"
 
 #include <QThread>
+#include <QThreadPool>
 
 #include <utility>
 
@@ -15,7 +16,12 @@ SourceText TextBuffer::sourceText() const {
     requireThread();
     if (m_sourceTextGeneration != m_generation) {
         m_sourceText = {};
-        m_sourceText = m_flattener.flattened(text());
+        const SourceText flat = m_flattener.flattened(text());
+        if (text().contiguous().count() != text().size()) {
+            QThreadPool::globalInstance()->start(
+                [old = std::make_shared<Rope>(move(text().movedTo(flat)))] { *old = {}; });
+        }
+        m_sourceText = flat;
         m_sourceTextGeneration = m_generation;
     }
     return m_sourceText;
@@ -23,6 +29,14 @@ SourceText TextBuffer::sourceText() const {
 
 void TextBuffer::apply(std::span<const TextEdit> edits, const QString& actionName) {
     m_history.apply(edits, actionName);
+}
+
+Rope TextBuffer::move(const Rope& same) const {
+    requireThread();
+    m_sourceText = {};
+    m_sourceTextGeneration = -1;
+    m_mirror->setText(same);
+    return m_storage.moveTo(same);
 }
 
 void TextBuffer::requireThread() const {

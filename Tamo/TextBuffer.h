@@ -28,8 +28,8 @@ public:
     /// How the text is edited: what a view types into it goes this way, past nobody.
     TextHistory& history() { return m_history; }
 
-    /// The text in one array, for aids that look at all of it while a key is down; put together at most once
-    /// a generation.
+    /// The text in one array, for aids that look at all of it while a key is down. Put together at most once
+    /// a generation; from then on the text is stored there.
     SourceText sourceText() const;
 
     /// Grows by exactly 1 with every replacement of characters, also those of one batch, an undo or a redo.
@@ -55,6 +55,9 @@ public:
         m_history.replace(range, units, actionName, after);
     }
 
+    /// Stores the text elsewhere: `same` has the same units. No change. Returns the text as it was stored.
+    Rope moveTo(const Rope& same) { return move(same); }
+
     /// What the view of the text has selected.
     TextSelection selection() const { return m_history.selection(); }
 
@@ -66,7 +69,9 @@ private:
     void countEdit();
     void finishBatch();
 
-    TextStorage m_storage;
+    Rope move(const Rope& same) const;
+
+    mutable TextStorage m_storage; ///< Where the text is stored is no part of what the buffer is.
     TextHistory m_history;
     std::shared_ptr<TextMirror> m_mirror;
     std::function<void()> m_onChange;

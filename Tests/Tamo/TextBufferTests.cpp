@@ -149,6 +149,21 @@ TEST(TextBuffer, PutsItsTextTogetherOnceAGeneration) {
     EXPECT_EQ(first.count(), 5001);
 }
 
+TEST(TextBuffer, StoresTheTextWhereItPutItTogether) {
+    Document document(std::u16string(5000, u'x'));
+    document.buffer.type({5, 5}, u"y");
+    const SourceText together = document.buffer.sourceText();
+    for (const Rope& text : {document.buffer.text(), document.mirror->text()}) {
+        EXPECT_EQ(text.contiguous().units().data(), together.units().data());
+    }
+    const std::int64_t generation = document.buffer.generation();
+    const SourceText elsewhere(together.units());
+    EXPECT_EQ(document.buffer.moveTo(document.buffer.text().movedTo(elsewhere)), Rope(together));
+    EXPECT_EQ(document.buffer.sourceText().units().data(), elsewhere.units().data());
+    EXPECT_EQ(document.buffer.generation(), generation);
+    EXPECT_TRUE(document.undo.canUndo());
+}
+
 /// Edits that do not overlap: insertions, several at one offset, and ranges that touch each other.
 std::vector<TextEdit> randomEdits(std::mt19937& engine, Offset size) {
     const auto upTo = [&](std::size_t most) {
