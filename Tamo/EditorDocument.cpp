@@ -62,6 +62,7 @@ EditorDocument::EditorDocument(std::unique_ptr<XMLFileDocument> file)
     : m_file(std::move(file)), m_doubt(m_file->doubt()),
       m_session(std::make_unique<EditorSession>(m_file->buffer(), encodingName(*m_file))) {
     m_file->buffer().setUndoManager(&m_undoManager);
+    m_file->forgetInitialText();
 }
 
 EditorDocument::~EditorDocument() {
@@ -147,6 +148,7 @@ void EditorDocument::keepEncoding() {
 
 void EditorDocument::takeForm(const FileForm& form) {
     m_file->setForm(form);
+    m_file->forgetInitialText();
     m_session->setEncodingName(encodingName(*m_file));
     emit recoveryFactsChanged();
 }

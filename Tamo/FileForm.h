@@ -20,7 +20,8 @@ struct FileForm {
     EncodingChoice choice;
     bool isChosen = false; ///< By the user, whatever the file declares: it is read so again.
 
-    SourceText readText; ///< As the file had it; empty for a new document.
+    /// As the file had it; empty for a new document, and from `forgetReadText` on.
+    SourceText readText;
     /// What was read, where encoding `readText` gives other bytes: some encodings spell one character in
     /// several ways. Empty otherwise.
     FileContents readBytes;
@@ -34,6 +35,13 @@ struct FileForm {
 
     /// The same bytes in memory.
     std::expected<std::string, DocumentError> encode(const Rope& snapshot) const;
+
+    /// Lets go of `readText`, which takes as much memory as the document, unless `readBytes` need it.
+    void forgetReadText() {
+        if (readBytes.bytes().empty()) {
+            readText = {};
+        }
+    }
 
     /// Whether encoding `readText` gives `bytes` again. False after a request to stop.
     bool givesBack(Bytes bytes, const std::stop_token& stop = {}) const;

@@ -62,7 +62,9 @@ public:
     /// The byte-order mark in front of the text; empty when the file had none.
     Bytes bom() const { return m_form.choice.bom(); }
 
+    /// The text as it was read; empty from `forgetInitialText` on, where nothing else needs it.
     const SourceText& initialText() const { return m_form.readText; }
+    void forgetInitialText() { m_form.forgetReadText(); }
 
     /// What is doubtful about how the file was read; nothing where all is well.
     const std::optional<EncodingDoubt>& doubt() const { return m_doubt; }
