@@ -1,13 +1,17 @@
 #include "TextReplacement.h"
 
+#include "LargeArray.h"
+
+#include <algorithm>
 #include <string>
 
 namespace {
 
 /// Shorter stretches between two matches are copied.
 constexpr Offset longestCopy = 4096;
-/// Units put together before they become part of a rope.
-constexpr std::size_t fullBuffer = 1024 * 1024;
+/// Units put together before they become part of a rope, in an array of their own: the memory of large arrays
+/// goes back to the system at once.
+constexpr std::size_t fullBuffer = 2 * 1024 * 1024;
 
 /// Puts the new text together, from its start to its end.
 class Builder {
@@ -16,7 +20,7 @@ public:
     void append(const Rope& text, SourceRange range) {
         if (range.length() > longestCopy) {
             flush();
-            m_text = m_text.replaced(SourceRange::empty(m_text.size()), text.part(range));
+            m_text = m_text.joined(text.part(range));
         } else {
             const std::size_t size = m_buffer.size();
             m_buffer.resize(size + range.length());
@@ -42,7 +46,9 @@ public:
 
 private:
     void flush() {
-        m_text = m_text.replaced(SourceRange::empty(m_text.size()), m_buffer);
+        const auto units = makeLargeArray<char16_t>(m_buffer.size());
+        std::ranges::copy(m_buffer, units.get());
+        m_text = m_text.joined(Rope(SourceText(units, m_buffer.size())));
         m_buffer.clear();
     }
 
