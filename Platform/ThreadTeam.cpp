@@ -1,7 +1,12 @@
 #include "ThreadTeam.h"
 
+#include <QThread>
+#include <QThreadPool>
+
 #include <algorithm>
 #include <exception>
+#include <latch>
+#include <memory>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -35,6 +40,19 @@ void runInParallel(unsigned count, const std::function<void(unsigned)>& work) {
     const auto failure = std::ranges::find_if(failures, [](const auto& each) { return each != nullptr; });
     if (failure != failures.end()) {
         std::rethrow_exception(*failure);
+    }
+}
+
+void startSharedPool() {
+    constexpr int fewest = 2;
+    constexpr int most = 8;
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(std::clamp(QThread::idealThreadCount(), fewest, most));
+    pool->setExpiryTimeout(-1);
+    // A thread that waits for the others takes no second step.
+    const auto started = std::make_shared<std::latch>(pool->maxThreadCount());
+    for (int i = 0; i < pool->maxThreadCount(); ++i) {
+        pool->start([started] { started->arrive_and_wait(); });
     }
 }
 

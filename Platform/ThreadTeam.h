@@ -10,5 +10,9 @@
 /// For pieces of one work that the caller waits for anyway; the shared pool may be full of such callers.
 void runInParallel(unsigned count, const std::function<void(unsigned)>& work);
 
+/// Starts all threads of the shared pool and keeps them: later there may be no memory for one, and what it was
+/// to run would be lost.
+void startSharedPool();
+
 /// How many calls run at the same time here, at most as many as `useful`.
 unsigned parallelism(std::size_t useful);

@@ -1,5 +1,9 @@
 #include "ThreadTeam.h"
 
+#include "MemoryLimit.h"
+
+#include <QThreadPool>
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -48,4 +52,22 @@ TEST(ThreadTeam, KnowsHowManyCallsAreUseful) {
     EXPECT_EQ(parallelism(1), 1U);
     EXPECT_GE(parallelism(1000), 1U);
     EXPECT_LE(parallelism(2), 2U);
+}
+
+TEST(ThreadTeam, HasAllThreadsOfTheSharedPoolBeforeMemoryIsShort) {
+    startSharedPool();
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->waitForDone();
+    const MemoryLimit limit(0);
+    std::atomic<int> arrived = 0;
+    for (int i = 0; i < pool->maxThreadCount(); ++i) {
+        pool->start([&arrived, all = pool->maxThreadCount()] {
+            ++arrived;
+            while (arrived < all) {
+                std::this_thread::yield();
+            }
+        });
+    }
+    pool->waitForDone();
+    EXPECT_EQ(arrived, pool->maxThreadCount());
 }
