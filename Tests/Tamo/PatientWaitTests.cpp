@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <new>
 #include <thread>
 
 namespace {
@@ -38,6 +39,11 @@ TEST(PatientWait, TellsOnceAndHereThatTheWorkIsSlow) {
     EXPECT_TRUE(isDone);
     EXPECT_EQ(slow, 1);
     EXPECT_EQ(teller, std::this_thread::get_id());
+}
+
+TEST(PatientWait, ThrowsHereWhatTheWorkThrows) {
+    const auto work = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(runPatiently(work, 60s, [] {}), std::bad_alloc);
 }
 
 } // namespace
