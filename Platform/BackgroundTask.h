@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <stop_token>
 #include <utility>
@@ -18,6 +19,7 @@ class BackgroundTask {
 public:
     using Work = std::function<Value(std::stop_token)>;
     using Delivery = std::function<void(Value)>;
+    using LackOfMemory = std::function<void()>;
 
     BackgroundTask() = default;
     BackgroundTask(const BackgroundTask&) = delete;
@@ -26,14 +28,19 @@ public:
 
     bool isRunning() const { return m_current != nullptr; }
 
-    /// Runs `work` on a worker, then `deliver` on this thread.
-    void start(Work work, Delivery deliver) {
+    /// Runs `work` on a worker, then `deliver` on this thread; `lackMemory` in its place where the memory was
+    /// too short for the work.
+    void start(Work work, Delivery deliver, LackOfMemory lackMemory) {
         cancel();
-        m_current = std::make_shared<Run>(std::move(work), std::move(deliver));
+        m_current = std::make_shared<Run>(std::move(work), std::move(deliver), std::move(lackMemory));
         // The answer goes through the application, which outlives every worker; the task may be gone then.
         QThreadPool::globalInstance()->start(
             [run = m_current, current = &m_current, application = QCoreApplication::instance()] {
-                run->result = run->work(run->stop.get_token());
+                try {
+                    run->result = run->work(run->stop.get_token());
+                } catch (const std::bad_alloc&) {
+                    // There is no result.
+                }
                 QMetaObject::invokeMethod(
                     application, [run, current] { finish(run, current); }, Qt::QueuedConnection);
             });
@@ -43,6 +50,7 @@ public:
         if (m_current != nullptr) {
             m_current->stop.request_stop();
             m_current->deliver = nullptr;
+            m_current->lackMemory = nullptr;
             m_current.reset();
         }
     }
@@ -50,7 +58,9 @@ public:
 private:
     struct Run {
         Work work;
-        Delivery deliver; ///< The main thread's; none once cancelled.
+        // The main thread's; none once cancelled.
+        Delivery deliver;
+        LackOfMemory lackMemory;
         std::stop_source stop = {};
         std::optional<Value> result = {};
     };
@@ -63,7 +73,11 @@ private:
         }
         current->reset();
         // May start the task again or end it.
-        run->deliver(std::move(*run->result));
+        if (run->result) {
+            run->deliver(std::move(*run->result));
+        } else {
+            run->lackMemory();
+        }
     }
 
     std::shared_ptr<Run> m_current;

@@ -156,7 +156,8 @@ void DocumentController::openFile(const QString& path) {
     opening.path = absolute;
     opening.task.start([absolute, &type = *m_type](
                            std::stop_token stop) { return DocumentReading::of(type, absolute, stop); },
-                       [this, &opening](DocumentReading reading) { finish(opening, std::move(reading)); });
+                       [this, &opening](DocumentReading reading) { finish(opening, std::move(reading)); },
+                       [this, &opening] { finish(opening, DocumentReading::withoutMemory(opening.path)); });
     // Made while the file is being read.
     opening.window = makeWindow();
     opening.patience.setSingleShot(true);

@@ -1,5 +1,13 @@
 #include "DocumentReading.h"
 
+#include "MemoryShortage.h"
+#include "ShownName.h"
+
+DocumentReading DocumentReading::withoutMemory(const QString& path) {
+    return {std::unexpected(memoryShortage(QStringLiteral("abrir “%1”").arg(shownFileName(path)))),
+            std::nullopt};
+}
+
 DocumentReading DocumentReading::of(const DocumentType& type, const QString& path,
                                     const std::stop_token& stop) {
     // First what the disk knows of the file.

@@ -4,6 +4,7 @@
 #include "FieldUndo.h"
 #include "FileDialog.h"
 #include "FilePath.h"
+#include "MemoryShortage.h"
 #include "MenuText.h"
 #include "NoticeBar.h"
 #include "ShownName.h"
@@ -318,7 +319,12 @@ void DocumentWindow::write(const QString& path, Conflict conflict) {
     };
     m_saving.start(
         [save](std::stop_token) { return save.run(); },
-        [this, path, conflict](const FileSave::Result& result) { finishSaving(path, conflict, result); });
+        [this, path, conflict](const FileSave::Result& result) { finishSaving(path, conflict, result); },
+        [this, path, conflict] {
+            const QString why = memoryShortage(QStringLiteral("guardar “%1”").arg(shownFileName(path)));
+            finishSaving(path, conflict,
+                         {.outcome = FileSave::Outcome::failed, .failure = WriteFailure(why)});
+        });
     emit savingStarted();
     m_patience.disconnect();
     connect(&m_patience, &QTimer::timeout, this, [this, path, conflict] { showSaving(path, conflict); });
@@ -490,7 +496,8 @@ void DocumentWindow::revert() {
             } else {
                 say(reading.contents.error());
             }
-        });
+        },
+        [this] { say(DocumentReading::withoutMemory(m_path).contents.error()); });
 }
 
 void DocumentWindow::takeOver(DocumentReading reading, const QString& actionName) {

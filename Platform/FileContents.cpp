@@ -43,6 +43,6 @@ std::expected<FileContents, FileFailure> FileContents::read(const QString& path,
     try {
         return readAll(*file, stop);
     } catch (const std::bad_alloc&) {
-        return std::unexpected(FileFailure::tooLarge);
+        return std::unexpected(FileFailure::noMemory);
     }
 }

@@ -20,8 +20,9 @@ FileFailure fileFailure(int error) {
         return FileFailure::noSpace;
     case EFBIG:
     case EOVERFLOW:
-    case ENOMEM:
         return FileFailure::tooLarge;
+    case ENOMEM:
+        return FileFailure::noMemory;
     default:
         return FileFailure::other;
     }

@@ -9,7 +9,8 @@ enum class FileFailure : std::uint8_t {
     notRegular,   ///< It is a device, a pipe or a socket.
     noPermission, ///< The user may not, or nobody may.
     noSpace,      ///< The disk, or the user's share of it, is full.
-    tooLarge,     ///< The file does not fit the memory or the disk.
+    tooLarge,     ///< The file does not fit the disk, or is larger than files may be.
+    noMemory,     ///< The file does not fit the memory that is left.
     stopped,      ///< It was asked to stop, and did.
     halfWritten,  ///< Writing into the file failed, as did putting back what it had: a copy beside it has
                   ///< that.

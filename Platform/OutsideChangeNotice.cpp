@@ -83,6 +83,9 @@ void OutsideChangeNotice::learnContent() {
                 m_seen = found;
                 m_watcher.follow(m_window.path(), found);
             }
+        },
+        [] {
+            // Without the hash, touching the file counts as a change.
         });
 }
 
@@ -129,7 +132,8 @@ void OutsideChangeNotice::reload(bool isWanted) {
          mark = m_window.document()->undoManager().coalescingMark()](DocumentReading reading) {
             const bool isSame = m_window.document()->undoManager().coalescingMark() == mark;
             finishReloading(std::move(reading), isWanted || isSame);
-        });
+        },
+        [this, isWanted] { finishReloading(DocumentReading::withoutMemory(m_window.path()), isWanted); });
 }
 
 void OutsideChangeNotice::finishReloading(DocumentReading reading, bool isWanted) {

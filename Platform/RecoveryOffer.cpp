@@ -2,12 +2,15 @@
 
 #include "DocumentController.h"
 #include "GroupedNumber.h"
+#include "MemoryShortage.h"
 #include "RecoveryDialog.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 
 namespace {
 
@@ -32,7 +35,8 @@ RecoveryOffer::~RecoveryOffer() { delete m_dialog; }
 void RecoveryOffer::start() {
     // Workers hold the store: nobody waits for them when the program ends.
     m_search.start([store = m_store](std::stop_token) { return store->recoverable(); },
-                   [this](const Recoverables& found) { show(found); });
+                   [this](const Recoverables& found) { show(found); },
+                   [this] { tellShortage(QStringLiteral("buscar textos sin guardar")); });
 }
 
 RecoveryDialog* RecoveryOffer::dialog() const { return m_dialog; }
@@ -72,22 +76,28 @@ void RecoveryOffer::recover(const QStringList& ids) {
         [store = m_store, ids](std::stop_token) {
             Texts texts;
             for (const QString& id : ids) {
-                texts.emplace_back(id, store->take(id));
+                texts.push_back(taken(*store, id));
             }
             return texts;
         },
-        [this](const Texts& texts) { open(texts); });
+        [this](const Texts& texts) { open(texts); },
+        [this] { tellShortage(QStringLiteral("recuperar los textos sin guardar")); });
+}
+
+RecoveryOffer::Recovery RecoveryOffer::taken(RecoveryStore& from, const QString& id) {
+    try {
+        return {id, from.take(id)};
+    } catch (const std::bad_alloc&) {
+        return {.id = id, .text = std::nullopt, .lacksMemory = true};
+    }
 }
 
 void RecoveryOffer::open(const Texts& texts) {
     const auto before = m_controller.windows();
-    std::uint64_t lost = 0;
     // The latest comes to the front.
-    for (auto text = texts.rbegin(); text != texts.rend(); ++text) {
-        if (text->second) {
-            m_controller.openRecovered(*text->second, text->first);
-        } else {
-            ++lost;
+    for (auto recovery = texts.rbegin(); recovery != texts.rend(); ++recovery) {
+        if (recovery->text) {
+            m_controller.openRecovered(*recovery->text, recovery->id);
         }
     }
     if (m_controller.windows().size() > before.size()) {
@@ -97,11 +107,27 @@ void RecoveryOffer::open(const Texts& texts) {
             }
         }
     }
-    if (lost > 0) {
-        tell(lost == 1 ? QStringLiteral("Uno de los textos ya no se puede leer.")
-                       : QStringLiteral("%1 de los textos ya no se pueden leer.").arg(groupedNumber(lost)),
-             QStringLiteral("Lo que queda está en la carpeta “%1”.").arg(m_store->folder()), window());
+    const auto lacking = static_cast<std::size_t>(std::ranges::count_if(texts, &Recovery::lacksMemory));
+    const auto found = static_cast<std::size_t>(
+        std::ranges::count_if(texts, [](const Recovery& each) { return each.text.has_value(); }));
+    if (const std::size_t lost = texts.size() - lacking - found; lost > 0) {
+        tellLost(lost);
     }
+    if (lacking > 0) {
+        tellShortage(lacking == 1 ? QStringLiteral("recuperar uno de los textos")
+                                  : QStringLiteral("recuperar %1 de los textos").arg(groupedNumber(lacking)));
+    }
+}
+
+void RecoveryOffer::tellLost(std::size_t count) {
+    tell(count == 1 ? QStringLiteral("Uno de los textos ya no se puede leer.")
+                    : QStringLiteral("%1 de los textos ya no se pueden leer.").arg(groupedNumber(count)),
+         QStringLiteral("Lo que queda está en la carpeta “%1”.").arg(m_store->folder()), window());
+}
+
+void RecoveryOffer::tellShortage(const QString& forWhat) {
+    tell(memoryShortage(forWhat),
+         QStringLiteral("Siguen guardados, y se ofrecerán otra vez cuando se inicie el programa."), window());
 }
 
 void RecoveryOffer::discard(const QStringList& ids) const {

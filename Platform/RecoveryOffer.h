@@ -35,11 +35,19 @@ public:
     bool isUnderWay() const;
 
 private:
-    using Texts = std::vector<std::pair<QString, std::optional<RecoveredText>>>;
+    struct Recovery {
+        QString id;
+        std::optional<RecoveredText> text;
+        bool lacksMemory = false; ///< The text is still kept.
+    };
+    using Texts = std::vector<Recovery>;
 
     void show(const Recoverables& found);
     void recover(const QStringList& ids);
+    static Recovery taken(RecoveryStore& from, const QString& id);
     void open(const Texts& texts);
+    void tellLost(std::size_t count);
+    void tellShortage(const QString& forWhat);
     void discard(const QStringList& ids) const;
     QWidget* window() const;
 

@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QFileInfo>
 
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -50,6 +51,9 @@ Result readThisVersion(Bytes log) {
 
 std::expected<RecoveredText, RecoveryReader::Failure> RecoveryReader::read(const QString& path) {
     const auto contents = FileContents::read(path);
+    if (!contents && contents.error() == FileFailure::noMemory) {
+        throw std::bad_alloc();
+    }
     if (!contents) {
         return failure(Kind::unreadable, contents.error());
     }

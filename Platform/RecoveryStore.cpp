@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <new>
 #include <utility>
 
 namespace {
@@ -23,6 +24,8 @@ QString reason(FileFailure failure) {
         return QStringLiteral("no queda espacio en el disco");
     case FileFailure::tooLarge:
         return QStringLiteral("el texto es demasiado grande");
+    case FileFailure::noMemory:
+        return QStringLiteral("no hay memoria suficiente");
     case FileFailure::missing:
     case FileFailure::folder:
     case FileFailure::notRegular:
@@ -180,8 +183,15 @@ std::optional<RecoveredText> RecoveryStore::take(const QString& id) {
         found->second.isTaken = true;
         log = found->second.log;
     }
-    Recoverables left;
-    return readable(log, left);
+    try {
+        Recoverables left;
+        return readable(log, left);
+    } catch (const std::bad_alloc&) {
+        // It is still there for another try.
+        const std::lock_guard guard(m_mutex);
+        m_found.at(id).isTaken = false;
+        throw;
+    }
 }
 
 void RecoveryStore::discard(const QString& id) {

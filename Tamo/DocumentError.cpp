@@ -40,6 +40,8 @@ QString reason(FileFailure failure, Action action) {
         return QStringLiteral("no queda espacio en el disco");
     case FileFailure::tooLarge:
         return QStringLiteral("el archivo es demasiado grande");
+    case FileFailure::noMemory:
+        return QStringLiteral("no hay memoria suficiente");
     case FileFailure::halfWritten:
         return QStringLiteral(
             "falló la escritura en el disco, y el archivo ha quedado a medias. Lo que había está "

@@ -6,6 +6,7 @@
 #include "EncodingConflictQuestion.h"
 #include "InputFile.h"
 #include "LineEndings.h"
+#include "MemoryShortage.h"
 #include "NoticeBar.h"
 #include "ReopenEncodingDialog.h"
 #include "SaveEncodingDialog.h"
@@ -114,7 +115,8 @@ void EncodingCommands::reopen() {
         return;
     }
     m_starting.start([path = m_window.path()](std::stop_token) { return readStart(path); },
-                     [this](FileStart start) { askForReading(std::move(start)); });
+                     [this](FileStart start) { askForReading(std::move(start)); },
+                     [this] { tellUnreadable(); });
 }
 
 void EncodingCommands::askForReading(FileStart start) {
@@ -141,7 +143,11 @@ void EncodingCommands::readAgain(const StringEncoding& encoding) {
             }
             return reading;
         },
-        [this](DocumentReading reading) { finishReading(std::move(reading)); });
+        [this](DocumentReading reading) { finishReading(std::move(reading)); },
+        [this] {
+            hideProgress();
+            tellUnreadable();
+        });
 }
 
 void EncodingCommands::finishReading(DocumentReading reading) {
@@ -154,6 +160,10 @@ void EncodingCommands::finishReading(DocumentReading reading) {
     } else {
         m_window.say(reading.contents.error());
     }
+}
+
+void EncodingCommands::tellUnreadable() {
+    m_window.say(DocumentReading::withoutMemory(m_window.path()).contents.error());
 }
 
 void EncodingCommands::hideDoubt() {
@@ -208,6 +218,10 @@ void EncodingCommands::check(const Plan& plan) {
         },
         [this, plan, generation = m_document.file().buffer().generation()](Check check) {
             finishCheck(plan, generation, std::move(check));
+        },
+        [this] {
+            hideProgress();
+            m_window.say(memoryShortage(QStringLiteral("guardar “%1”").arg(m_window.documentName())));
         });
 }
 

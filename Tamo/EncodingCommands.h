@@ -61,6 +61,7 @@ private:
     void askForReading(FileStart start);
     void readAgain(const StringEncoding& encoding);
     void finishReading(DocumentReading reading);
+    void tellUnreadable();
     void check(const Plan& plan);
     void finishCheck(const Plan& plan, std::int64_t generation, Check check);
     void tellUnencodable(const Plan& plan, const UnencodableText& text);

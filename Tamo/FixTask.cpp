@@ -49,7 +49,12 @@ void FixTask::plan() {
             outcome.generation = generation;
             return outcome;
         },
-        [this](const Outcome& outcome) { deliver(outcome); });
+        [this](const Outcome& outcome) { deliver(outcome); }, [this] { giveUp(); });
+}
+
+void FixTask::giveUp() {
+    emit isRunningChanged();
+    emit lackedMemory();
 }
 
 FixTask::Outcome FixTask::planned(const Rope& text, TextSelection selection, const std::stop_token& stop) {

@@ -30,6 +30,8 @@ signals:
     /// The text has been mended as far as that is possible. It has `left` problems now, and no fix or repair
     /// is known for any of them unless `mayMendMore`.
     void finished(std::size_t left, bool mayMendMore);
+    /// The memory was too short to mend the text, which stays as it is.
+    void lackedMemory();
 
 private:
     /// What many edits do together.
@@ -48,6 +50,7 @@ private:
     static Outcome planned(const Rope& text, TextSelection selection, const std::stop_token& stop);
     void plan();
     void deliver(const Outcome& outcome);
+    void giveUp();
     void apply(const Outcome& outcome);
 
     TextBuffer& m_buffer;

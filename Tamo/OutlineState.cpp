@@ -76,6 +76,17 @@ OutlineContents OutlineState::take(std::shared_ptr<const ParsedDocument> documen
     return contents;
 }
 
+TreeOutline::Rows OutlineState::giveUpTree(std::shared_ptr<const ParsedDocument> document) {
+    m_task.cancel();
+    m_isRequested = false;
+    m_changes.clear();
+    m_document = std::move(document);
+    m_edits = {};
+    m_before = {};
+    m_matchCount = 0;
+    return std::exchange(m_rows, {});
+}
+
 // The filter
 
 void OutlineState::setFilter(const QString& filter) {
@@ -112,7 +123,7 @@ void OutlineState::makeRowsElsewhere(const QString& filter) {
     m_task.start(
         [document = m_document, request = OutlineContents::Request{m_outline, filter, {}, {}}](
             const std::stop_token& stop) { return OutlineContents::make(request, document->tree, stop, {}); },
-        [this](OutlineContents contents) { show(std::move(contents)); });
+        [this](OutlineContents contents) { show(std::move(contents)); }, [this] { emit lackedMemory(); });
 }
 
 void OutlineState::show(OutlineContents contents) {

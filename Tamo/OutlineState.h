@@ -45,6 +45,10 @@ public:
     /// taken the rest.
     OutlineContents take(std::shared_ptr<const ParsedDocument> document, OutlineContents contents);
 
+    /// Gives up the tree and its rows for `document`, which has none; what is expanded stays. Returns the rows,
+    /// to be freed elsewhere. Emits no signal.
+    TreeOutline::Rows giveUpTree(std::shared_ptr<const ParsedDocument> document);
+
     /// Until `forgetBefore`: where the node at `path` of the tree before is in the current one; `path` itself
     /// where its text was replaced, and when there is no tree before.
     NodePath carried(const NodePath& path) const;
@@ -64,6 +68,8 @@ public:
 
 signals:
     void rowsChanged();
+    /// The memory was too short for other rows; those that are shown stay.
+    void lackedMemory();
 
 private:
     /// What the user expanded or collapsed since the last request.

@@ -1,6 +1,7 @@
 #include "RecoveryOffer.h"
 
 #include "DocumentDesk.h"
+#include "MemoryLimit.h"
 #include "RecoveryDialog.h"
 
 #include <QDirIterator>
@@ -159,4 +160,32 @@ TEST(RecoveryOffer, TellsOfTextsOfANewerVersionOfTheProgram) {
     EXPECT_EQ(answer.question(),
               QStringLiteral("Hay textos sin guardar de una versión más nueva del programa."));
     EXPECT_TRUE(QFile::exists(log));
+}
+
+TEST(RecoveryOffer, KeepsTextsForWhichTheMemoryIsTooShort) {
+    const QTemporaryDir folder;
+    leave(folder.path(), {QString(20'000'000, u'x')});
+    Start start(folder.path());
+    {
+        const MemoryLimit limit(std::size_t{8} << 20);
+        Answer answer(QStringLiteral("OK"));
+        EXPECT_EQ(start.offered(), nullptr);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
+        EXPECT_EQ(answer.question(),
+                  QStringLiteral("No hay memoria suficiente para buscar textos sin guardar."));
+    }
+    RecoveryDialog* const dialog = start.offered();
+    ASSERT_NE(dialog, nullptr);
+    {
+        const MemoryLimit limit(std::size_t{8} << 20);
+        Answer answer(QStringLiteral("OK"));
+        Start::press(*dialog, QStringLiteral("Recuperar"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
+        EXPECT_EQ(answer.question(),
+                  QStringLiteral("No hay memoria suficiente para recuperar uno de los textos."));
+    }
+    EXPECT_TRUE(start.waitUntilDone());
+    EXPECT_EQ(leftIn(folder.path()), 0); // This run still has them.
+    ASSERT_EQ(start.store->recoverable().documents.size(), 1);
+    EXPECT_EQ(start.store->recoverable().documents.front().size, 20'000'000U);
 }

@@ -7,11 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <new>
 #include <semaphore>
 #include <thread>
 #include <vector>
 
 namespace {
+
+void failForMemory() { ADD_FAILURE() << "memory"; }
 
 /// Runs the event loop until whatever was posted so far has arrived.
 void settle() {
@@ -33,7 +36,8 @@ TEST(BackgroundTask, DeliversOnTheMainThread) {
             receiver = QThread::currentThread();
             delivered = value;
             EXPECT_FALSE(task.isRunning());
-        });
+        },
+        failForMemory);
     EXPECT_TRUE(task.isRunning());
     ASSERT_TRUE(waitFor([&] { return delivered != 0; }));
     EXPECT_EQ(delivered, 7);
@@ -47,14 +51,14 @@ TEST(BackgroundTask, DropsWhatWasCancelledEvenWhenItIsReady) {
         std::vector<int> delivered;
         const auto deliver = [&](int value) { delivered.push_back(value); };
         auto task = std::make_unique<BackgroundTask<int>>();
-        task->start([](const std::stop_token&) { return 1; }, deliver);
+        task->start([](const std::stop_token&) { return 1; }, deliver, failForMemory);
         QThreadPool::globalInstance()->waitForDone();
         switch (how) {
         case How::cancel:
             task->cancel();
             break;
         case How::startAgain:
-            task->start([](const std::stop_token&) { return 2; }, deliver);
+            task->start([](const std::stop_token&) { return 2; }, deliver, failForMemory);
             break;
         case How::end:
             task.reset();
@@ -79,7 +83,7 @@ TEST(BackgroundTask, TellsTheWorkToStop) {
             hasSeenStop = true;
             return true;
         },
-        [](bool) { ADD_FAILURE(); });
+        [](bool) { ADD_FAILURE(); }, failForMemory);
     started.acquire();
     task.cancel();
     settle();
@@ -90,15 +94,40 @@ TEST(BackgroundTask, MayBeStartedAgainOrEndedByItsDelivery) {
     auto task = std::make_unique<BackgroundTask<int>>();
     int deliveries = 0;
     const auto one = [](const std::stop_token&) { return 1; };
-    task->start(one, [&](int) {
+    const auto endTask = [&](int) {
         ++deliveries;
-        task->start(one, [&](int) {
-            ++deliveries;
-            task.reset();
-        });
-    });
+        task.reset();
+    };
+    const auto startAgain = [&](int) {
+        ++deliveries;
+        task->start(one, endTask, failForMemory);
+    };
+    task->start(one, startAgain, failForMemory);
     ASSERT_TRUE(waitFor([&] { return task == nullptr; }));
     EXPECT_EQ(deliveries, 2);
+}
+
+TEST(BackgroundTask, TellsThatTheMemoryIsTooShort) {
+    BackgroundTask<int> task;
+    const auto work = [](const std::stop_token&) -> int { throw std::bad_alloc(); };
+    bool isTold = false;
+    const QThread* receiver = nullptr;
+    task.start(
+        work, [](int) { ADD_FAILURE(); },
+        [&] {
+            isTold = true;
+            receiver = QThread::currentThread();
+            EXPECT_FALSE(task.isRunning());
+        });
+    ASSERT_TRUE(waitFor([&] { return isTold; }));
+    EXPECT_EQ(receiver, qApp->thread());
+
+    // Cancelled, it tells nothing.
+    task.start(work, [](int) { ADD_FAILURE(); }, failForMemory);
+    QThreadPool::globalInstance()->waitForDone();
+    task.cancel();
+    settle();
+    settle();
 }
 
 } // namespace

@@ -69,7 +69,7 @@ TEST(DocumentError, TellsTheCausesApart) {
         std::set<std::string> messages;
         for (const FileFailure failure :
              {FileFailure::missing, FileFailure::folder, FileFailure::notRegular, FileFailure::noPermission,
-              FileFailure::noSpace, FileFailure::tooLarge, FileFailure::other}) {
+              FileFailure::noSpace, FileFailure::tooLarge, FileFailure::noMemory, FileFailure::other}) {
             EXPECT_TRUE(messages.insert(messageFor({action, failure})).second);
         }
     }
