@@ -9,13 +9,15 @@ std::u16string_view SearchedText::wellFormed() {
     if (m_isReady) {
         return m_wellFormed.units();
     }
-    m_isReady = true;
-    m_wellFormed = RopeFlattener().flattened(m_rope);
-    const std::u16string_view units = m_wellFormed.units();
+    // Ready only in the end: there may be too little memory.
+    SourceText flat = RopeFlattener().flattened(m_rope);
+    const std::u16string_view units = flat.units();
     const auto end = static_cast<UnitScan::Position>(units.size());
     UnitScan::Position lone = UnitScan::findLoneSurrogate(units.data(), 0, end);
     if (lone == end) {
-        return units;
+        m_wellFormed = std::move(flat);
+        m_isReady = true;
+        return m_wellFormed.units();
     }
     const auto copy = std::make_shared_for_overwrite<char16_t[]>(units.size());
     m_rope.copyTo(m_rope.fullRange(), copy.get());
@@ -23,5 +25,6 @@ std::u16string_view SearchedText::wellFormed() {
         copy[lone] = substitute;
     }
     m_wellFormed = SourceText(copy, units.size());
+    m_isReady = true;
     return m_wellFormed.units();
 }

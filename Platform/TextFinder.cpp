@@ -1,10 +1,13 @@
 #include "TextFinder.h"
 
+#include "MemoryShortage.h"
+
 #include <QCoreApplication>
 #include <QThreadPool>
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -72,24 +75,15 @@ struct TextFinder::Job : std::enable_shared_from_this<Job> {
     std::int64_t keptUpTo = 0;
 
     void run() {
-        std::visit(Overloaded{
-                       [](std::monostate) {},
-                       [&](const Next& wanted) { deliver(search->next(*text, wanted.from, stop)); },
-                       [&](const Previous& wanted) { deliver(search->previous(*text, wanted.before, stop)); },
-                       [&](const ReplaceMatch& wanted) {
-                           deliver(TextReplacement::ofMatch(wanted.match, *search, *text, wanted.with, stop));
-                       },
-                       [&](const ReplaceAll& wanted) {
-                           deliver(TextReplacement::make(*search, *text, text->rope().fullRange(),
-                                                         wanted.with, wanted.caret, stop));
-                       },
-                   },
-                   request);
-        bool isLast = !counts;
-        while (!isLast && !stop.stop_requested()) {
-            Batch batch = count();
-            isLast = batch.isLast;
-            post([batch = std::move(batch)](TextFinder& to) { to.take(batch); });
+        try {
+            answer();
+            while (counts && !stop.stop_requested()) {
+                Batch batch = count();
+                counts = !batch.isLast;
+                post([batch = std::move(batch)](TextFinder& to) { to.take(batch); });
+            }
+        } catch (const std::bad_alloc&) {
+            tellShortage();
         }
         // Here, not on the main thread, if this is the last reference.
         text.reset();
@@ -104,6 +98,37 @@ struct TextFinder::Job : std::enable_shared_from_this<Job> {
     }
 
 private:
+    void answer() {
+        std::visit(Overloaded{
+                       [](std::monostate) {},
+                       [&](const Next& wanted) { deliver(search->next(*text, wanted.from, stop)); },
+                       [&](const Previous& wanted) { deliver(search->previous(*text, wanted.before, stop)); },
+                       [&](const ReplaceMatch& wanted) {
+                           deliver(TextReplacement::ofMatch(wanted.match, *search, *text, wanted.with, stop));
+                       },
+                       [&](const ReplaceAll& wanted) {
+                           deliver(TextReplacement::make(*search, *text, text->rope().fullRange(),
+                                                         wanted.with, wanted.caret, stop));
+                       },
+                   },
+                   request);
+        request = {};
+    }
+
+    /// Answers what has no answer yet, and ends the counting.
+    void tellShortage() {
+        constexpr auto reason = SearchEnd::Reason::noMemory;
+        if (std::holds_alternative<ReplaceMatch>(request) || std::holds_alternative<ReplaceAll>(request)) {
+            deliver(TextReplacement{.reason = reason});
+        } else if (request.index() != 0) {
+            deliver(TextSearch::Found{.groups = {}, .reason = reason});
+        }
+        if (counts) {
+            post([batch = Batch{.next = next, .keptUpTo = keptUpTo, .isLast = true, .reason = reason}](
+                     TextFinder& to) { to.take(batch); });
+        }
+    }
+
     Batch count() {
         Batch batch;
         const std::int64_t size = text->rope().size();
@@ -151,6 +176,11 @@ TextFinder::TextFinder(TextStorage& storage, QObject* parent) : QObject(parent),
     m_recount.setInterval(recountDelay);
     connect(&m_recount, &QTimer::timeout, this, &TextFinder::start);
     connect(&storage, &TextStorage::editProcessed, this, &TextFinder::noticeEdit);
+    connect(&storage, &TextStorage::textMoved, this, [this] {
+        if (!m_isRunning) {
+            drop(std::move(m_text));
+        }
+    });
 }
 
 TextFinder::~TextFinder() {
@@ -312,14 +342,14 @@ void TextFinder::finish(const Job& job) {
 
 void TextFinder::answer(const TextSearch::Found& found) {
     m_running = {};
-    fail(found.reason);
+    fail(found.reason, QStringLiteral("buscar"));
     announce(found.match());
 }
 
 void TextFinder::answer(const TextReplacement& replacement) {
     m_running = {};
     Q_EMIT replacementFound(replacement);
-    fail(replacement.reason);
+    fail(replacement.reason, QStringLiteral("reemplazar"));
 }
 
 void TextFinder::announce(std::optional<SourceRange> match) {
@@ -339,13 +369,16 @@ void TextFinder::take(const Batch& batch) {
     if (m_isComplete) {
         forgetOldMatches();
     }
-    fail(batch.reason);
+    fail(batch.reason, QStringLiteral("buscar"));
     Q_EMIT matchesChanged();
 }
 
-void TextFinder::fail(SearchEnd::Reason reason) {
+void TextFinder::fail(SearchEnd::Reason reason, const QString& action) {
     if (reason == SearchEnd::Reason::tooCostly) {
         m_error = QStringLiteral("La expresión necesita demasiados pasos");
+        Q_EMIT matchesChanged();
+    } else if (reason == SearchEnd::Reason::noMemory) {
+        m_error = memoryShortage(action);
         Q_EMIT matchesChanged();
     }
 }

@@ -103,7 +103,7 @@ private:
     void keepOldMatches();
     void forgetOldMatches();
     bool isAnswering() const { return m_request.index() != 0 || m_running.index() != 0; }
-    void fail(SearchEnd::Reason reason);
+    void fail(SearchEnd::Reason reason, const QString& action);
     bool answerFromKept(const Request& request);
     bool keepsAll() const { return m_isComplete && m_matches.size() == m_count; }
     void announce(std::optional<SourceRange> match);

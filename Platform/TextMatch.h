@@ -19,6 +19,7 @@ struct SearchEnd {
         done,      ///< All matches were visited.
         stopped,   ///< The visitor had enough, or the token asked for it.
         tooCostly, ///< A regular expression took too many steps.
+        noMemory,  ///< The memory was too short.
     };
 
     Reason reason = Reason::done;

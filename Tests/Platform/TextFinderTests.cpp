@@ -1,5 +1,7 @@
 #include "TextFinder.h"
 
+#include "MemoryLimit.h"
+
 #include <QSignalSpy>
 #include <QTest>
 
@@ -282,4 +284,27 @@ TEST(TextFinder, MayGoWhileItSearches) {
     Desk desk(u"uno");
     desk.finder.setPattern({.text = u"n"});
     EXPECT_EQ(desk.next(0), SourceRange(1, 2));
+}
+
+TEST(TextFinder, TellsThatTheMemoryIsTooShort) {
+    // An expression is searched in one array, which this text does not stand in.
+    Desk desk(repeated(u"uno dos\n", 5'000'000));
+    desk.storage.replaceCharacters({0, 1}, u"U");
+    const QString shortage = QStringLiteral("No hay memoria suficiente para buscar.");
+    {
+        const MemoryLimit limit(std::size_t{32} << 20);
+        desk.count({.text = u"d.s", .syntax = regularExpression});
+        EXPECT_EQ(desk.finder.error(), shortage);
+        EXPECT_EQ(desk.finder.count(), 0U);
+        EXPECT_EQ(desk.next(0), std::nullopt);
+        EXPECT_EQ(desk.finder.error(), shortage);
+        desk.finder.replaceAll({u"tres", regularExpression}, 0);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return desk.replacement.has_value(); }, 60'000));
+        EXPECT_EQ(desk.replacement->reason, SearchEnd::Reason::noMemory);
+        EXPECT_EQ(desk.replacement->count, 0U);
+        EXPECT_EQ(desk.finder.error(), QStringLiteral("No hay memoria suficiente para reemplazar."));
+    }
+    desk.count({.text = u"do.", .syntax = regularExpression});
+    EXPECT_EQ(desk.finder.error(), QString());
+    EXPECT_EQ(desk.finder.count(), 5'000'000U);
 }
