@@ -22,6 +22,7 @@ DocumentRecovery::DocumentRecovery(TextStorage& storage, std::unique_ptr<Recover
     : m_storage(storage), m_writer(std::move(writer)) {
     connect(&storage, &TextStorage::editProcessed, this, &DocumentRecovery::noteEdit);
     connect(&storage, &TextStorage::editingEnded, this, &DocumentRecovery::sendEdits);
+    connect(&storage, &TextStorage::textMoved, this, [this] { m_writer->moveTo(m_storage.text()); });
 }
 
 void DocumentRecovery::setFacts(const RecoveryFacts& facts) {

@@ -13,6 +13,7 @@
 #include <future>
 #include <iterator>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <span>
 #include <system_error>
@@ -86,6 +87,7 @@ public:
           m_lineage(continuing(taken)), m_retryDelay(pace.retryDelay) {}
 
     void add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment);
+    void moveTo(const Rope& text);
     void setSelection(SourceRange selection);
     /// Both answer whether there is something to do now.
     bool setFacts(const RecoveryFacts& facts, const Rope& text, const RecoveryMoment& moment);
@@ -168,7 +170,7 @@ private:
     std::optional<RecoveryLog> m_log;
     std::optional<std::future<Result>> m_sync; ///< Under way.
     bool m_isSyncDue = false;                  ///< After the one that is under way.
-    Rope m_keptText;                           ///< What the log has.
+    Rope m_keptText;                           ///< What the log has; empty once the disk has taken it.
     RecoveryMoment m_keptMoment;
     std::uint64_t m_startSize = 0; ///< Of the text that the log starts with, in bytes.
     std::chrono::milliseconds m_retryDelay;
@@ -188,6 +190,13 @@ void RecoveryWriter::Work::add(std::optional<RecoveryEdits> edits, const Rope& t
     if (!m_notes.due) {
         m_notes.due = Clock::now() + m_pace.flushDelay;
         m_changed.notify_one();
+    }
+}
+
+void RecoveryWriter::Work::moveTo(const Rope& text) {
+    const std::lock_guard guard(m_mutex);
+    if (m_notes.due) {
+        m_notes.text = text;
     }
 }
 
@@ -314,6 +323,9 @@ void RecoveryWriter::Work::checkSync() {
     if (result) {
         if (m_isSyncDue) {
             syncSoon();
+        } else {
+            // The disk has it.
+            m_keptText = {};
         }
         return;
     }
@@ -340,7 +352,15 @@ void RecoveryWriter::Work::perform(Job job) {
     if (!job.notes.due) {
         return;
     }
-    const Result result = keep(job.notes, job.facts);
+    Result result;
+    try {
+        result = keep(job.notes, job.facts);
+    } catch (const std::bad_alloc&) {
+        // What the log has by now is uncertain. The text is there, whatever became of the edits.
+        m_log.reset();
+        job.notes.isWhole = true;
+        result = std::unexpected(FileFailure::noMemory);
+    }
     if (result) {
         m_retryDelay = m_pace.retryDelay;
         return;
@@ -431,7 +451,14 @@ Result RecoveryWriter::Work::writeWhole(Notes& notes, const RecoveryFacts& facts
     const QString file = m_path.isEmpty() ? *path : *path + QStringLiteral(".new");
     QFile::remove(file);
     Rewrite rewrite{.text = notes.text, .moment = notes.moment, .old = old, .replaces = !m_path.isEmpty()};
-    auto log = writtenLog(file, notes, facts, rewrite);
+    auto log = [&]() -> std::expected<RecoveryLog, FileFailure> {
+        try {
+            return writtenLog(file, notes, facts, rewrite);
+        } catch (const std::bad_alloc&) {
+            rewrite.old = OldLog::outdated;
+            return std::unexpected(FileFailure::noMemory);
+        }
+    }();
     if (log && file != *path &&
         rename(QFile::encodeName(file).constData(), QFile::encodeName(*path).constData()) != 0) {
         log = std::unexpected(fileFailure(errno));
@@ -522,13 +549,14 @@ void RecoveryWriter::Work::catchUp(Rewrite& rewrite) {
         }
         notes = takeNotes();
     }
+    // First: from here on, no failure may lose the text.
+    rewrite.text = notes.text;
+    rewrite.moment = notes.moment;
     notes.edits = joined(std::move(notes.edits));
     if (!append(notes)) {
         rewrite.old = OldLog::outdated;
     }
     std::ranges::move(notes.edits, std::back_inserter(rewrite.tail));
-    rewrite.text = notes.text;
-    rewrite.moment = notes.moment;
 }
 
 void RecoveryWriter::Work::removeLog() {
@@ -554,6 +582,8 @@ void RecoveryWriter::add(std::optional<RecoveryEdits> edits, const Rope& text, c
     m_work->add(std::move(edits), text, moment);
     m_work->start(m_work);
 }
+
+void RecoveryWriter::moveTo(const Rope& text) { m_work->moveTo(text); }
 
 void RecoveryWriter::setSelection(SourceRange selection) { m_work->setSelection(selection); }
 

@@ -58,6 +58,9 @@ public:
     /// `edits` made `text` at `moment`. Without them the whole text is written.
     void add(std::optional<RecoveryEdits> edits, const Rope& text, const RecoveryMoment& moment);
 
+    /// The text is stored elsewhere: `text` has the same units.
+    void moveTo(const Rope& text);
+
     /// Goes with the next change.
     void setSelection(SourceRange selection);
 
