@@ -1,15 +1,25 @@
 #include "TextHistory.h"
 
 #include <QChar>
+#include <QScopeGuard>
 #include <QThread>
 
 #include <algorithm>
+#include <new>
 #include <ranges>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t longestCopy = 1024; ///< Longer stretches are kept as shared chunks.
+constexpr std::size_t longestCopy = 1024; ///< Longer stretches are kept as ropes.
+
+/// Longer stretches share the chunks of the text, and hold on to the array that these are in: maybe all of a
+/// file.
+constexpr Offset longestOwnCopy = 256 * 1024;
+
+Rope kept(const Rope& text, SourceRange range) {
+    return range.length() <= longestOwnCopy ? Rope(text.units(range)) : text.part(range);
+}
 
 bool isSpace(char16_t unit) { return QChar::isSpace(unit); }
 
@@ -58,12 +68,12 @@ void TextHistory::applyAsOneStep(const Replacements& replacements, const QString
         m_undoManager->setActionName(actionName);
     }
     breakUndoCoalescing();
+    const auto end = qScopeGuard([this] { m_undoManager->endUndoGroup(); });
     const TextSelection before = selection();
     Replacements opposite = inverse(replacements);
     replace(replacements, wanted);
     const TextSelection after = selectionAfter(opposite);
     registerOpposite(std::move(opposite), {before, after});
-    m_undoManager->endUndoGroup();
 }
 
 void TextHistory::type(SourceRange range, std::u16string_view units) {
@@ -72,13 +82,15 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
     if (range.isEmpty() && units.empty()) {
         return;
     }
+    // What takes much memory comes first: nothing has changed yet.
+    const std::optional<Rope> many = units.size() > longestCopy ? std::optional<Rope>(units) : std::nullopt;
     const bool isPlain = units.find(u'\n') == std::u16string_view::npos &&
                          text().line(range.lower) == text().line(range.upper);
     const SourceRange typed = SourceRange::at(range.lower, static_cast<std::int64_t>(units.size()));
     if (isPlain && canJoinTypingRun(range, units)) {
         growTypingRun(range, typed);
     } else if (m_undoManager != nullptr) {
-        m_typing = std::make_shared<TypingRun>(typed, text().part(range), selection(), units.empty());
+        m_typing = std::make_shared<TypingRun>(typed, kept(text(), range), selection(), units.empty());
         registerTypingRun();
     }
     m_together.reset();
@@ -86,7 +98,11 @@ void TextHistory::type(SourceRange range, std::u16string_view units) {
         m_typing.reset();
     }
     m_sinceTyping.start();
-    m_storage.replaceCharacters(range, units);
+    if (many) {
+        m_storage.replaceCharacters(range, *many);
+    } else {
+        m_storage.replaceCharacters(range, units);
+    }
 }
 
 void TextHistory::typeTogether(std::span<const TextEdit> edits, Offset caret, const QString& actionName) {
@@ -185,14 +201,27 @@ void TextHistory::registerTypingRun() {
 
 void TextHistory::replace(const Replacements& replacements, std::optional<TextSelection> after) {
     m_storage.beginEditing();
-    for (const Replacement& replacement : replacements) {
-        std::visit([&](const auto& units) { m_storage.replaceCharacters(replacement.range, units); },
-                   replacement.units);
-    }
+    const auto end = qScopeGuard([this] { m_storage.endEditing(); });
+    replaceAll(replacements);
     if (after && m_selectionKeeper.restore) {
         m_selectionKeeper.restore(*after);
     }
-    m_storage.endEditing();
+}
+
+/// All or nothing.
+void TextHistory::replaceAll(const Replacements& replacements) {
+    const Rope before = text();
+    try {
+        for (const Replacement& replacement : replacements) {
+            std::visit([&](const auto& units) { m_storage.replaceCharacters(replacement.range, units); },
+                       replacement.units);
+        }
+    } catch (const std::bad_alloc&) {
+        if (text() != before) {
+            m_storage.replaceCharacters(text().fullRange(), before);
+        }
+        throw;
+    }
 }
 
 void TextHistory::registerOpposite(Replacements opposite, Selections selections) {
@@ -204,8 +233,9 @@ void TextHistory::registerOpposite(Replacements opposite, Selections selections)
 }
 
 void TextHistory::replaceBack(const Replacements& replacements, Selections selections) {
-    registerOpposite(inverse(replacements), {selections.after, selections.before});
+    Replacements opposite = inverse(replacements);
     replace(replacements, selections.before);
+    registerOpposite(std::move(opposite), {selections.after, selections.before});
 }
 
 TextSelection TextHistory::selectionAfter(const Replacements& opposite) const {
@@ -232,7 +262,7 @@ TextHistory::Replacements TextHistory::inverse(const Replacements& of) const {
         if (range.length() <= longestCopy) {
             inverses.emplace_back(rangeAfter, text().units(range));
         } else {
-            inverses.emplace_back(rangeAfter, text().part(range));
+            inverses.emplace_back(rangeAfter, kept(text(), range));
         }
         shift += length - range.length();
     }

@@ -22,6 +22,8 @@
 /// Edits a text storage so that every change can be undone, whoever makes it: what is typed into a view and
 /// what a program applies are steps of one history. An undone or redone step puts the selection back too.
 ///
+/// Where the memory is too short for a change, `std::bad_alloc` is thrown, and text and history are as before.
+///
 /// Offsets count UTF-16 units. Lives on the thread of the storage.
 class TextHistory : public QObject {
     Q_OBJECT
@@ -124,6 +126,7 @@ private:
     void registerTypingRun();
     void registerOpposite(Replacements opposite, Selections selections);
     void replace(const Replacements& replacements, std::optional<TextSelection> after);
+    void replaceAll(const Replacements& replacements);
     void replaceBack(const Replacements& replacements, Selections selections);
     TextSelection selectionAfter(const Replacements& opposite) const;
     Replacements inverse(const Replacements& of) const;

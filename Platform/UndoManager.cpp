@@ -2,6 +2,9 @@
 
 #include "Precondition.h"
 
+#include <QScopedValueRollback>
+
+#include <new>
 #include <utility>
 
 /// One entry of the stack; it holds either the actions that undo it or those that redo it.
@@ -21,12 +24,17 @@ public:
 
 private:
     void run() {
-        const std::vector<Action> actions = std::exchange(m_actions, {});
-        m_manager.m_opposites = &m_actions;
-        for (auto action = actions.rbegin(); action != actions.rend(); ++action) {
-            (*action)();
+        std::vector<Action> actions = std::exchange(m_actions, {});
+        const QScopedValueRollback opposites(m_manager.m_opposites, &m_actions);
+        try {
+            for (auto action = actions.rbegin(); action != actions.rend(); ++action) {
+                (*action)();
+            }
+        } catch (const std::bad_alloc&) {
+            // What failed changed nothing, so that the step can be tried again.
+            m_actions = std::move(actions);
+            throw;
         }
-        m_manager.m_opposites = nullptr;
     }
 
     UndoManager& m_manager;

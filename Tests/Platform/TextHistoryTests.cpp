@@ -1,11 +1,15 @@
 #include "TextHistory.h"
 
+#include "MemoryLimit.h"
+
 #include <gtest/gtest.h>
 
 #include <QString>
 
 #include <chrono>
 #include <functional>
+#include <memory>
+#include <new>
 #include <random>
 #include <string>
 #include <vector>
@@ -258,6 +262,47 @@ TEST(TextHistory, GoesBackAndForthThroughAnyTyping) {
         }
         EXPECT_EQ(document.text(), typed);
     }
+}
+
+TEST(TextHistory, ChangesNothingWhereTheMemoryIsTooShort) {
+    const std::u16string_view before = u"one two three";
+    Document document(before);
+    document.type(u"!");
+    const std::u16string text = document.text();
+    const std::u16string large(20'000'000, u'x');
+    const std::vector<TextEdit> edits = {TextEdit::insert(u"short", 12), TextEdit{{4, 7}, large}};
+    {
+        const MemoryLimit limit(std::size_t{70} << 20);
+        EXPECT_THROW(document.history.apply(edits, QStringLiteral("Mover")), std::bad_alloc);
+        EXPECT_EQ(document.text(), text);
+        EXPECT_THROW(document.history.type({0, 3}, std::u16string_view(large)), std::bad_alloc);
+        EXPECT_EQ(document.text(), text);
+    }
+    EXPECT_EQ(document.undo.undoActionName(), QStringLiteral("Escribir"));
+    document.undo.undo();
+    EXPECT_EQ(document.text(), before);
+    EXPECT_FALSE(document.undo.canUndo());
+    document.undo.redo();
+    EXPECT_EQ(document.text(), text);
+    document.history.apply(edits, QStringLiteral("Mover"));
+    EXPECT_EQ(document.storage.text().size(), text.size() + large.size() + 2);
+}
+
+TEST(TextHistory, KeepsWhatIsReplacedInMemoryOfItsOwn) {
+    const auto units = std::make_shared<char16_t[]>(1'000'000, u'x');
+    TextStorage storage(Rope(SourceText(units, 1'000'000)));
+    UndoManager undo;
+    TextHistory history(storage);
+    history.setUndoManager(&undo);
+    const long before = units.use_count();
+    const TextEdit edit{{300'000, 500'000}, u"y"};
+    history.apply({&edit, 1});
+    // What is left of the text holds the array, and nothing else does.
+    EXPECT_LT(units.use_count(), before);
+    storage.moveTo(storage.text().movedTo(SourceText(storage.text().units(storage.text().fullRange()))));
+    EXPECT_EQ(units.use_count(), 1);
+    undo.undo();
+    EXPECT_EQ(storage.text(), Rope(std::u16string(1'000'000, u'x')));
 }
 
 } // namespace
