@@ -3,6 +3,7 @@
 #include "DocumentWindow.h"
 #include "EditorSession.h"
 #include "GroupedNumber.h"
+#include "MemoryShortage.h"
 #include "NoticeBar.h"
 #include "UndoManager.h"
 
@@ -46,6 +47,11 @@ CommandNotices::CommandNotices(EditorSession& session, UndoManager& undoManager,
         }
     });
     connect(&session.fixTask(), &FixTask::finished, this, &CommandNotices::showLeft);
+    connect(&session.fixTask(), &FixTask::lackedMemory, this,
+            [this] { showShortage(QStringLiteral("corregir el documento")); });
+    connect(&session, &EditorSession::filterLackedMemory, this,
+            [this] { showShortage(QStringLiteral("filtrar el árbol")); });
+    connect(&session, &EditorSession::lacksMemoryChanged, this, &CommandNotices::followTree);
     connect(&session, &EditorSession::textSpaceChanged, this, &CommandNotices::showTextSpace);
     // Later, when the history knows of the change too.
     connect(&session.buffer().storage(), &TextStorage::editingEnded, this, &CommandNotices::followText,
@@ -92,6 +98,23 @@ void CommandNotices::showTextSpace(const QString& actionName) {
     m_shown = Shown::textSpace;
     m_layoutName = actionName;
     m_generation = m_session.buffer().generation();
+}
+
+void CommandNotices::showShortage(const QString& forWhat) {
+    bar().tell(memoryShortage(forWhat));
+    offerToClose();
+    m_shown = Shown::shortage;
+}
+
+void CommandNotices::followTree() {
+    if (m_session.lacksMemory()) {
+        bar().tell(memoryShortage(QStringLiteral("el árbol de este documento")) +
+                   QStringLiteral(" El texto se puede editar y guardar."));
+        offerToClose();
+        m_shown = Shown::treeShortage;
+    } else if (m_shown == Shown::treeShortage) {
+        dismiss();
+    }
 }
 
 /// A notice is about the text as a command left it.

@@ -18,6 +18,7 @@ class UndoManager;
 ///
 /// - While "Corregir todo" takes more than a moment, it can be cancelled; afterwards the number of problems
 ///   that are left stands there until the text changes.
+/// - While there is no tree because the memory is too short for it, this is said, and that the text is there.
 /// - The first time that a layout changes white space which may be part of the text, this is said, and
 /// undoing
 ///   is offered as long as that is the last step.
@@ -30,11 +31,13 @@ public:
                    QObject* parent = nullptr);
 
 private:
-    enum class Shown : std::uint8_t { nothing, fixing, problemsLeft, textSpace };
+    enum class Shown : std::uint8_t { nothing, fixing, problemsLeft, textSpace, shortage, treeShortage };
 
     void showFixing();
     void showLeft(std::size_t left, bool mayMendMore);
     void showTextSpace(const QString& actionName);
+    void showShortage(const QString& forWhat);
+    void followTree();
     void followText();
     void dismiss();
 

@@ -1,5 +1,6 @@
 #include "EditorSession.h"
 
+#include "MemoryShortage.h"
 #include "MutationFailureMessage.h"
 #include "NodeCopy.h"
 #include "PatientWait.h"
@@ -9,10 +10,12 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <ranges>
 #include <unordered_set>
 #include <utility>
@@ -23,6 +26,7 @@ using namespace std::chrono_literals;
 using Placement = TreeMutation::Placement;
 
 constexpr auto typingPause = 120ms;
+constexpr auto pauseWithoutMemory = 2s; ///< Each try may take all the memory for a moment.
 constexpr auto patience = 200ms;
 constexpr Offset quickText = 256 * 1024;     ///< Of a text this long nothing takes time.
 constexpr qsizetype longestActionName = 120; ///< Names in the title of a fix may be of any length.
@@ -39,6 +43,22 @@ std::u16string distinctName(const std::u16string& name,
         distinct = name + QString::number(number).toStdU16String();
     }
     return distinct;
+}
+
+/// Why the memory refuses a command.
+QString shortageMessage(const QString& actionName) {
+    return memoryShortage(QStringLiteral("“%1”").arg(actionName));
+}
+
+/// Whether a second tree as large as `tree` is too much beside it: where there is hardly any text between the
+/// markup, as no document has that is written for a reader.
+bool takesMuchMemory(const DocumentTree& tree) {
+    constexpr std::size_t small = std::size_t{4} << 20;
+    constexpr std::size_t mostPerUnit = 20;
+    const std::size_t size = tree.nodes.size() * sizeof(TreeNode) +
+                             tree.attributes.size() * sizeof(AttributeSpan) +
+                             tree.diagnostics.size() * sizeof(DiagnosticRecord);
+    return size > small && size > mostPerUnit * tree.text.count();
 }
 
 /// The paths that `mutation` holds.
@@ -83,7 +103,10 @@ EditorSession::EditorSession(TextBuffer& buffer, const QString& encodingName, QO
       m_showsGallery(m_isEmptyDocument), m_parsed(ParsedDocument::make()), m_fixTask(buffer),
       m_outline(m_parsed) {
     connect(&buffer.storage(), &TextStorage::editProcessed, this, &EditorSession::noteEdit);
+    m_scheduler.setOnMove(
+        [this](const Rope& same, std::int64_t generation) { takeMovedText(same, generation); });
     connect(&m_outline, &OutlineState::rowsChanged, this, &EditorSession::rowsChanged);
+    connect(&m_outline, &OutlineState::lackedMemory, this, &EditorSession::filterLackedMemory);
     connect(&m_fixTask, &FixTask::finished, this, [this] {
         if (!isTreeCurrent()) {
             reparse(0ms);
@@ -172,7 +195,7 @@ void EditorSession::textChanged() {
         emit isEmptyDocumentChanged();
     }
     updateGallery();
-    reparse(typingPause);
+    reparse(m_lacksMemory ? pauseWithoutMemory : typingPause);
 }
 
 void EditorSession::noteEdit(SourceRange edited, std::int64_t changeInLength) {
@@ -187,7 +210,17 @@ void EditorSession::noteEdit(SourceRange edited, std::int64_t changeInLength) {
     }
 }
 
+/// Text and tree share one array, instead of having one each.
+void EditorSession::takeMovedText(const Rope& same, std::int64_t generation) {
+    if (generation == m_buffer.generation()) {
+        ReparseScheduler::free(m_buffer.moveTo(same));
+    }
+}
+
 ReparseScheduler::Snapshot EditorSession::snapshot() {
+    if (takesMuchMemory(m_parsed->tree)) {
+        giveUpTree();
+    }
     OutlineContents::Request outline = m_outline.request();
     outline.selection = m_selection;
     outline.selectOffset = m_pendingSelectOffset;
@@ -197,23 +230,68 @@ ReparseScheduler::Snapshot EditorSession::snapshot() {
 void EditorSession::reparse(std::chrono::milliseconds delay) {
     m_scheduler.schedule(
         delay, [this] { return snapshot(); },
-        [this](ReparseScheduler::Result result) { deliver(std::move(result)); });
+        [this](ReparseScheduler::Result result) {
+            if (result.document != nullptr) {
+                deliver(std::move(result));
+            } else if (hasTree()) {
+                // In the place of the old tree there may be room for the new one.
+                giveUpTree();
+                reparse(0ms);
+            } else {
+                setLacksMemory(true);
+            }
+        });
 }
 
-void EditorSession::bringTreeUpToDate(const std::vector<NodePath*>& paths) {
+bool EditorSession::bringTreeUpToDate(const std::vector<NodePath*>& paths) {
     if (isTreeCurrent()) {
-        return;
+        return true;
     }
     const auto carrying = connect(this, &EditorSession::treeChanged, this, [this, &paths] {
         for (NodePath* const path : paths) {
             *path = carried(*path);
         }
     });
-    deliver(m_scheduler.parseNow(snapshot(), [this](const Work& parse) { runWork(parse); }));
-    disconnect(carrying);
+    const auto disconnecting = qScopeGuard([&carrying] { disconnect(carrying); });
+    const auto parseNow = [this] {
+        return m_scheduler.parseNow(snapshot(), [this](const Work& parse) { runWork(parse); });
+    };
+    ReparseScheduler::Result result = parseNow();
+    if (result.document == nullptr && hasTree()) {
+        giveUpTree();
+        result = parseNow();
+    }
+    if (result.document == nullptr) {
+        setLacksMemory(true);
+        setErrorMessage(memoryShortage(QStringLiteral("analizar el documento")));
+        return false;
+    }
+    deliver(std::move(result));
+    return true;
+}
+
+/// Has no tree until the next parse, which may use the memory of this one.
+void EditorSession::giveUpTree() {
+    ReparseScheduler::Result old;
+    old.document = std::exchange(m_parsed, ParsedDocument::make());
+    m_editsSinceParse = {};
+    old.outline.rows = m_outline.giveUpTree(m_parsed);
+    m_vocabulary.reset();
+    emit treeChanged();
+    m_scheduler.recycle(std::move(old));
+    emit treeGenerationChanged();
+    emit errorNodesChanged();
+    emit rowsChanged();
+}
+
+void EditorSession::setLacksMemory(bool lacksMemory) {
+    if (std::exchange(m_lacksMemory, lacksMemory) != lacksMemory) {
+        emit lacksMemoryChanged();
+    }
 }
 
 void EditorSession::deliver(ReparseScheduler::Result result) {
+    setLacksMemory(false);
     // A result that an edit overtook is never delivered, so none of the edits is newer than this tree.
     m_editsSinceParse = {};
     std::swap(m_parsed, result.document);
@@ -269,8 +347,8 @@ void EditorSession::runWork(const Work& work, std::size_t units) {
         work();
         return;
     }
+    const auto calm = qScopeGuard([this] { setBusy(false); });
     runPatiently(work, patience, [this] { setBusy(true); });
-    setBusy(false);
 }
 
 // Where the user is
@@ -393,7 +471,11 @@ void EditorSession::copyPath() const {
 QStringList EditorSession::nameCompletions(const QString& partialWord, bool inTag) {
     if (!m_vocabulary || m_vocabulary->treeGeneration != treeGeneration()) {
         DocumentTree::Vocabulary names;
-        runWork([&] { names = tree().vocabulary(); });
+        try {
+            runWork([&] { names = tree().vocabulary(); });
+        } catch (const std::bad_alloc&) {
+            return {};
+        }
         m_vocabulary = {treeGeneration(), std::move(names)};
     }
     const std::u16string word = partialWord.toStdU16String();
@@ -425,15 +507,23 @@ void EditorSession::applyEdits(std::span<const TextEdit> edits, const QString& a
     for (const TextEdit& edit : edits) {
         added += std::max<std::int64_t>(edit.delta(), 0);
     }
-    if (isChange && hasRoomFor(added)) {
+    if (!isChange || !hasRoomFor(added)) {
+        return;
+    }
+    try {
         const QScopedValueRollback ours(m_isCaretOurs, true);
         m_buffer.apply(edits, actionName);
         reparse(0ms);
+    } catch (const std::bad_alloc&) {
+        setErrorMessage(shortageMessage(actionName));
     }
 }
 
 /// The selection keeps its place in what is laid out anew.
-void EditorSession::layOut(const Layout& layout, const QString& actionName) {
+void EditorSession::layOut(const Layout& layout, const QString& actionName) try {
+    if (!bringTreeUpToDate()) {
+        return;
+    }
     const TextSelection selection = m_buffer.selection();
     TextSelection after;
     SourceRange range;
@@ -461,16 +551,22 @@ void EditorSession::layOut(const Layout& layout, const QString& actionName) {
             emit textSpaceChanged(actionName);
         }
     }
+} catch (const std::bad_alloc&) {
+    setErrorMessage(shortageMessage(actionName));
 }
 
-void EditorSession::apply(const TreeMutation& asked, const QString& actionName) {
+void EditorSession::apply(const TreeMutation& asked, const QString& actionName) try {
     TreeMutation mutation = asked;
-    bringTreeUpToDate(pathsOf(mutation));
+    if (!bringTreeUpToDate(pathsOf(mutation))) {
+        return;
+    }
     if (const auto plan = MutationPlanner::plan(mutation, tree(), indent())) {
         apply(*plan, actionName);
     } else {
         setErrorMessage(message(plan.error()));
     }
+} catch (const std::bad_alloc&) {
+    setErrorMessage(shortageMessage(actionName));
 }
 
 void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& actionName) {
@@ -524,13 +620,11 @@ void EditorSession::updateGallery() {
 }
 
 void EditorSession::format() {
-    bringTreeUpToDate();
     layOut([this](std::span<const Offset> places) { return PrettyPrinter::format(tree(), indent(), places); },
            QStringLiteral("Formatear"));
 }
 
 void EditorSession::minify() {
-    bringTreeUpToDate();
     layOut([this](std::span<const Offset> places) { return PrettyPrinter::minify(tree(), places); },
            QStringLiteral("Minificar"));
 }
@@ -539,8 +633,7 @@ void EditorSession::moveUp() { moveSelection(-1, Placement::before); }
 void EditorSession::moveDown() { moveSelection(1, Placement::after); }
 
 void EditorSession::moveSelection(int distance, Placement placement) {
-    bringTreeUpToDate();
-    if (!m_selection || m_selection->indices.empty()) {
+    if (!bringTreeUpToDate() || !m_selection || m_selection->indices.empty()) {
         return;
     }
     NodePath parent = *m_selection;
@@ -556,15 +649,13 @@ void EditorSession::moveSelection(int distance, Placement placement) {
 }
 
 void EditorSession::duplicate() {
-    bringTreeUpToDate();
-    if (m_selection) {
+    if (bringTreeUpToDate() && m_selection) {
         apply(TreeMutation::Duplicate{*m_selection}, QStringLiteral("Duplicar"));
     }
 }
 
 void EditorSession::deleteSelection() {
-    bringTreeUpToDate();
-    if (m_selection) {
+    if (bringTreeUpToDate() && m_selection) {
         apply(TreeMutation::Delete{*m_selection}, QStringLiteral("Eliminar"));
     }
 }
@@ -576,7 +667,9 @@ void EditorSession::move(const NodePath& path, const NodePath& target, Placement
 void EditorSession::copy(const NodePath& path, const NodePath& target, Placement placement) {
     NodePath copied = path;
     NodePath beside = target;
-    bringTreeUpToDate({&copied, &beside});
+    if (!bringTreeUpToDate({&copied, &beside})) {
+        return;
+    }
     if (const auto plan = NodeCopy::plan(copied, beside, placement, tree(), indent())) {
         apply(*plan, QStringLiteral("Duplicar"));
     } else {
@@ -585,8 +678,7 @@ void EditorSession::copy(const NodePath& path, const NodePath& target, Placement
 }
 
 void EditorSession::requestNamePrompt(NamePrompt::Kind kind) {
-    bringTreeUpToDate();
-    if (m_selection) {
+    if (bringTreeUpToDate() && m_selection) {
         setNamePrompt(NamePrompt{kind, *m_selection});
     }
 }
@@ -637,7 +729,9 @@ void EditorSession::removeAttribute(const NodePath& path, const QString& name) {
 
 QString EditorSession::addAttribute(const NodePath& asked) {
     NodePath path = asked;
-    bringTreeUpToDate({&path});
+    if (!bringTreeUpToDate({&path})) {
+        return {};
+    }
     std::unordered_set<std::u16string_view> taken;
     if (const auto node = m_outline.resolve(path)) {
         for (const AttributeSpan& attribute : tree().attributesOf(*node)) {
@@ -680,7 +774,9 @@ void EditorSession::applyFix(std::size_t index, std::size_t choice) {
     if (choice >= offered.size() || !now) {
         return;
     }
-    bringTreeUpToDate();
+    if (!bringTreeUpToDate()) {
+        return;
+    }
     const DiagnosticList& problems = tree().diagnostics;
     for (std::size_t at = problems.firstIndex(now->lower);
          at < problems.size() && problems.range(at).lower == now->lower; ++at) {

@@ -109,6 +109,8 @@ public:
     /// The generation of the text that `tree` was parsed from; -1 before the first parse.
     std::int64_t treeGeneration() const { return m_parsed->generation; }
     bool hasTree() const { return treeGeneration() >= 0; }
+    /// Whether there is no tree because the memory is too short for it. After later edits it is tried again.
+    bool lacksMemory() const { return m_lacksMemory; }
     bool isTreeCurrent() const { return treeGeneration() == m_buffer.generation(); }
 
     /// How ranges of `tree` relate to those of the text, which may have been edited since.
@@ -185,8 +187,9 @@ public:
     // everything as it was. Those of the selected node do nothing without one.
 
     /// Parses the text of now on the spot when the tree is older, and carries `paths` along. What is planned
-    /// elsewhere asks for it first.
-    void bringTreeUpToDate(const std::vector<NodePath*>& paths = {});
+    /// elsewhere asks for it first. Answers whether there is a tree; without one, for lack of memory,
+    /// `errorMessage` says so.
+    bool bringTreeUpToDate(const std::vector<NodePath*>& paths = {});
     /// Runs `work` on `units` units of text: on another thread, while this one waits, when they are many.
     void runWork(const std::function<void()>& work, std::size_t units);
 
@@ -247,6 +250,9 @@ signals:
     void isEmptyDocumentChanged();
     void showsGalleryChanged();
     void isBusyChanged();
+    void lacksMemoryChanged();
+    /// The memory was too short to filter the tree.
+    void filterLackedMemory();
     /// A layout under the name `actionName` changed white space that may be part of the text.
     void textSpaceChanged(const QString& actionName);
 
@@ -259,6 +265,9 @@ private:
     void reparse(std::chrono::milliseconds delay);
     ReparseScheduler::Snapshot snapshot();
     void deliver(ReparseScheduler::Result result);
+    void giveUpTree();
+    void takeMovedText(const Rope& same, std::int64_t generation);
+    void setLacksMemory(bool lacksMemory);
     void goToProblem(Direction direction);
 
     void setSelection(const std::optional<NodePath>& selection);
@@ -295,6 +304,7 @@ private:
     bool m_isBlankWanted = false;
     bool m_showsGallery;
     bool m_isBusy = false;
+    bool m_lacksMemory = false;
 
     std::shared_ptr<ParsedDocument> m_parsed;
     EditedSpan m_editsSinceParse;

@@ -10,8 +10,7 @@ InsertionPrompts::InsertionPrompts(EditorSession& session, QWidget& over)
     : QObject(&over), m_session(session), m_over(over) {}
 
 void InsertionPrompts::askForRoot() {
-    m_session.bringTreeUpToDate();
-    if (m_session.tree().rootElement()) {
+    if (!m_session.bringTreeUpToDate() || m_session.tree().rootElement()) {
         return;
     }
     auto* const dialog = new NamePromptDialog(QStringLiteral("Elemento raíz"), &m_over);
@@ -31,8 +30,7 @@ void InsertionPrompts::askForText() {
     const auto acceptsAll = [](const QString&) { return QString(); };
     auto* const dialog = new TextPromptDialog(QStringLiteral("Insertar texto"), acceptsAll, &m_over);
     connect(dialog, &QDialog::accepted, this, [this, dialog, path = *path] {
-        if (!dialog->text().isEmpty()) {
-            m_session.bringTreeUpToDate();
+        if (!dialog->text().isEmpty() && m_session.bringTreeUpToDate()) {
             const std::u16string source = Escaping::escapeText(units(dialog->text()));
             apply(NodeAddition::text(source, path, m_session.tree(), m_session.indent()),
                   QStringLiteral("Insertar texto"));
@@ -52,8 +50,7 @@ void InsertionPrompts::askForComment() {
     };
     auto* const dialog = new TextPromptDialog(QStringLiteral("Insertar comentario"), check, &m_over);
     connect(dialog, &QDialog::accepted, this, [this, dialog, path = *path] {
-        if (!dialog->text().isEmpty()) {
-            m_session.bringTreeUpToDate();
+        if (!dialog->text().isEmpty() && m_session.bringTreeUpToDate()) {
             apply(NodeAddition::comment(units(dialog->text()), path, m_session.tree(), m_session.indent()),
                   QStringLiteral("Insertar comentario"));
         }

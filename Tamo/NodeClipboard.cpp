@@ -33,7 +33,9 @@ bool NodeClipboard::canPaste() {
 }
 
 void NodeClipboard::copy(EditorSession& session) {
-    session.bringTreeUpToDate();
+    if (!session.bringTreeUpToDate()) {
+        return;
+    }
     if (const auto node = session.selectedNode()) {
         const SourceRange range = session.tree()[*node].range;
         QGuiApplication::clipboard()->setMimeData(new NodeMimeData(session.buffer().text().part(range)));
@@ -41,7 +43,9 @@ void NodeClipboard::copy(EditorSession& session) {
 }
 
 void NodeClipboard::cut(EditorSession& session) {
-    session.bringTreeUpToDate();
+    if (!session.bringTreeUpToDate()) {
+        return;
+    }
     if (const auto node = session.selectedNode()) {
         // What cannot be taken away leaves the clipboard alone, too.
         if (*node != NodeID::document()) {
@@ -59,7 +63,9 @@ void NodeClipboard::paste(EditorSession& session) {
     using NodePaste::Origin;
     const Origin origin = copied->hasFormat(nodeType) ? Origin::node : Origin::anywhere;
     const std::u16string units = TextMimeData::units(*copied);
-    session.bringTreeUpToDate();
+    if (!session.bringTreeUpToDate()) {
+        return;
+    }
     NodeAddition::Result plan;
     session.runWork(
         [&] { plan = NodePaste::plan(units, origin, session.selection(), session.tree(), session.indent()); },

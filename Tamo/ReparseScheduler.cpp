@@ -1,6 +1,7 @@
 #include "ReparseScheduler.h"
 
 #include "ApplicationIdentifier.h"
+#include "LargeArray.h"
 #include "Signposter.h"
 #include "ThreadTeam.h"
 #include "TreeParser.h"
@@ -12,12 +13,14 @@
 #include <QThread>
 #include <QThreadPool>
 
+#include <new>
 #include <utility>
 
 namespace {
 
 constexpr Signposter signposter(applicationIdentifier, "Parse");
 constexpr int linesThatTellTheIndent = 2000;
+constexpr auto restBeforeFreeing = std::chrono::seconds(3);
 constexpr Offset longText = 4'000'000; ///< The memory for the tree of a shorter one takes a few milliseconds.
 
 /// Frees `value`, which may be large, on a worker thread.
@@ -35,9 +38,24 @@ struct ReparseScheduler::Job {
     std::stop_token stop;
     std::shared_ptr<RopeFlattener> flattener;
     std::vector<Result> old;
+    /// Told of the text in one array, on the worker.
+    std::function<void(Rope same, std::int64_t generation)> onMove;
     Result result;
 
     void run() {
+        try {
+            make();
+        } catch (const std::bad_alloc&) {
+            // Others may have all of it.
+            result = {};
+            old.clear();
+            snapshot = {};
+            flattener->forget();
+        }
+    }
+
+private:
+    void make() {
         result.document = ParsedDocument::make();
         ParsedDocument& document = *result.document;
         document.generation = snapshot.generation;
@@ -53,7 +71,7 @@ struct ReparseScheduler::Job {
         document.tree.text = {};
         document.tree.diagnostics = {{}, document.tree.diagnostics.releaseRecords()};
         const bool hasStorage = document.tree.nodes.size() > 1;
-        const SourceText text = flattener->flattened(std::exchange(snapshot.text, {}));
+        const SourceText text = flattened();
         if (!hasStorage && text.count() >= longText) {
             // Most of the time would go into fresh memory.
             TreeStorage storage(text);
@@ -79,7 +97,16 @@ struct ReparseScheduler::Job {
         }
     }
 
-private:
+    /// The text in one array. Where that is a copy, the text of the snapshot is not held any longer than that.
+    SourceText flattened() {
+        const Rope rope = std::exchange(snapshot.text, {});
+        const SourceText text = flattener->flattened(rope);
+        if (!stop.stop_requested() && text.count() >= longText && rope.contiguous().count() == 0) {
+            onMove(rope.movedTo(text), snapshot.generation);
+        }
+        return text;
+    }
+
     void parse(const SourceText& text) {
         if (!stop.stop_requested()) {
             const auto interval = signposter.interval("Parse");
@@ -101,7 +128,7 @@ private:
     }
 
     static bool isFree(const std::shared_ptr<ParsedDocument>& document) {
-        if (document.use_count() > 1) {
+        if (document.use_count() != 1) {
             return false;
         }
         // The count alone does not order the last reader's reads before our writes; giving back a reference
@@ -116,6 +143,9 @@ ReparseScheduler::ReparseScheduler(QObject* parent)
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, [this] { m_isParsing ? void(m_isDue = true) : start(); });
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(restBeforeFreeing);
+    connect(&m_rest, &QTimer::timeout, this, &ReparseScheduler::freeUnused);
 }
 
 ReparseScheduler::~ReparseScheduler() {
@@ -146,6 +176,23 @@ ReparseScheduler::parseNow(Snapshot snapshot, const std::function<void(const std
 void ReparseScheduler::recycle(Result old) {
     requireThread();
     m_old.push_back(std::move(old));
+    m_rest.start();
+}
+
+void ReparseScheduler::free(Rope text) { drop(std::move(text)); }
+
+/// What only spares the system's work while one parse follows the other.
+void ReparseScheduler::freeUnused() {
+    if (m_isParsing) {
+        return;
+    }
+    QThreadPool::globalInstance()->start(
+        [old = std::make_shared<std::vector<Result>>(std::exchange(m_old, {})),
+         flattener = std::make_shared<RopeFlattener>(m_flattener->takeFree())] {
+            old->clear();
+            flattener->forget();
+            giveMemoryBack();
+        });
 }
 
 void ReparseScheduler::cancel() {
@@ -160,6 +207,17 @@ ReparseScheduler::Job ReparseScheduler::job(Snapshot snapshot) {
             m_task.get_token(),
             m_isParsing ? std::make_shared<RopeFlattener>() : m_flattener,
             std::exchange(m_old, {}),
+            [application = QCoreApplication::instance(), self = QPointer(this)](
+                Rope same, std::int64_t generation) {
+                QMetaObject::invokeMethod(
+                    application,
+                    [self, same = std::move(same), generation] {
+                        if (self != nullptr && self->m_onMove) {
+                            self->m_onMove(same, generation);
+                        }
+                    },
+                    Qt::QueuedConnection);
+            },
             {}};
 }
 
@@ -190,7 +248,7 @@ void ReparseScheduler::finish(Job& job) {
         std::exchange(m_deliver, nullptr)(std::move(job.result));
         return;
     }
-    m_old.push_back(std::move(job.result));
+    recycle(std::move(job.result));
     if (std::exchange(m_isDue, false)) {
         start();
     }

@@ -32,15 +32,22 @@ public:
 
     /// What a parse yields, whole: nothing of it is computed on the main thread.
     struct Result {
-        std::shared_ptr<ParsedDocument> document;
+        std::shared_ptr<ParsedDocument> document; ///< Null where the memory was too short for it.
         OutlineContents outline;
     };
+
+    /// Is given the text of a snapshot in one array, in which the parse reads it, before the parse is over.
+    using MoveStep = std::function<void(const Rope& same, std::int64_t generation)>;
 
     using SnapshotStep = std::function<Snapshot()>;
     using DeliveryStep = std::function<void(Result)>;
 
     explicit ReparseScheduler(QObject* parent = nullptr);
     ~ReparseScheduler() override;
+
+    /// `onMove` is called from now on wherever a parse had to copy the text. Whoever edits the text can go on
+    /// with the copy, and its old storage can go.
+    void setOnMove(MoveStep onMove) { m_onMove = std::move(onMove); }
 
     /// Has `snapshot` asked for the text once `delay` is over, later than this call even for no delay, and
     /// `deliver` given the result; neither if another request arrives first.
@@ -51,8 +58,12 @@ public:
     Result parseNow(Snapshot snapshot, const std::function<void(const std::function<void()>&)>& run);
 
     /// Takes a result that its owner needs no more: a large one is neither freed on the main thread nor
-    /// wasted, for the next parse writes into its storage, unless somebody else still reads it.
+    /// wasted, for the next parse writes into its storage, unless somebody else still reads it. After a rest
+    /// without a parse it is freed.
     void recycle(Result old);
+
+    /// Frees on a worker what nobody needs any more.
+    static void free(Rope text);
 
 private:
     struct Job;
@@ -61,11 +72,14 @@ private:
     void cancel();
     void start();
     void finish(Job& job);
+    void freeUnused();
     void requireThread() const;
 
     QTimer m_timer;
     SnapshotStep m_snapshot;
     DeliveryStep m_deliver;
+    MoveStep m_onMove;
+    QTimer m_rest; ///< Since the last parse.
     std::stop_source m_task;  ///< Of the latest request.
     bool m_isParsing = false; ///< A parse is under way, cancelled or not.
     bool m_isDue = false;     ///< The latest request waits for a cancelled parse to end.

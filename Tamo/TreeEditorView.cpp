@@ -157,11 +157,15 @@ void TreeEditorView::showRows() {
     showSelection();
     showMatchCount();
     const bool isSearchInVain = m_session.areRowsFiltered() && m_session.rows().isEmpty();
-    if (!m_session.hasTree()) {
+    if (!m_session.hasTree() && !m_session.lacksMemory()) {
         m_pages->setCurrentWidget(m_blank);
         return;
     }
-    if (!hasStructure(m_session.tree())) {
+    if (m_session.lacksMemory()) {
+        m_emptyState->setContents(QStringLiteral("list.bullet.indent"), QStringLiteral("Sin árbol"),
+                                  QStringLiteral("No hay memoria suficiente para el árbol del documento."));
+        m_emptyState->setAction({});
+    } else if (!hasStructure(m_session.tree())) {
         m_emptyState->setContents(QStringLiteral("list.bullet.indent"), QStringLiteral("Sin nodos"),
                                   QStringLiteral("El documento aún no tiene estructura."));
         m_emptyState->setAction(QStringLiteral("Crear elemento raíz…"));

@@ -1,7 +1,7 @@
+#include "Application.h"
 #include "FilePath.h"
 #include "TamoApp.h"
 
-#include <QApplication>
 #include <QThreadPool>
 
 #include <algorithm>
@@ -58,6 +58,6 @@ int main(int argc, char** argv) {
     }
     // A limit on the size of files fails the write instead, which is told.
     std::signal(SIGXFSZ, SIG_IGN);
-    const QApplication application(argc, argv);
+    const Application application(argc, argv);
     return end(run(argc, argv));
 }

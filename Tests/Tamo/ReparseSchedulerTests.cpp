@@ -1,5 +1,6 @@
 #include "ReparseScheduler.h"
 
+#include "MemoryLimit.h"
 #include "Repeated.h"
 #include "Signposter.h"
 
@@ -210,6 +211,64 @@ TEST(ReparseScheduler, UsesOldTreesAgain) {
     EXPECT_EQ(session.last->document->tree.nodes.size(), nodes);
     EXPECT_EQ(session.last->document->tree.nodes.data(), storage);
     EXPECT_EQ(session.delivered[1], text);
+}
+
+/// Without room for the tree, of 52 bytes a unit, of the densest markup.
+constexpr std::size_t tooLittle = std::size_t{32} << 20;
+
+TEST(ReparseScheduler, DeliversNoDocumentWhereTheMemoryIsTooShort) {
+    const Rope dense(repeated(u"<a ", 1'000'000));
+    ReparseScheduler scheduler;
+    const auto snapshot = [&] { return ReparseScheduler::Snapshot{dense, 1}; };
+    std::optional<ReparseScheduler::Result> delivered;
+    const auto deliver = [&](ReparseScheduler::Result result) { delivered = std::move(result); };
+    {
+        const MemoryLimit limit(tooLittle);
+        scheduler.schedule(0ms, snapshot, deliver);
+        ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
+        EXPECT_EQ(delivered->document, nullptr);
+        const auto now = scheduler.parseNow(snapshot(), [](const auto& parse) { parse(); });
+        EXPECT_EQ(now.document, nullptr);
+        scheduler.recycle(std::move(*delivered));
+    }
+    delivered.reset();
+    scheduler.schedule(0ms, snapshot, deliver);
+    ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
+    ASSERT_NE(delivered->document, nullptr);
+    EXPECT_EQ(delivered->document->tree.nodes.size(), 1'000'001);
+}
+
+TEST(ReparseScheduler, HandsOverTheTextThatItHadToCopy) {
+    const std::u16string units = repeated(u"<a>some text</a>\n", 300'000);
+    const Rope whole(units);
+    const Rope edited = whole.replaced({5, 6}, u"S");
+    ReparseScheduler scheduler;
+    std::vector<std::pair<Rope, std::int64_t>> moved;
+    scheduler.setOnMove([&](const Rope& same, std::int64_t generation) { moved.emplace_back(same, generation); });
+    for (const Rope& text : {whole, edited}) {
+        std::optional<ReparseScheduler::Result> delivered;
+        scheduler.schedule(
+            0ms, [&] { return ReparseScheduler::Snapshot{text, 7}; },
+            [&](ReparseScheduler::Result result) { delivered = std::move(result); });
+        ASSERT_TRUE(runUntil([&] { return delivered.has_value(); }));
+        if (!moved.empty()) {
+            EXPECT_EQ(moved.front().first.contiguous().units().data(),
+                      delivered->document->tree.text.units().data());
+        }
+    }
+    ASSERT_EQ(moved.size(), 1);
+    EXPECT_EQ(moved.front().first, edited);
+    EXPECT_EQ(moved.front().second, 7);
+}
+
+TEST(ReparseScheduler, FreesWhatItKeepsForTheNextParseAfterARest) {
+    Session session;
+    session.schedule(0ms, u"<a/>");
+    ASSERT_TRUE(runUntil([&] { return !session.delivered.empty(); }));
+    const std::weak_ptr<ParsedDocument> old = session.last->document;
+    session.scheduler->recycle(std::move(*session.last));
+    EXPECT_FALSE(old.expired());
+    EXPECT_TRUE(runUntil([&] { return old.expired(); }));
 }
 
 TEST(ReparseScheduler, MarksEachParse) {
