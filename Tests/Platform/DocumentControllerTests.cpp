@@ -150,16 +150,19 @@ TEST(DocumentWindow, OffersToCancelOnlyUntilTheFileIsReplaced) {
     Desk desk;
     DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
     Desk::note(window).type(QStringLiteral("uno"));
-    desk.replacing.close();
-    QSignalSpy saved(window, &DocumentWindow::saved);
-    window->save();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window->notices().isBusy(); }));
-    EXPECT_EQ(window->notices().text(), QStringLiteral("Guardando “a.txt”…"));
     const auto isOffered = [window] {
         const auto* const button = window->notices().findChild<QPushButton*>();
         return button != nullptr && button->isVisible();
     };
+    desk.gate.close();
+    desk.replacing.close();
+    QSignalSpy saved(window, &DocumentWindow::saved);
+    window->save();
+    ASSERT_TRUE(QTest::qWaitFor(isOffered));
+    desk.gate.open();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !isOffered(); }));
+    EXPECT_EQ(window->notices().text(), QStringLiteral("Guardando “a.txt”…"));
+    EXPECT_TRUE(window->notices().isBusy());
     desk.replacing.open();
     ASSERT_TRUE(saved.wait(10'000));
     EXPECT_EQ(desk.read(QStringLiteral("a.txt")), QByteArray("uno"));
