@@ -1,8 +1,10 @@
 #include "TextReplacement.h"
 
 #include "LargeArray.h"
+#include "RopeFlattener.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 
 namespace {
@@ -56,6 +58,23 @@ private:
     std::u16string m_buffer;
 };
 
+/// Where most of the new text is new, all of it goes into one array: whoever reads it in one piece would have to
+/// copy it, while the old text, for undoing, and its tree are still there.
+void storeTogether(TextReplacement& replacement, const Rope& old) {
+    constexpr Offset large = 4'000'000;
+    const Offset kept = old.size() - replacement.range.length();
+    if (replacement.text.size() < large || replacement.text.size() < kept) {
+        return;
+    }
+    try {
+        const Rope whole = old.replaced(replacement.range, replacement.text);
+        replacement.text = whole.movedTo(RopeFlattener().flattened(whole));
+        replacement.range = old.fullRange();
+    } catch (const std::bad_alloc&) {
+        // It is as good in pieces.
+    }
+}
+
 } // namespace
 
 TextReplacement TextReplacement::make(const TextSearch& search, SearchedText& text, SourceRange starts,
@@ -92,6 +111,7 @@ TextReplacement TextReplacement::make(const TextSearch& search, SearchedText& te
         return made;
     }
     made.text = builder.text();
+    storeTogether(made, old);
     made.caret = static_cast<Offset>(caret + caretShift);
     return made;
 }

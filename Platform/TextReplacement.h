@@ -9,7 +9,7 @@
 /// The matches of a text with something in their place, as one replacement: whatever their number, the text
 /// is changed in one quick step.
 struct TextReplacement {
-    SourceRange range; ///< From the first match to the last, in the text of the search.
+    SourceRange range; ///< From the first match to the last, or all of the text of the search.
     Rope text;         ///< Takes the place of `range`; shares long stretches with the text of the search.
     std::uint64_t count = 0;                            ///< How many matches are replaced.
     Offset caret = 0;                                   ///< Where the caret of the search is in the new text.

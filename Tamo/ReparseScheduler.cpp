@@ -186,13 +186,20 @@ void ReparseScheduler::freeUnused() {
     if (m_isParsing) {
         return;
     }
-    QThreadPool::globalInstance()->start(
-        [old = std::make_shared<std::vector<Result>>(std::exchange(m_old, {})),
-         flattener = std::make_shared<RopeFlattener>(m_flattener->takeFree())] {
-            old->clear();
-            flattener->forget();
-            giveMemoryBack();
-        });
+    // The old trees first: their texts stand in the arrays.
+    QThreadPool::globalInstance()->start([old = std::make_shared<std::vector<Result>>(std::exchange(m_old, {})),
+                                          application = QCoreApplication::instance(), self = QPointer(this)] {
+        old->clear();
+        QMetaObject::invokeMethod(
+            application,
+            [self] {
+                if (self != nullptr && !self->m_isParsing) {
+                    drop(self->m_flattener->takeFree());
+                }
+            },
+            Qt::QueuedConnection);
+        giveMemoryBack();
+    });
 }
 
 void ReparseScheduler::cancel() {
