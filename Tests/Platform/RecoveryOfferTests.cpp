@@ -164,10 +164,10 @@ TEST(RecoveryOffer, TellsOfTextsOfANewerVersionOfTheProgram) {
 
 TEST(RecoveryOffer, KeepsTextsForWhichTheMemoryIsTooShort) {
     const QTemporaryDir folder;
-    leave(folder.path(), {QString(20'000'000, u'x')});
+    leave(folder.path(), {QString(6'000'000, u'x')});
     Start start(folder.path());
     {
-        const MemoryLimit limit(std::size_t{8} << 20);
+        const MemoryLimit limit(std::size_t{4} << 20);
         Answer answer(QStringLiteral("OK"));
         EXPECT_EQ(start.offered(), nullptr);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
@@ -177,7 +177,7 @@ TEST(RecoveryOffer, KeepsTextsForWhichTheMemoryIsTooShort) {
     RecoveryDialog* const dialog = start.offered();
     ASSERT_NE(dialog, nullptr);
     {
-        const MemoryLimit limit(std::size_t{8} << 20);
+        const MemoryLimit limit(std::size_t{4} << 20);
         Answer answer(QStringLiteral("OK"));
         Start::press(*dialog, QStringLiteral("Recuperar"));
         ASSERT_TRUE(QTest::qWaitFor([&] { return !answer.question().isEmpty(); }));
@@ -187,5 +187,5 @@ TEST(RecoveryOffer, KeepsTextsForWhichTheMemoryIsTooShort) {
     EXPECT_TRUE(start.waitUntilDone());
     EXPECT_EQ(leftIn(folder.path()), 0); // This run still has them.
     ASSERT_EQ(start.store->recoverable().documents.size(), 1);
-    EXPECT_EQ(start.store->recoverable().documents.front().size, 20'000'000U);
+    EXPECT_EQ(start.store->recoverable().documents.front().size, 6'000'000U);
 }

@@ -58,7 +58,7 @@ TEST(ThreadTeam, HasAllThreadsOfTheSharedPoolBeforeMemoryIsShort) {
     startSharedPool();
     QThreadPool* const pool = QThreadPool::globalInstance();
     pool->waitForDone();
-    const MemoryLimit limit(0);
+    const MemoryLimit limit(std::size_t{1} << 20); // Less than the stack of a thread.
     std::atomic<int> arrived = 0;
     for (int i = 0; i < pool->maxThreadCount(); ++i) {
         pool->start([&arrived, all = pool->maxThreadCount()] {
