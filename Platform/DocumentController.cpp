@@ -1,5 +1,6 @@
 #include "DocumentController.h"
 
+#include "ChangesQuestion.h"
 #include "DocumentKeeper.h"
 #include "FileDialog.h"
 #include "FilePath.h"
@@ -73,17 +74,7 @@ DocumentWindow* DocumentController::show(std::unique_ptr<DocumentWindow> window)
             WindowPlacement::cascaded(last.pos(), shown->size() + frame, last.screen()->availableGeometry()));
     }
     m_windows.emplace_back(shown);
-    connect(shown, &DocumentWindow::aboutToClose, this, [this, shown] {
-        std::erase(m_windows, shown);
-        if (m_isQuitting) {
-            QMetaObject::invokeMethod(this, &DocumentController::closeNext, Qt::QueuedConnection);
-        }
-    });
-    connect(shown, &DocumentWindow::closingRefused, this, [this] {
-        if (std::exchange(m_isQuitting, false)) {
-            emit quitRefused();
-        }
-    });
+    connect(shown, &DocumentWindow::aboutToClose, this, [this, shown] { std::erase(m_windows, shown); });
     shown->show();
     return shown;
 }
@@ -261,20 +252,34 @@ QMenu* DocumentController::makeRecentMenu(QWidget* parent) {
 // Quitting
 
 void DocumentController::quit() {
-    m_isQuitting = true;
-    closeNext();
+    if (!std::exchange(m_isQuitting, true)) {
+        // The command may come from the menu of a window that closes while a save is waited for.
+        QMetaObject::invokeMethod(this, &DocumentController::askAndClose, Qt::QueuedConnection);
+    }
 }
 
-void DocumentController::closeNext() {
-    if (!m_isQuitting) {
-        return;
+void DocumentController::askAndClose() {
+    // A file that is being read has a window too, which closes with the others or stays with them.
+    for (const auto& opening : m_openings) {
+        if (opening->shown == nullptr) {
+            opening->patience.stop();
+            showOpening(*opening);
+        }
     }
     const auto open = windows();
-    if (open.empty()) {
-        m_isQuitting = false;
-        emit readyToQuit();
-        return;
+    const std::vector<QPointer<DocumentWindow>> leaving(open.begin(), open.end());
+    const bool mayClose = ChangesQuestion::mayClose(leaving);
+    m_isQuitting = false;
+    if (mayClose) {
+        for (const QPointer<DocumentWindow>& window : leaving) {
+            if (window != nullptr) {
+                window->closeUnasked();
+            }
+        }
     }
-    // The window tells when it has closed, or that the user does not want it to.
-    open.back()->close();
+    if (hasOpenDocuments()) {
+        emit quitRefused();
+    } else {
+        emit readyToQuit();
+    }
 }

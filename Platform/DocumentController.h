@@ -58,7 +58,9 @@ public slots:
     /// Opens those of `files` that are on this computer's disks.
     void openFiles(const QList<QUrl>& files);
 
-    /// Closes all windows, asking about changes, and ends the program unless the user cancels that.
+    /// Asks about all changes, then closes all windows and ends the program. When the user cancels one
+    /// question, no window closes. A document that arrives during the questions stays open, and the program
+    /// with it.
     void quit();
 
 signals:
@@ -87,7 +89,7 @@ private:
     void showOpening(Opening& opening);
     void finish(Opening& opening, DocumentReading reading);
     void end(Opening& opening);
-    void closeNext();
+    void askAndClose();
 
     const std::unique_ptr<DocumentType> m_type;
     std::shared_ptr<RecoveryStore> m_store;

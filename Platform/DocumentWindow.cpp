@@ -556,9 +556,14 @@ DocumentWindow::Closing DocumentWindow::prepareToClose() {
     return Closing::refused;
 }
 
+void DocumentWindow::closeUnasked() {
+    m_closesUnasked = true;
+    close();
+}
+
 void DocumentWindow::closeEvent(QCloseEvent* event) {
     finishEditing();
-    const Closing closing = m_document == nullptr ? Closing::now : prepareToClose();
+    const Closing closing = m_document == nullptr || m_closesUnasked ? Closing::now : prepareToClose();
     event->setAccepted(closing == Closing::now);
     if (closing == Closing::now) {
         emit aboutToClose();

@@ -86,6 +86,12 @@ public:
     /// Asks what is to become of the changes.
     Answer askAboutChanges();
 
+    /// Has a field that is being written in make that part of the document.
+    void finishEditing();
+
+    /// Closes without a question: the user has answered it.
+    void closeUnasked();
+
     /// The user does not want the changes. The document goes on as it is.
     void giveUpChanges() { emit changesGivenUp(); }
 
@@ -135,7 +141,6 @@ private:
     void askAboutConflict(const QString& path, FileSave::Outcome outcome);
     void askAboutLinks(const QString& path, Conflict conflict);
     Closing prepareToClose();
-    void finishEditing();
     void toEditor(const char* slot);
 
     DocumentController& m_controller;
@@ -162,4 +167,5 @@ private:
     BackgroundTask<DocumentReading> m_reverting;
     QTimer m_patience; ///< What takes longer shows.
     bool m_closesAfterSaving = false;
+    bool m_closesUnasked = false;
 };

@@ -1,8 +1,8 @@
 #include "SessionQuestion.h"
 
+#include "ChangesQuestion.h"
 #include "DocumentController.h"
 
-#include <QEventLoop>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QSessionManager>
@@ -28,39 +28,15 @@ void SessionQuestion::commitData(QSessionManager& manager) {
 }
 
 bool SessionQuestion::ask() {
-    for (const QPointer<DocumentWindow> window : m_controller.windows()) {
-        if (window == nullptr || !window->hasChangesToKeep()) {
-            continue;
-        }
-        DocumentController::raise(*window);
-        switch (window->askAboutChanges()) {
-        case DocumentWindow::Answer::save:
-            if (!save(*window)) {
-                return false;
-            }
-            break;
-        case DocumentWindow::Answer::discard:
+    const auto open = m_controller.windows();
+    const std::vector<QPointer<DocumentWindow>> asked(open.begin(), open.end());
+    if (!ChangesQuestion::mayClose(asked)) {
+        return false;
+    }
+    for (const QPointer<DocumentWindow>& window : asked) {
+        if (window != nullptr && window->hasChangesToKeep()) {
             window->giveUpChanges();
-            break;
-        case DocumentWindow::Answer::cancel:
-            return false;
         }
     }
     return true;
-}
-
-/// Waits until the document is saved; answers false when it is not.
-bool SessionQuestion::save(DocumentWindow& window) {
-    QEventLoop loop;
-    bool hasSucceeded = false;
-    connect(&window, &DocumentWindow::savingEnded, &loop, [&](bool succeeded) {
-        hasSucceeded = succeeded;
-        loop.quit();
-    });
-    connect(&window, &QObject::destroyed, &loop, &QEventLoop::quit);
-    window.save();
-    if (window.isSaving()) {
-        loop.exec();
-    }
-    return hasSucceeded;
 }

@@ -3,7 +3,6 @@
 #include <QObject>
 
 class DocumentController;
-class DocumentWindow;
 class QSessionManager;
 
 /// Asks about unsaved documents when the user logs out. Where the desktop does not let it ask, what is kept
@@ -20,7 +19,6 @@ public:
 
 private:
     void commitData(QSessionManager& manager);
-    static bool save(DocumentWindow& window);
 
     DocumentController& m_controller;
 };

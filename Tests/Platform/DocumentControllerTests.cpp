@@ -1,6 +1,10 @@
 #include "DocumentDesk.h"
 
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QLineEdit>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <unistd.h>
 
@@ -345,6 +349,96 @@ TEST(DocumentController, QuitsWhenAllDocumentsMayGo) {
     ASSERT_TRUE(ready.wait(10'000));
     EXPECT_EQ(desk.read(QStringLiteral("b.txt")), QByteArray("cambiado"));
     EXPECT_FALSE(desk.controller.hasOpenDocuments());
+}
+
+TEST(DocumentController, ClosesNothingWhenTheUserCancelsTheLastQuestion) {
+    Desk desk;
+    QSignalSpy refused(&desk.controller, &DocumentController::quitRefused);
+    const QPointer<DocumentWindow> unchanged = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    const QPointer<DocumentWindow> discarded = desk.open(desk.write(QStringLiteral("b.txt"), "hola"));
+    const QPointer<DocumentWindow> kept = desk.open(desk.write(QStringLiteral("c.txt"), "hola"));
+    const QPointer<DocumentWindow> last = desk.controller.newDocument();
+    Desk::note(discarded).type(QStringLiteral("sin querer"));
+    Desk::note(kept).type(QStringLiteral("cambiado"));
+    const Answer answer(QStringList{discardButton, cancelButton});
+    desk.controller.quit();
+    ASSERT_TRUE(refused.count() == 1 || refused.wait(10'000));
+    EXPECT_EQ(answer.question(), QStringLiteral("¿Guardar los cambios en “c.txt”?"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    for (const auto& window : {unchanged, discarded, kept, last}) {
+        ASSERT_NE(window, nullptr);
+        EXPECT_TRUE(window->isVisible());
+    }
+    EXPECT_EQ(Desk::note(discarded).text(), QStringLiteral("sin querer"));
+    EXPECT_TRUE(discarded->hasChangesToKeep());
+}
+
+TEST(DocumentController, QuitsWithoutDiscardedChanges) {
+    Desk desk;
+    QSignalSpy ready(&desk.controller, &DocumentController::readyToQuit);
+    DocumentWindow* const first = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    DocumentWindow* const second = desk.open(desk.write(QStringLiteral("b.txt"), "hola"));
+    Desk::note(first).type(QStringLiteral("sin querer"));
+    Desk::note(second).type(QStringLiteral("cambiado"));
+    const Answer answer(QStringList{discardButton, saveButton});
+    desk.controller.quit();
+    ASSERT_TRUE(ready.count() == 1 || ready.wait(10'000));
+    EXPECT_EQ(desk.read(QStringLiteral("a.txt")), QByteArray("hola"));
+    EXPECT_EQ(desk.read(QStringLiteral("b.txt")), QByteArray("cambiado"));
+}
+
+TEST(DocumentController, KeepsAFileThatArrivesDuringTheQuestions) {
+    Desk desk;
+    QSignalSpy ready(&desk.controller, &DocumentController::readyToQuit);
+    QSignalSpy refused(&desk.controller, &DocumentController::quitRefused);
+    const QPointer<DocumentWindow> changed = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(changed).type(QStringLiteral("sin querer"));
+    const QString late = desk.write(QStringLiteral("b.txt"), "hola");
+    std::unique_ptr<Answer> answer;
+    desk.opened.clear();
+    QTimer::singleShot(50, &desk.controller, [&] { desk.controller.open({late}); });
+    QObject::connect(&desk.controller, &DocumentController::windowOpened, &desk.controller,
+                     [&] { answer = std::make_unique<Answer>(discardButton); });
+    desk.controller.quit();
+    ASSERT_TRUE(refused.count() == 1 || refused.wait(10'000));
+    EXPECT_TRUE(isGone(changed));
+    ASSERT_EQ(desk.controller.windows().size(), 1U);
+    EXPECT_EQ(desk.controller.windows().front()->path(), late);
+    EXPECT_TRUE(desk.controller.windows().front()->isVisible());
+    EXPECT_EQ(ready.count(), 0);
+}
+
+TEST(DocumentController, AsksAgainAboutADocumentThatChangesAfterItsQuestion) {
+    Desk desk;
+    QSignalSpy refused(&desk.controller, &DocumentController::quitRefused);
+    DocumentWindow* const first = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    DocumentWindow* const second = desk.open(desk.write(QStringLiteral("b.txt"), "hola"));
+    Desk::note(first).type(QStringLiteral("sin querer"));
+    Desk::note(second).type(QStringLiteral("cambiado"));
+    desk.gate.close();
+    QObject::connect(second, &DocumentWindow::savingStarted, first, [&] {
+        Desk::note(first).type(QStringLiteral("queriendo"));
+        desk.gate.open();
+    });
+    const Answer answer(QStringList{discardButton, saveButton, cancelButton});
+    desk.controller.quit();
+    ASSERT_TRUE(refused.count() == 1 || refused.wait(10'000));
+    EXPECT_EQ(answer.question(), QStringLiteral("¿Guardar los cambios en “a.txt”?"));
+    EXPECT_EQ(Desk::note(first).text(), QStringLiteral("queriendo"));
+}
+
+TEST(DocumentController, StaysWhenADocumentCannotBeSaved) {
+    Desk desk;
+    QSignalSpy refused(&desk.controller, &DocumentController::quitRefused);
+    DocumentWindow* const window = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    Desk::note(window).type(QStringLiteral("cambiado"));
+    ASSERT_TRUE(QFile::remove(window->path()));
+    ASSERT_TRUE(QDir().mkdir(window->path()));
+    const Answer save(saveButton);
+    const Answer read(QStringLiteral("OK"));
+    desk.controller.quit();
+    ASSERT_TRUE(refused.count() == 1 || refused.wait(10'000));
+    EXPECT_TRUE(window->hasChangesToKeep());
 }
 
 TEST(DocumentWindow, TakesAnUntouchedNewDocumentAsPristine) {

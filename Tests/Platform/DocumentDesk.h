@@ -186,10 +186,12 @@ struct DocumentDesk {
     static Note& note(DocumentWindow* window) { return *static_cast<Note*>(window->document()); }
 };
 
-/// Presses the button called `text` in the next message box, and answers what the box says.
+/// Presses the button called `button` in the message boxes that come, or one of `buttons` in each in turn, the
+/// last of them in all that follow; answers what the last box said.
 class Answer : public QObject {
 public:
-    explicit Answer(QString button) : m_button(std::move(button)) { startTimer(10); }
+    explicit Answer(const QString& button) : Answer(QStringList(button)) {}
+    explicit Answer(QStringList buttons) : m_buttons(std::move(buttons)) { startTimer(10); }
 
     const QString& question() const { return m_question; }
 
@@ -200,8 +202,11 @@ protected:
             return;
         }
         for (QAbstractButton* const button : box->buttons()) {
-            if (button->text().remove(u'&') == m_button) {
+            if (button->text().remove(u'&') == m_buttons.front()) {
                 m_question = box->text();
+                if (m_buttons.size() > 1) {
+                    m_buttons.removeFirst();
+                }
                 button->click();
                 return;
             }
@@ -209,7 +214,7 @@ protected:
     }
 
 private:
-    QString m_button;
+    QStringList m_buttons;
     QString m_question;
 };
 

@@ -46,3 +46,15 @@ TEST(SessionQuestion, KeepsTheSessionWhenSavingFails) {
     EXPECT_FALSE(SessionQuestion(desk.controller).ask());
     EXPECT_TRUE(window->isWindowModified());
 }
+
+TEST(SessionQuestion, GivesUpNoChangesWhenALaterQuestionIsCancelled) {
+    DocumentDesk desk;
+    DocumentWindow* const first = desk.open(desk.write(QStringLiteral("a.txt"), "hola"));
+    DocumentWindow* const second = desk.open(desk.write(QStringLiteral("b.txt"), "hola"));
+    DocumentDesk::note(first).type(QStringLiteral("cambiado"));
+    DocumentDesk::note(second).type(QStringLiteral("cambiado"));
+    QSignalSpy givenUp(first, &DocumentWindow::changesGivenUp);
+    const Answer answer(QStringList{discardButton, cancelButton});
+    EXPECT_FALSE(SessionQuestion(desk.controller).ask());
+    EXPECT_EQ(givenUp.count(), 0);
+}
