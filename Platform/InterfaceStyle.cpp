@@ -377,6 +377,7 @@ int InterfaceStyle::styleHint(StyleHint hint, const QStyleOption* option, const 
     case SH_EtchDisabledText:
         return 0;
     case SH_ItemView_ShowDecorationSelected:
+    case SH_Menu_Scrollable: // A menu in columns hides what is behind the edge of the screen.
         return 1;
     default:
         return QProxyStyle::styleHint(hint, option, widget, data);

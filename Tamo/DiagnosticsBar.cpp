@@ -14,6 +14,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QPainter>
+#include <QScreen>
 #include <QStyleOptionToolButton>
 #include <QStylePainter>
 #include <QToolButton>
@@ -26,6 +27,7 @@ constexpr int barHeight = 32;
 constexpr int symbolSize = 14;
 constexpr std::size_t mostProblems = 100; ///< In the menu.
 constexpr qsizetype longestEntry = 120;   ///< Units of a message in it.
+constexpr int besideEntry = 96;           ///< The symbol, the edges of the menu, and some of the window.
 
 /// "1 byte", "999 bytes", "1,2 MB".
 QString dataSize(std::uint64_t bytes) {
@@ -34,9 +36,8 @@ QString dataSize(std::uint64_t bytes) {
                : QLocale().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
 }
 
-/// Text from a document as an entry of a menu: on one line, of a bounded length, without what a menu reads
-/// into it.
-QString entry(const std::u16string& text) {
+/// Text from a document on one line, of a bounded length.
+QString line(const std::u16string& text) {
     QString shown = QString::fromStdU16String(text.substr(0, static_cast<std::size_t>(longestEntry)));
     for (QChar& unit : shown) {
         if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
@@ -47,7 +48,14 @@ QString entry(const std::u16string& text) {
     if (text.size() > static_cast<std::size_t>(longestEntry)) {
         shown += u'…';
     }
-    return menuText(shown);
+    return shown;
+}
+
+/// The entry of `menu` that says `text`: cut where it would be wider than the screen, and without what a menu
+/// reads into it.
+QString entry(const QString& text, const QMenu& menu) {
+    const int room = menu.screen()->availableGeometry().width() - besideEntry;
+    return menuText(menu.fontMetrics().elidedText(text, Qt::ElideRight, room));
 }
 
 /// A symbol in a system colour, asked for whenever it is painted.
@@ -192,6 +200,9 @@ void DiagnosticsBar::showFacts() {
 
 void DiagnosticsBar::fillMenu() {
     m_menu->clear();
+    // In front, where it is in view however long the menu is.
+    m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
+    m_menu->addSeparator();
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const std::size_t shown = std::min(diagnostics.size(), mostProblems);
     for (std::size_t index = 0; index < shown; ++index) {
@@ -201,18 +212,16 @@ void DiagnosticsBar::fillMenu() {
         m_menu->addAction(QStringLiteral("y %1 más…").arg(groupedNumber(diagnostics.size() - shown)))
             ->setEnabled(false);
     }
-    m_menu->addSeparator();
-    m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
 }
 
 void DiagnosticsBar::addProblem(std::size_t index) {
     const Diagnostic diagnostic = m_session.tree().diagnostics[index];
-    const std::size_t line = m_session.lines().line(m_session.problemStarts().start(index)) + 1;
+    const std::size_t number = m_session.lines().line(m_session.problemStarts().start(index)) + 1;
     const bool isError = diagnostic.severity == Diagnostic::Severity::error;
     QAction* const problem = m_menu->addAction(
         Symbol::icon(isError ? u"exclamationmark.circle.fill" : u"exclamationmark.triangle.fill",
                      isError ? SystemColor::systemRed : SystemColor::systemOrange),
-        QStringLiteral("Línea %1: ").arg(groupedNumber(line)) + entry(diagnostic.message));
+        entry(QStringLiteral("Línea %1: ").arg(groupedNumber(number)) + line(diagnostic.message), *m_menu));
     // While the menu is open another tree may come.
     connect(problem, &QAction::triggered, this, [this, range = diagnostic.range, of = m_session.treeGeneration()] {
         if (m_session.treeGeneration() == of) {
@@ -221,7 +230,8 @@ void DiagnosticsBar::addProblem(std::size_t index) {
     });
     const std::vector<Diagnostic::Fix> fixes = FixPlanner::fixes(m_session.tree(), index);
     for (std::size_t choice = 0; choice < fixes.size(); ++choice) {
-        QAction* const fix = m_menu->addAction(QStringLiteral("    ") + entry(fixes[choice].title));
+        QAction* const fix =
+            m_menu->addAction(entry(QStringLiteral("    ") + line(fixes[choice].title), *m_menu));
         connect(fix, &QAction::triggered, this, [this, index, choice, of = m_session.treeGeneration()] {
             if (m_session.treeGeneration() == of) {
                 m_session.applyFix(index, choice);

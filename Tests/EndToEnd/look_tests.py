@@ -8,6 +8,7 @@ import os
 from desktop import accessibility, api_error, wait_until
 from document_test import DocumentTest, run
 
+SCREEN = (1600, 1000)
 SMALLEST = (480, 320)  # The smallest size that a window lets itself be made.
 
 
@@ -41,6 +42,18 @@ class Looks(DocumentTest):
         app.click_on(text)
         app.wait_for(role="text", name="Texto", state="focused")
         return app, text
+
+    def start_magnified(self, path):
+        """The program as on a screen of 800 by 500 logical pixels."""
+        os.environ["QT_SCALE_FACTOR"] = "2"
+        self.addCleanup(os.environ.update, QT_SCALE_FACTOR="1")
+        return self.start_with_text(path)
+
+    def assert_on_screen(self, app, title):
+        shape = app._xdotool("getwindowgeometry", "--shell", app.windows()[title])
+        place = dict(line.split("=") for line in shape.split() if "=" in line)
+        x, y, width, height = (int(place[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        self.assertTrue(x >= 0 and y >= 0 and x + width <= SCREEN[0] and y + height <= SCREEN[1], f"{title}: {place}")
 
     def resize(self, app, width, height):
         app._xdotool("windowsize", "--sync", app._window, str(width), str(height))
@@ -113,12 +126,20 @@ class Looks(DocumentTest):
         paths = [self.document("<a/>\n", f"documento-{number}.xml") for number in range(12)]
         app = self.start(*paths)
         wait_until(lambda: len(app.windows()) == len(paths), "all windows")
-        for title, number in app.windows().items():
-            shape = dict(
-                line.split("=") for line in app._xdotool("getwindowgeometry", "--shell", number).split() if "=" in line
+        for title in app.windows():
+            self.assert_on_screen(app, title)
+
+    def test_the_menu_of_many_problems_can_be_used_on_a_small_screen(self):
+        app = self.start_magnified(self.document("<a>\n" + "&\n" * 200 + "</a>\n"))
+        app.click_on(app.wait_for(role="push button", starts="200 errores"))
+        mend = app.wait_for(role="menu item", name="Corregir todo")
+        first = app.wait_for(role="menu item", starts="Línea 2:")
+        for place in (box_of(mend), box_of(first)):
+            self.assertTrue(
+                place.left >= 0 and place.top >= 0 and place.right <= SCREEN[0] and place.bottom <= SCREEN[1], place
             )
-            x, y, width, height = (int(shape[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
-            self.assertTrue(x >= 0 and y >= 0 and x + width <= 1600 and y + height <= 1000, f"{title}: {shape}")
+        app.click_on(mend)
+        app.wait_for(role="label", name="Sin errores")
 
     def test_remembers_where_a_divider_was_left(self):
         app, text = self.start_in(3, self.document("<a/>\n"))

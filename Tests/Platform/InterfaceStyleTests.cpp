@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStyleOptionSlider>
@@ -142,6 +143,25 @@ TEST_F(InterfaceStyleTest, MakesRoomForShortcutsInMenus) {
     plain.addAction(QStringLiteral("Formatear"));
     withShortcut.addAction(QStringLiteral("Formatear"))->setShortcut(Qt::CTRL | Qt::Key_F);
     EXPECT_GT(withShortcut.sizeHint().width(), plain.sizeHint().width() + 32);
+}
+
+TEST_F(InterfaceStyleTest, ScrollsMenusThatAreHigherThanTheScreen) {
+    auto& menu = dressed<QMenu>();
+    for (int at = 0; at < 100; ++at) {
+        menu.addAction(QStringLiteral("Entrada %1").arg(at));
+    }
+    menu.popup(QPoint(0, 0));
+    EXPECT_LE(menu.height(), menu.screen()->availableGeometry().height());
+    EXPECT_EQ(menu.actionGeometry(menu.actions().front()).left(),
+              menu.actionGeometry(menu.actions().back()).left())
+        << "one column";
+    QTest::keyClick(&menu, Qt::Key_Down);
+    EXPECT_EQ(menu.activeAction(), menu.actions().front());
+    QTest::keyClick(&menu, Qt::Key_Up);
+    EXPECT_EQ(menu.activeAction(), menu.actions().back());
+    const QRect active = menu.actionGeometry(menu.activeAction());
+    EXPECT_TRUE(menu.rect().contains(active)) << active.top() << " to " << active.bottom() << " of " << menu.height();
+    menu.hide();
 }
 
 TEST_F(InterfaceStyleTest, FillsTheDefaultButtonWithTheAccent) {
