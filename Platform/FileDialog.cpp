@@ -2,6 +2,7 @@
 
 #include "FilePath.h"
 #include "ShownName.h"
+#include "WindowPlacement.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -9,6 +10,7 @@
 #include <QHeaderView>
 #include <QLocale>
 #include <QPointer>
+#include <QScreen>
 #include <QSplitter>
 #include <QStyledItemDelegate>
 #include <QTreeView>
@@ -73,7 +75,7 @@ FileDialog::FileDialog(const QString& title, const QStringList& filters, QWidget
     : QFileDialog(parent, title), m_filters(filters) {
     setOption(QFileDialog::HideNameFilterDetails);
     setNameFilters(filters);
-    resize(usualSize);
+    resize(WindowPlacement::fitting(usualSize, screen()->availableGeometry()));
     if (auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
         showWholeNames(*list);
     }

@@ -3,6 +3,7 @@
 #include "FilePath.h"
 #include "GroupedNumber.h"
 #include "ShownName.h"
+#include "WindowPlacement.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -11,6 +12,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -50,7 +52,7 @@ RecoveryDialog::RecoveryDialog(const std::vector<RecoverableDocument>& documents
       m_discard(new QPushButton(QStringLiteral("&Descartar"))) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Recuperar documentos"));
-    resize(usualSize);
+    resize(WindowPlacement::fitting(usualSize, screen()->availableGeometry()));
     auto* const text = new QLabel(
         QStringLiteral("La última vez, el programa se interrumpió con cambios sin guardar en estos "
                        "documentos. Los que recuperes "

@@ -3,12 +3,14 @@
 #include "EncodingList.h"
 #include "GroupedNumber.h"
 #include "SystemFont.h"
+#include "WindowPlacement.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -34,7 +36,7 @@ ReopenEncodingDialog::ReopenEncodingDialog(const QString& name, FileStart start,
       m_list(new EncodingList([](const StringEncoding&) { return true; })), m_preview(new QPlainTextEdit),
       m_problem(makeText({})), m_accept(new QPushButton(QStringLiteral("&Volver a abrir"))) {
     setWindowTitle(QStringLiteral("Volver a abrir con la codificación"));
-    resize(usualSize);
+    resize(WindowPlacement::fitting(usualSize, screen()->availableGeometry()));
     m_preview->setReadOnly(true);
     m_preview->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_preview->setFont(SystemFont::monospaced());

@@ -1,6 +1,7 @@
 #include "SaveEncodingDialog.h"
 
 #include "EncodingList.h"
+#include "WindowPlacement.h"
 #include "XMLDeclaration.h"
 
 #include <QCheckBox>
@@ -9,6 +10,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -43,7 +45,7 @@ SaveEncodingDialog::SaveEncodingDialog(const EncodingChoice& current, std::u16st
       m_mark(new QCheckBox(QStringLiteral("Escribir la &marca de orden de bytes (BOM)"))),
       m_declaration(new QLabel), m_accept(new QPushButton(QStringLiteral("&Guardar"))) {
     setWindowTitle(QStringLiteral("Guardar con la codificación"));
-    resize(usualSize);
+    resize(WindowPlacement::fitting(usualSize, screen()->availableGeometry()));
     const bool usesPairs = lineEnding == u"\r\n";
     m_lineEndings->addItem(usesPairs ? QStringLiteral("Como están (CRLF)")
                                      : QStringLiteral("Como están (LF)"));

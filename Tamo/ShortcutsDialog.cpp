@@ -1,9 +1,11 @@
 #include "ShortcutsDialog.h"
 
 #include "SystemFont.h"
+#include "WindowPlacement.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
+#include <QScreen>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -46,5 +48,5 @@ ShortcutsDialog::ShortcutsDialog(const QList<KeySection>& sections, QWidget* par
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(list, 1);
     layout->addWidget(buttons);
-    resize(initialSize);
+    resize(WindowPlacement::fitting(initialSize, screen()->availableGeometry()));
 }

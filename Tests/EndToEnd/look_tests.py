@@ -129,6 +129,22 @@ class Looks(DocumentTest):
         for title in app.windows():
             self.assert_on_screen(app, title)
 
+    def test_dialogs_stay_on_a_small_screen(self):
+        app = self.start_magnified(self.document("<a/>\n"))
+        for keys, title in (
+            (["F1"], "Atajos de teclado"),
+            (["ctrl+o"], "Abrir"),
+            (["ctrl+shift+s"], "Guardar como"),
+            (["alt+a", "b"], "Volver a abrir con la codificación"),
+            (["alt+a", "l"], "Guardar con la codificación"),
+        ):
+            for key in keys:
+                app.press(key)
+                wait_until(lambda: len(app.windows()) > 1, "menu or dialog")
+            wait_until(lambda title=title: title in app.windows(), f"dialog {title}")
+            self.assert_on_screen(app, title)
+            app.answer(title, "Escape")
+
     def test_the_menu_of_many_problems_can_be_used_on_a_small_screen(self):
         app = self.start_magnified(self.document("<a>\n" + "&\n" * 200 + "</a>\n"))
         app.click_on(app.wait_for(role="push button", starts="200 errores"))

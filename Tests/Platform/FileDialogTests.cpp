@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -71,6 +72,18 @@ TEST(FileDialog, ProposesTheNameInItsFolder) {
     const QString proposal = folder.filePath(QStringLiteral("nota.txt"));
     EXPECT_EQ(answer(FileDialog::toSave(proposal, filters, nullptr), [](FileDialog&) {}),
               QStringList(proposal));
+}
+
+TEST(FileDialog, IsNoLargerThanTheScreen) {
+    for (FileDialog* const dialog :
+         {FileDialog::toOpen({}, filters, nullptr), FileDialog::toSave(QStringLiteral("a"), filters, nullptr)}) {
+        const std::unique_ptr<FileDialog> owner(dialog);
+        dialog->show();
+        EXPECT_TRUE(dialog->screen()->availableGeometry().size().expandedTo(dialog->size()) ==
+                    dialog->screen()->availableGeometry().size());
+        EXPECT_LE(dialog->minimumSizeHint().width(), 620);
+        EXPECT_LE(dialog->minimumSizeHint().height(), 400);
+    }
 }
 
 TEST(FileDialog, AnswersNothingWhenTheUserGivesUp) {
