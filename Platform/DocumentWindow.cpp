@@ -13,13 +13,17 @@
 #include "WindowPlacement.h"
 #include "WriteFailureQuestion.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -49,6 +53,9 @@ DocumentWindow::DocumentWindow(DocumentController& controller)
     setCentralWidget(m_frame);
     m_patience.setSingleShot(true);
     buildMenus();
+    // The window system knows of no other key for it than that of menus, which many keyboards lack.
+    connect(new QShortcut(Qt::SHIFT | Qt::Key_F10, this), &QShortcut::activated, this,
+            &DocumentWindow::openContextMenu);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
         if (now != nullptr && isAncestorOf(now) && !menuBar()->isAncestorOf(now) && now != menuBar()) {
             m_lastFocus = now;
@@ -241,6 +248,27 @@ void DocumentWindow::listWindows() {
                                                [window] { DocumentController::raise(*window); });
         action->setCheckable(true);
         action->setChecked(window == this);
+    }
+}
+
+// Keys
+
+void DocumentWindow::openContextMenu() {
+    if (QWidget* const focused = focusWidget()) {
+        const QPoint at = focused->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, at, focused->mapToGlobal(at));
+        QApplication::sendEvent(focused, &event);
+    }
+}
+
+void DocumentWindow::keyPressEvent(QKeyEvent* event) {
+    auto* const button = qobject_cast<QAbstractButton*>(focusWidget());
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isPlain = (event->modifiers() & ~Qt::KeypadModifier) == 0;
+    if (button == nullptr || !isReturn || !isPlain) {
+        QMainWindow::keyPressEvent(event);
+    } else if (!event->isAutoRepeat()) {
+        button->click();
     }
 }
 

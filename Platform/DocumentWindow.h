@@ -89,6 +89,9 @@ public:
     /// Has a field that is being written in make that part of the document.
     void finishEditing();
 
+    /// Opens the context menu of what has the focus.
+    void openContextMenu();
+
     /// Closes without a question: the user has answered it.
     void closeUnasked();
 
@@ -117,6 +120,8 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    /// Return presses a button that has the focus, as in a dialog.
+    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 

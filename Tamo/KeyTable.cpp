@@ -122,7 +122,7 @@ KeySection fieldSection() {
              {QStringLiteral("Renunciar a lo escrito"), {Qt::Key_Escape}},
              {QStringLiteral("Campo siguiente o anterior"), {Qt::Key_Tab, Qt::SHIFT | Qt::Key_Tab}},
              {QStringLiteral("Quitar el atributo"), {Qt::Key_Delete}},
-             {QStringLiteral("Pulsar el botón"), {Qt::Key_Space}}}};
+             {QStringLiteral("Pulsar el botón"), {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}}}};
 }
 
 KeySection findSection() {

@@ -452,6 +452,43 @@ TEST(DocumentWindow, TakesAnUntouchedNewDocumentAsPristine) {
     EXPECT_TRUE(window->isPristine());
 }
 
+TEST(DocumentWindow, PressesTheButtonWithTheFocusByReturn) {
+    Desk desk;
+    DocumentWindow* const window = desk.controller.newDocument();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    QPushButton button(window);
+    QLineEdit field(window);
+    for (QWidget* const each : {static_cast<QWidget*>(&button), static_cast<QWidget*>(&field)}) {
+        each->show();
+    }
+    QSignalSpy pressed(&button, &QPushButton::clicked);
+    button.setFocus();
+    QTest::keyClick(&button, Qt::Key_Return);
+    EXPECT_EQ(pressed.count(), 1);
+    QTest::keyClick(&button, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(pressed.count(), 2);
+    QTest::keyClick(&button, Qt::Key_Return, Qt::ControlModifier);
+    field.setFocus();
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(pressed.count(), 2);
+}
+
+TEST(DocumentWindow, OpensTheContextMenuOfWhatHasTheFocusByTheKeysOfOtherDesktops) {
+    Desk desk;
+    DocumentWindow* const window = desk.controller.newDocument();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    struct Listener : QWidget {
+        using QWidget::QWidget;
+        std::optional<QContextMenuEvent::Reason> reason;
+        void contextMenuEvent(QContextMenuEvent* event) override { reason = event->reason(); }
+    } listener(window);
+    listener.setFocusPolicy(Qt::StrongFocus);
+    listener.show();
+    listener.setFocus();
+    QTest::keyClick(&listener, Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_EQ(listener.reason, QContextMenuEvent::Keyboard);
+}
+
 TEST(DocumentWindow, HasTheMenusOfTheDesktop) {
     Desk desk;
     DocumentWindow* const window = desk.controller.newDocument();

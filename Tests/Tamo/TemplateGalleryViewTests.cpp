@@ -72,6 +72,16 @@ TEST(TemplateGalleryView, PassesWhatIsTypedOn) {
     EXPECT_EQ(desk.requests.count(), 0);
 }
 
+TEST(TemplateGalleryView, LeadsTheTabKeyFromCardToCard) {
+    Desk desk;
+    for (QAbstractButton* const card : desk.gallery.cards()) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget(), card) << qUtf8Printable(card->text());
+    }
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), desk.gallery.blankButton());
+}
+
 TEST(TemplateGalleryView, OffersABlankPage) {
     Desk desk;
     QTest::mouseClick(desk.gallery.blankButton(), Qt::LeftButton);
