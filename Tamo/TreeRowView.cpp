@@ -16,6 +16,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -160,8 +161,10 @@ Part count(const TreeRowView& view, const QPalette& palette) {
 }
 
 int countWidth(const TreeRowView& view) {
-    const QFont font = SystemFont::withMonospacedDigits(SystemFont::caption());
-    return QFontMetrics(font).horizontalAdvance(groupedNumber(view.tree[view.row.node].childCount));
+    // Up to the next pixel: a number in less room than it needs is cut.
+    const QFontMetricsF metrics(SystemFont::withMonospacedDigits(SystemFont::caption()));
+    return static_cast<int>(
+        std::ceil(metrics.horizontalAdvance(groupedNumber(view.tree[view.row.node].childCount))));
 }
 
 QRect ground(const QRect& row) { return row.adjusted(inset, 0, -inset, 0); }

@@ -1,5 +1,6 @@
 #include "TreeRowView.h"
 
+#include "GroupedNumber.h"
 #include "Repeated.h"
 #include "Symbol.h"
 #include "SystemColor.h"
@@ -7,6 +8,7 @@
 #include "TreeParser.h"
 
 #include <QImage>
+#include <QPaintEngine>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -57,6 +59,47 @@ bool hasColor(const QImage& image, const QRect& part, const QColor& wanted) {
     }
     return false;
 }
+
+/// What is painted as text, one string behind the other.
+class PaintedText : public QPaintDevice, public QPaintEngine {
+public:
+    PaintedText() : QPaintEngine(AllFeatures) {}
+
+    using QPaintEngine::drawPolygon;
+
+    const QString& text() const { return m_text; }
+
+    QPaintEngine* paintEngine() const override { return const_cast<PaintedText*>(this); }
+    bool begin(QPaintDevice*) override { return true; }
+    bool end() override { return true; }
+    void updateState(const QPaintEngineState&) override {}
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+    void drawPath(const QPainterPath&) override {}
+    void drawPolygon(const QPointF*, int, PolygonDrawMode) override {}
+    void drawTextItem(const QPointF&, const QTextItem& item) override { m_text += item.text(); }
+    Type type() const override { return User; }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override {
+        switch (metric) {
+        case PdmWidth:
+        case PdmHeight:
+            return 300;
+        case PdmDpiX:
+        case PdmDpiY:
+        case PdmPhysicalDpiX:
+        case PdmPhysicalDpiY:
+            return 96;
+        case PdmDevicePixelRatio:
+            return 1;
+        default:
+            return QPaintDevice::metric(metric);
+        }
+    }
+
+private:
+    QString m_text;
+};
 
 bool isBlank(const QImage& image, const QRect& part) {
     const QImage copy = image.copy(part);
@@ -122,6 +165,20 @@ TEST(TreeRowView, CountsChildrenOnlyWhileTheyAreHidden) {
     EXPECT_TRUE((TreeRowView{collapsed, tree}.showsCount()));
     EXPECT_FALSE((TreeRowView{expanded, tree}.showsCount()));
     EXPECT_FALSE((TreeRowView{leaf, tree}.showsCount()));
+}
+
+TEST(TreeRowView, ShowsTheWholeNumberOfChildren) {
+    DocumentTree tree = parse(u"<a><b/></a>");
+    const Row row = rowOf({1}, tree);
+    for (std::uint32_t count = 1; count < 30'000; count += 97) {
+        tree.nodes[1].childCount = count;
+        PaintedText painted;
+        {
+            QPainter painter(static_cast<QPaintDevice*>(&painted));
+            TreeRowView{row, tree}.paint(painter, plain, palette(Qt::white));
+        }
+        EXPECT_TRUE(painted.text().contains(groupedNumber(count))) << painted.text().toStdString();
+    }
 }
 
 TEST(TreeRowView, LinesUpIconsWhateverHasChildren) {
