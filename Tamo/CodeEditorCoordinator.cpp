@@ -75,6 +75,7 @@ void CodeEditorCoordinator::connectViews(TextView& textView, LineNumberRuler& ru
     connect(&textView, &TextView::visibleTextChanged, this, &CodeEditorCoordinator::visibleTextChanged);
     connect(&m_session, &EditorSession::treeGenerationChanged, this, &CodeEditorCoordinator::update);
     connect(&m_session, &EditorSession::revealRequestChanged, this, &CodeEditorCoordinator::update);
+    ruler.updateThickness();
     update();
 }
 
@@ -98,7 +99,7 @@ void CodeEditorCoordinator::showParse() {
     // it likes.
     const std::shared_ptr<const ParsedDocument> parsed = m_session.parsed();
     const std::shared_ptr<const LineIndex> lines(parsed, &parsed->lines);
-    m_ruler->setLines(lines);
+    m_ruler->setLines(m_session.hasTree() ? lines : nullptr);
     m_ruler->setErrorLines({{parsed, &parsed->problemStarts}, lines});
     m_ruler->updateThickness();
     highlightVisibleLines();

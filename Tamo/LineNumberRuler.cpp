@@ -42,8 +42,7 @@ QString plainToolTip(const QString& text) {
 } // namespace
 
 LineNumberRuler::LineNumberRuler(TextView& clientView)
-    : m_clientView(&clientView), m_lines(std::make_shared<LineIndex>()),
-      m_ruleThickness(thickness(m_lines->lineCount())) {
+    : m_clientView(&clientView), m_ruleThickness(thickness(1)) {
     setFont(SystemFont::monospacedDigits());
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
 }
@@ -59,8 +58,15 @@ LineNumberRuler::Marks LineNumberRuler::marks(double y, double lineHeight, QSize
             QRectF(dotLeft, y + (height - dotDiameter) * 0.5, dotDiameter, dotDiameter)};
 }
 
+std::size_t LineNumberRuler::lineCount() const {
+    if (m_lines != nullptr) {
+        return m_lines->lineCount();
+    }
+    return m_clientView != nullptr ? m_clientView->text().lineCount() : 1;
+}
+
 void LineNumberRuler::updateThickness() {
-    const double wanted = thickness(m_lines->lineCount());
+    const double wanted = thickness(lineCount());
     if (std::abs(wanted - m_ruleThickness) > leastChange) {
         m_ruleThickness = wanted;
         if (m_clientView != nullptr) {
@@ -73,6 +79,9 @@ void LineNumberRuler::updateThickness() {
 QSize LineNumberRuler::sizeHint() const { return {static_cast<int>(std::ceil(m_ruleThickness)), 0}; }
 
 std::size_t LineNumberRuler::number(std::size_t ofLine) const {
+    if (m_lines == nullptr) {
+        return ofLine + 1;
+    }
     const std::size_t first = m_clientView->firstVisibleLine();
     return m_lines->line(m_clientView->text().lineStart(first)) + (ofLine - first) + 1;
 }

@@ -15,7 +15,7 @@ class TextView;
 
 /// The gutter at the left of a text view: the number of every line that shows, counted from 1, and a red dot
 /// before the number of a line on which a diagnostic starts. The first number comes from the lines that it
-/// was given last, the others count on from it. A press selects the line, a drag several, and Shift extends
+/// was given last, if there are any, and the others count on from it. A press selects the line, a drag several, and Shift extends
 /// what is selected. All in logical pixels.
 class LineNumberRuler : public QWidget {
     Q_OBJECT
@@ -24,9 +24,11 @@ public:
     /// A ruler without lines. Whoever makes it hands it to `clientView`.
     explicit LineNumberRuler(TextView& clientView);
 
-    /// Both shared with whoever parsed the text; followed by `updateThickness`.
+    /// Both shared with what parsed the text; followed by `updateThickness`. Null before the first parse: then
+    /// the view's own lines count.
     void setLines(std::shared_ptr<const LineIndex> lines) { m_lines = std::move(lines); }
     void setErrorLines(ErrorLines errorLines) { m_errorLines = std::move(errorLines); }
+    /// Only where there are some.
     const LineIndex& lines() const { return *m_lines; }
     const ErrorLines& errorLines() const { return m_errorLines; }
 
@@ -63,6 +65,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    std::size_t lineCount() const;
     /// The point of the text's viewport beside a point of the ruler.
     QPointF beside(QPointF at) const;
     double top(std::size_t ofLine) const;

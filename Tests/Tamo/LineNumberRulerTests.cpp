@@ -198,6 +198,18 @@ TEST(LineNumberRuler, CountsOnFromTheLinesOfTheLastParse) {
     EXPECT_EQ(desk.ruler->number(last), 4U + (last - first));
 }
 
+TEST(LineNumberRuler, CountsTheLinesOfTheViewBeforeTheFirstParse) {
+    Desk desk(lines(2'000));
+    desk.ruler->setLines(nullptr);
+    desk.ruler->updateThickness();
+    EXPECT_EQ(desk.ruler->ruleThickness(), 52);
+    desk.view.scrollToVisible(SourceRange::empty(desk.buffer.text().size()));
+    const std::size_t last = desk.view.lastVisibleLine();
+    ASSERT_EQ(last, 1'999U);
+    EXPECT_EQ(desk.ruler->number(last), 2'000U);
+    EXPECT_EQ(desk.ruler->number(desk.view.firstVisibleLine()), desk.view.firstVisibleLine() + 1);
+}
+
 TEST(LineNumberRuler, DrawsAllLinesThatShowAtTheHeightOfTheText) {
     Desk desk(lines(200));
     desk.view.scrollToVisible(SourceRange::empty(desk.buffer.text().lineStart(120)));
