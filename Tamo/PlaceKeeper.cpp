@@ -4,6 +4,8 @@
 #include "TreeEditorView.h"
 #include "UnitScan.h"
 
+#include <QScrollBar>
+
 #include <algorithm>
 
 namespace {
@@ -28,6 +30,9 @@ PlaceKeeper::PlaceKeeper(EditorSession& session, CodeEditorView& source, TreeEdi
     : QObject(parent), m_session(session), m_source(source), m_tree(tree) {}
 
 void PlaceKeeper::prepare(Mode mode) {
+    if (mode == Mode::visual && m_source.isVisible()) {
+        m_revealedInSight = m_session.revealRequest();
+    }
     // Posted events come in order: the panes are laid out before.
     if (mode != Mode::visual && m_source.isHidden() && m_tree.isVisible()) {
         if (const auto place = placeInTree()) {
@@ -73,6 +78,10 @@ void PlaceKeeper::showInText(NodePlace place) {
     const auto now = m_session.editsSinceParse().now(place.range);
     if (!now || !m_source.isVisible()) {
         return;
+    }
+    if (m_session.revealRequest() != m_revealedInSight) {
+        // What was revealed out of sight was scrolled to in a view that had no width yet.
+        m_source.textView().horizontalScrollBar()->setValue(0);
     }
     if (place.isSelected) {
         putCaretInto(*now);

@@ -39,4 +39,5 @@ private:
     EditorSession& m_session;
     CodeEditorView& m_source;
     TreeEditorView& m_tree;
+    std::optional<EditorSession::RevealRequest> m_revealedInSight; ///< The last one, when the source was hidden.
 };

@@ -68,6 +68,18 @@ TEST(PlaceKeeper, ShowsTheNodeAtTheCaretInTheTree) {
     EXPECT_EQ(desk.selected(), u"<autor90/>");
 }
 
+TEST(PlaceKeeper, ScrollsToTheSideOnlyWhereTheNodeNeedsIt) {
+    Desk desk(Mode::visual);
+    for (const std::u16string_view book : {u"<autor3/>", u"<autor90/>"}) {
+        const Offset place = desk.place(book);
+        desk.session.reveal({place, place + static_cast<Offset>(book.size())});
+    }
+    desk.session.setMode(Mode::text);
+    EXPECT_TRUE(soon([&] { return desk.showsText(u"<autor90/>"); }));
+    EXPECT_TRUE(soon([&] { return desk.source().horizontalScrollBar()->value() == 0; }))
+        << desk.source().horizontalScrollBar()->value();
+}
+
 TEST(PlaceKeeper, ShowsTheNodeAtTheTopWhereTheCaretIsElsewhere) {
     Desk desk(Mode::text);
     desk.source().select(SourceRange::empty(desk.place(u"<autor3/>")));
