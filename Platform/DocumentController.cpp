@@ -74,9 +74,21 @@ DocumentWindow* DocumentController::show(std::unique_ptr<DocumentWindow> window)
             WindowPlacement::cascaded(last.pos(), shown->size() + frame, last.screen()->availableGeometry()));
     }
     m_windows.emplace_back(shown);
-    connect(shown, &DocumentWindow::aboutToClose, this, [this, shown] { std::erase(m_windows, shown); });
+    connect(shown, &DocumentWindow::aboutToClose, this, [this, shown] {
+        std::erase(m_windows, shown);
+        showTitles();
+    });
+    connect(shown, &DocumentWindow::documentChanged, this, &DocumentController::showTitles);
+    showTitles();
     shown->show();
     return shown;
+}
+
+/// Names that were alone may have company now, or be alone again.
+void DocumentController::showTitles() {
+    for (DocumentWindow* const window : windows()) {
+        window->showTitle();
+    }
 }
 
 void DocumentController::setRecentFiles(RecentFiles* files) {

@@ -90,6 +90,7 @@ private:
     void finish(Opening& opening, DocumentReading reading);
     void end(Opening& opening);
     void askAndClose();
+    void showTitles();
 
     const std::unique_ptr<DocumentType> m_type;
     std::shared_ptr<RecoveryStore> m_store;

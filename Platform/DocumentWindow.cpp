@@ -4,6 +4,7 @@
 #include "FieldUndo.h"
 #include "FileDialog.h"
 #include "FilePath.h"
+#include "FolderHint.h"
 #include "MemoryShortage.h"
 #include "MenuText.h"
 #include "NoticeBar.h"
@@ -97,8 +98,17 @@ void DocumentWindow::setDocument(std::unique_ptr<Document> document, const QStri
 const DocumentType& DocumentWindow::type() const { return m_controller.type(); }
 
 QString DocumentWindow::documentName() const {
-    const QString& path = m_path.isEmpty() ? m_openingPath : m_path;
-    return path.isEmpty() ? QStringLiteral("Sin título") : shownFileName(path);
+    return ownPath().isEmpty() ? QStringLiteral("Sin título") : shownFileName(ownPath());
+}
+
+QString DocumentWindow::folderHint() const {
+    QStringList others;
+    for (const DocumentWindow* const window : m_controller.windows()) {
+        if (window != this && !window->ownPath().isEmpty() && window->documentName() == documentName()) {
+            others += window->ownPath();
+        }
+    }
+    return ownPath().isEmpty() ? QString() : shownPath(FolderHint::of(ownPath(), others));
 }
 
 bool DocumentWindow::isPristine() const {
@@ -114,8 +124,14 @@ bool DocumentWindow::hasChangesToKeep() const {
 
 void DocumentWindow::showTitle() {
     // Two marks in a row stand for one that belongs to the name.
-    setWindowTitle(documentName().replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")) +
-                   QStringLiteral("[*] — ") + QCoreApplication::applicationName());
+    const auto plain = [](QString text) {
+        return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    };
+    QString title = plain(documentName()) + QStringLiteral("[*] — ");
+    if (const QString folder = folderHint(); !folder.isEmpty()) {
+        title += plain(folder) + QStringLiteral(" — ");
+    }
+    setWindowTitle(title + QCoreApplication::applicationName());
     setWindowFilePath(m_path);
 }
 
@@ -244,8 +260,15 @@ void DocumentWindow::listWindows() {
     fullScreen->setChecked(isFullScreen());
     list.addSeparator();
     for (DocumentWindow* const window : m_controller.windows()) {
-        QAction* const action = list.addAction(menuText(window->documentName()), window,
-                                               [window] { DocumentController::raise(*window); });
+        QString name = window->documentName();
+        if (window->isWindowModified()) {
+            name += u'*'; // As in the title.
+        }
+        if (const QString folder = window->folderHint(); !folder.isEmpty()) {
+            name += QStringLiteral(" — ") + folder;
+        }
+        QAction* const action =
+            list.addAction(menuText(name), window, [window] { DocumentController::raise(*window); });
         action->setCheckable(true);
         action->setChecked(window == this);
     }

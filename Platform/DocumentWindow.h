@@ -46,6 +46,12 @@ public:
     /// The file's name as it is shown, also while it is being read; "Sin título" without a file.
     QString documentName() const;
 
+    /// What tells the file from those of the same name in other windows: the end of its folder. Usually empty.
+    QString folderHint() const;
+
+    /// Shows the title anew: it depends on the names in other windows.
+    void showTitle();
+
     /// Whether this is a new document that nobody touched.
     bool isPristine() const;
 
@@ -133,7 +139,7 @@ private:
     void buildFileMenu();
     void buildEditMenu();
     void showHistory();
-    void showTitle();
+    const QString& ownPath() const { return m_path.isEmpty() ? m_openingPath : m_path; }
     void listWindows();
 
     void write(const QString& path, Conflict conflict);

@@ -46,6 +46,33 @@ TEST(DocumentController, TellsWhyAFileCannotBeOpened) {
     EXPECT_FALSE(desk.controller.hasOpenDocuments());
 }
 
+TEST(DocumentController, TellsFilesOfOneNameApart) {
+    Desk desk;
+    for (const char* const folder : {"uno", "dos"}) {
+        ASSERT_TRUE(QDir(desk.folder.path()).mkdir(QLatin1String(folder)));
+    }
+    const QString rest = QStringLiteral(" — ") + QCoreApplication::applicationName();
+    DocumentWindow* const first = desk.open(desk.write(QStringLiteral("uno/a.txt"), "hola"));
+    EXPECT_EQ(first->windowTitle(), QStringLiteral("a.txt[*]") + rest);
+    DocumentWindow* const second = desk.open(desk.write(QStringLiteral("dos/a.txt"), "hola"));
+    DocumentWindow* const other = desk.open(desk.write(QStringLiteral("b.txt"), "hola"));
+    EXPECT_EQ(first->windowTitle(), QStringLiteral("a.txt[*] — uno") + rest);
+    EXPECT_EQ(second->windowTitle(), QStringLiteral("a.txt[*] — dos") + rest);
+    EXPECT_EQ(other->windowTitle(), QStringLiteral("b.txt[*]") + rest);
+    Desk::note(second).type(QStringLiteral("cambiado"));
+    QMenu& list = first->menu(DocumentWindow::Menu::window);
+    emit list.aboutToShow();
+    QStringList names;
+    for (const QAction* const action : list.actions()) {
+        names += action->text();
+    }
+    EXPECT_EQ(names.mid(3), (QStringList{QStringLiteral("a.txt — uno"), QStringLiteral("a.txt* — dos"),
+                                         QStringLiteral("b.txt")}));
+    Desk::note(second).undoManager().undo();
+    second->close();
+    EXPECT_EQ(first->windowTitle(), QStringLiteral("a.txt[*]") + rest);
+}
+
 TEST(DocumentController, ShowsAFileThatTakesLong) {
     Desk desk;
     const QString path = desk.write(QStringLiteral("a.txt"), "hola");
