@@ -60,6 +60,7 @@ NodeInspectorView::NodeInspectorView(EditorSession& session, QWidget* parent)
                            QStringLiteral("Selecciona un nodo para editarlo."));
     m_title->setTextFormat(Qt::PlainText);
     m_title->setFont(SystemFont::semibold(SystemFont::body()));
+    m_title->setWordWrap(true);
     auto* header = new QWidget;
     auto* headerLayout = new QHBoxLayout(header);
     headerLayout->setContentsMargins(0, 0, 0, 0);

@@ -226,3 +226,22 @@ TEST(NodeInspectorView, RunsTheCommandsOnTheNode) {
     EXPECT_EQ(desk.undo.undoActionName(), QStringLiteral("Eliminar"));
     EXPECT_EQ(desk.text().count(QStringLiteral("<b/>")), 1);
 }
+
+TEST(NodeInspectorView, KeepsAMarginBesideEveryKindOfNode) {
+    Desk desk(u"<?xml version='1.0'?><!DOCTYPE a><?una-orden con un contenido largo?><a b='c'>texto</a>");
+    desk.inspector.resize(200, 700);
+    const auto expectMargin = [&](const QWidget& part, const QString& what) {
+        const QPoint right = part.mapTo(&desk.inspector, QPoint(part.width(), 0));
+        EXPECT_TRUE(!part.isVisible() || right.x() <= desk.inspector.width() - 8) << qUtf8Printable(what);
+    };
+    for (const NodePath& path : {NodePath{{0}}, NodePath{{1}}, NodePath{{2}}, NodePath{{3}}, NodePath{{3, 0}}}) {
+        desk.session.select(path);
+        QApplication::sendPostedEvents();
+        for (const QLabel* const label : desk.inspector.findChildren<QLabel*>()) {
+            expectMargin(*label, label->text());
+        }
+        for (const QPlainTextEdit* const field : desk.inspector.findChildren<QPlainTextEdit*>()) {
+            expectMargin(*field, field->toPlainText());
+        }
+    }
+}
