@@ -13,11 +13,13 @@ namespace {
 
 constexpr QSize initialSize(620, 640);
 
+/// The names of the keys. Two keys that are called the same are listed once.
 QString shown(const QList<QKeySequence>& keys) {
     QStringList names;
     for (const QKeySequence& key : keys) {
         names += key.toString(QKeySequence::NativeText);
     }
+    names.removeDuplicates();
     return names.join(QStringLiteral(", "));
 }
 
@@ -40,7 +42,10 @@ ShortcutsDialog::ShortcutsDialog(const QList<KeySection>& sections, QWidget* par
             new QTreeWidgetItem(heading, {binding.meaning, shown(binding.keys)});
         }
     }
-    list->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    // The keys show whole, however narrow the page is made.
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     list->setCurrentItem(list->topLevelItem(0));
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(QStringLiteral("Cerrar"), QDialogButtonBox::RejectRole);
