@@ -472,6 +472,8 @@ QIcon InterfaceStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* op
     switch (pixmap) {
     case SP_LineEditClearButton:
         return Symbol::icon(u"xmark.circle.fill", SystemColor::tertiaryLabel);
+    case SP_ToolBarHorizontalExtensionButton: // Of menus too that have no room.
+        return Symbol::icon(u"chevron.down");
     case SP_MessageBoxWarning:
         return Symbol::icon(u"exclamationmark.triangle.fill", SystemColor::systemOrange);
     case SP_MessageBoxCritical:

@@ -6,16 +6,18 @@
 #include <QProgressBar>
 #include <QPushButton>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int progressWidth = 160;
+constexpr int narrowestText = 240; ///< Beside buttons, where it has more than one line.
 
 } // namespace
 
 NoticeBar::NoticeBar(QWidget* parent)
-    : QWidget(parent), m_layout(new QHBoxLayout(this)), m_text(new QLabel), m_progress(new QProgressBar),
+    : QWidget(parent), m_layout(new QBoxLayout(QBoxLayout::LeftToRight, this)), m_text(new QLabel), m_progress(new QProgressBar),
       m_buttons(new QHBoxLayout) {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
@@ -43,12 +45,14 @@ void NoticeBar::tell(const QString& text, bool isBusy) {
     show();
 }
 
-void NoticeBar::offer(const QString& title, std::function<void()> action) {
+void NoticeBar::offer(const QString& title, std::function<void()> action, Press press) {
     auto* button = new QPushButton(title);
     button->setFocusPolicy(Qt::TabFocus);
-    connect(button, &QPushButton::clicked, this, [this, action = std::move(action)] {
+    connect(button, &QPushButton::clicked, this, [this, press, action = std::move(action)] {
         const auto chosen = action; // This function goes with its button.
-        dismiss();
+        if (press == Press::dismisses) {
+            dismiss();
+        }
         chosen();
     });
     m_buttons->addWidget(button);
@@ -75,6 +79,24 @@ void NoticeBar::followFocus(QWidget* from, QWidget* to) {
     if (to != nullptr && isAncestorOf(to) && from != nullptr && !isAncestorOf(from)) {
         m_focusBefore = from;
     }
+}
+
+bool NoticeBar::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest) {
+        arrange();
+    }
+    return handled;
+}
+
+void NoticeBar::arrange() {
+    const QMargins margins = m_layout->contentsMargins();
+    const int line = m_text->fontMetrics().horizontalAdvance(m_text->text());
+    const int beside = m_buttons->sizeHint().width() + m_layout->spacing();
+    const bool isSqueezed =
+        width() - margins.left() - margins.right() - beside < std::min(line, narrowestText);
+    m_buttons->setAlignment(isSqueezed ? Qt::AlignRight : Qt::Alignment());
+    m_layout->setDirection(isSqueezed ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 bool NoticeBar::isBusy() const { return isVisible() && m_progress->isVisible(); }

@@ -3,8 +3,10 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
 
+class QBoxLayout;
 class QHBoxLayout;
 class QLabel;
 class QProgressBar;
@@ -12,6 +14,7 @@ class QProgressBar;
 /// A bar above a document that tells of something, without being in the way, and offers what to do about it.
 /// A click on a button leaves the focus where it is; the focus that came with the Tab key goes back when the
 /// button goes.
+/// The buttons go below the text where it would be squeezed beside them.
 class NoticeBar : public QWidget {
     Q_OBJECT
 
@@ -22,8 +25,12 @@ public:
     /// `isBusy`.
     void tell(const QString& text, bool isBusy = false);
 
-    /// Adds a button. The bar goes before the action is carried out.
-    void offer(const QString& title, std::function<void()> action);
+    /// What a press of a button does to the bar.
+    enum class Press : std::uint8_t { dismisses, leaves };
+
+    /// Adds a button. The bar goes before the action is carried out, or stays until the action or something
+    /// else dismisses it.
+    void offer(const QString& title, std::function<void()> action, Press press = Press::dismisses);
 
     /// Takes the buttons away; the text stays.
     void withdrawOffers();
@@ -32,10 +39,14 @@ public:
     bool isBusy() const;
     QString text() const;
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     void followFocus(QWidget* from, QWidget* to);
+    void arrange();
 
-    QHBoxLayout* m_layout;
+    QBoxLayout* m_layout;
     QLabel* m_text;
     QProgressBar* m_progress;
     QHBoxLayout* m_buttons;

@@ -9,6 +9,7 @@
 #include "GroupedNumber.h"
 #include "NamePromptDialog.h"
 #include "NodeInspectorView.h"
+#include "NoticeBar.h"
 #include "PaneSplitter.h"
 #include "PlaceKeeper.h"
 #include "SegmentedControl.h"
@@ -32,6 +33,8 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -104,7 +107,6 @@ EditorWindowView::EditorWindowView(EditorSession& session, UndoManager& undoMana
     layout->addWidget(m_toolBar);
     layout->addWidget(m_pages, 1);
 
-    collectPanes();
     connect(m_gallery, &TemplateGalleryView::textRequested, this, &EditorWindowView::beginText);
     connect(m_gallery, &TemplateGalleryView::pasteRequested, &m_source->textView(), &TextView::paste);
     connect(&session, &EditorSession::modeChanged, this, &EditorWindowView::showMode);
@@ -216,15 +218,22 @@ void EditorWindowView::connectBreadcrumbs() {
     });
 }
 
-void EditorWindowView::collectPanes() {
-    m_panesInTurn.setPanes({{m_gallery, m_gallery},
-                            {m_findBars, nullptr},
-                            {m_source, &m_source->textView()},
-                            {m_tree, &m_tree->outline()},
-                            {m_inspector, nullptr},
-                            {m_breadcrumbs, nullptr},
-                            {m_diagnostics, nullptr},
-                            {m_toolBar, nullptr}});
+/// With the notices of now.
+const PaneCycle& EditorWindowView::panesInTurn() {
+    std::vector<PaneCycle::Pane> panes;
+    for (NoticeBar* const notice : window()->findChildren<NoticeBar*>()) {
+        panes.push_back({notice, nullptr});
+    }
+    panes.insert(panes.end(), {{m_gallery, m_gallery},
+                               {m_findBars, nullptr},
+                               {m_source, &m_source->textView()},
+                               {m_tree, &m_tree->outline()},
+                               {m_inspector, nullptr},
+                               {m_breadcrumbs, nullptr},
+                               {m_diagnostics, nullptr},
+                               {m_toolBar, nullptr}});
+    m_panesInTurn.setPanes(std::move(panes));
+    return m_panesInTurn;
 }
 
 void EditorWindowView::find(QAction& command) {

@@ -47,8 +47,8 @@ public:
     bool showInspector() const { return m_showInspector; }
     void setShowInspector(bool showInspector);
 
-    /// The parts of the window that the keyboard goes around.
-    const PaneCycle& panesInTurn() const { return m_panesInTurn; }
+    /// The parts of the window that the keyboard goes around, and the notices above them.
+    const PaneCycle& panesInTurn();
 
     /// Makes the lines that are selected in the text a comment, or uncomments them.
     void toggleComment();
@@ -67,7 +67,6 @@ private:
     void buildPanes();
     void connectFindCommands();
     void connectBreadcrumbs();
-    void collectPanes();
     void find(QAction& command);
 
     void showMode();

@@ -182,7 +182,8 @@ void EncodingCommands::showDoubt() {
     }
     m_doubtBar = m_window.addNoticeBar();
     m_doubtBar->tell(doubt->message(m_window.documentName()));
-    m_doubtBar->offer(QStringLiteral("Volver a abrir con la codificación…"), [this] { reopen(); });
+    m_doubtBar->offer(QStringLiteral("Volver a abrir con la codificación…"), [this] { reopen(); },
+                      NoticeBar::Press::leaves);
     m_doubtBar->offer(QStringLiteral("Entendido"), [] {});
 }
 

@@ -116,6 +116,24 @@ class Files(DocumentTest):
         wait_until(lambda: app.title().startswith("documento.xml "), "title without the mark")
         self.assertEqual(path.read_bytes(), "<a>cañón €</a>\n".encode("cp1252"))
 
+    def test_keeps_its_warning_when_reading_again_is_cancelled(self):
+        app = self.start_with_text(self.document("<a>cañón</a>\n".encode("latin-1")))
+        warning = "“documento.xml” no declara su codificación y no es UTF-8."
+        app.wait_for(starts=warning)
+        places = []
+        for _ in range(6):
+            before = wait_until(app.focus_place, "focus")
+            app.press("F6")
+            places.append(wait_until(lambda: app.focus_place() != before and app.focus_place(), "focus elsewhere"))
+        self.assertIn(("push button", "Volver a abrir con la codificación…"), places)
+        self.press_button(app, "Volver a abrir con la codificación…")
+        app.answer("Volver a abrir con la codificación", "Escape")
+        app.wait_for(starts=warning)
+        self.press_button(app, "Volver a abrir con la codificación…")
+        wait_until(lambda: "Volver a abrir con la codificación" in app.windows(), "dialog")
+        self.press_button(app, "Volver a abrir")
+        wait_until(lambda: app.find(role="push button", name="Volver a abrir con la codificación…") is None, "bar gone")
+
     def test_saves_in_another_encoding(self):
         path = self.document("<a>cañón</a>\n".encode())
         app = self.start_with_text(path)

@@ -160,7 +160,8 @@ TEST_F(InterfaceStyleTest, ScrollsMenusThatAreHigherThanTheScreen) {
     QTest::keyClick(&menu, Qt::Key_Up);
     EXPECT_EQ(menu.activeAction(), menu.actions().back());
     const QRect active = menu.actionGeometry(menu.activeAction());
-    EXPECT_TRUE(menu.rect().contains(active)) << active.top() << " to " << active.bottom() << " of " << menu.height();
+    EXPECT_TRUE(menu.rect().contains(active))
+        << active.top() << " to " << active.bottom() << " of " << menu.height();
     menu.hide();
 }
 
@@ -279,6 +280,11 @@ TEST_F(InterfaceStyleTest, HeadsGroupsWithoutAFrame) {
     m_window.show();
     EXPECT_EQ(field->x(), 0);
     EXPECT_GE(field->y(), 24);
+}
+
+TEST_F(InterfaceStyleTest, DrawsTheButtonForTheRestOfABarItself) {
+    EXPECT_EQ(m_style.standardIcon(QStyle::SP_ToolBarHorizontalExtensionButton, nullptr, nullptr).name(),
+              QStringLiteral("chevron.down"));
 }
 
 TEST_F(InterfaceStyleTest, DrawsTheIconsOfMessagesItself) {

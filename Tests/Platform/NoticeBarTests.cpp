@@ -1,6 +1,7 @@
 #include "NoticeBar.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -26,6 +27,11 @@ struct Desk {
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
         field->setFocus();
+    }
+    /// Shows another text without buttons.
+    void tell(const QString& text) const {
+        bar->tell(text);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     QPushButton* button() const { return bar->findChild<QPushButton*>(); }
     /// Types a key as a user does, to whatever has the focus.
@@ -74,4 +80,34 @@ TEST(NoticeBar, KeepsItsTextWithoutOffers) {
     EXPECT_TRUE(desk.bar->isBusy());
     EXPECT_FALSE(desk.window.findChild<QPushButton*>() != nullptr &&
                  desk.window.findChild<QPushButton*>()->isVisible());
+}
+
+TEST(NoticeBar, StaysWhereAButtonLeavesIt) {
+    Desk desk;
+    int pressed = 0;
+    desk.tell(QStringLiteral("Aviso"));
+    desk.bar->offer(QStringLiteral("Probar"), [&] { ++pressed; }, NoticeBar::Press::leaves);
+    for (int press = 1; press <= 2; ++press) {
+        QTest::mouseClick(desk.button(), Qt::LeftButton);
+        EXPECT_EQ(pressed, press);
+        EXPECT_EQ(desk.bar->text(), QStringLiteral("Aviso"));
+    }
+}
+
+TEST(NoticeBar, PutsItsButtonsBelowATextThatHasNoRoomBesideThem) {
+    Desk desk;
+    desk.tell(QString(20, u'n') + u' ' + QString(20, u'n') + u' ' + QString(20, u'n'));
+    desk.bar->offer(QString(25, u'n'), [] {});
+    QLabel* const label = desk.bar->findChild<QLabel*>();
+    struct Row {
+        int width;
+        bool isBeside;
+    };
+    for (const Row& row : {Row{1200, true}, Row{400, false}, Row{1200, true}}) {
+        desk.window.resize(row.width, 320);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return (desk.button()->y() < label->geometry().bottom()) == row.isBeside &&
+                   label->height() >= label->heightForWidth(label->width());
+        })) << row.width;
+    }
 }

@@ -3,8 +3,10 @@
 #include "AppCommands.h"
 #include "CodeEditorView.h"
 #include "FindBar.h"
+#include "KeyTable.h"
 #include "NamePromptDialog.h"
 #include "NodeInspectorView.h"
+#include "NoticeBar.h"
 #include "ParsedDesk.h"
 #include "TemplateGalleryView.h"
 #include "TreeEditorView.h"
@@ -80,7 +82,8 @@ struct Desk {
         QStringList all;
         for (const QAction* action : menus->actions()[menu]->menu()->actions()) {
             all += action->isSeparator() ? QStringLiteral("-")
-                                         : action->text() + u' ' + action->shortcut().toString();
+                                         : KeyTable::plainTitle(action->text()) + u' ' +
+                                               action->shortcut().toString();
         }
         return all;
     }
@@ -118,6 +121,23 @@ TEST(AppCommands, AreListedInOrderWithTheirShortcuts) {
             QStringLiteral("-"), QStringLiteral("Copiar ruta Ctrl+Shift+C"), QStringLiteral("Eliminar "),
             QStringLiteral("-"), QStringLiteral("Insertar texto… "), QStringLiteral("Insertar comentario… "),
             QStringLiteral("Crear elemento raíz… ")}));
+}
+
+TEST(AppCommands, LeadTheKeyboardToNotices) {
+    Desk desk(u"<a/>");
+    NoticeBar bar(&desk.window);
+    bar.tell(QStringLiteral("Aviso"));
+    bar.offer(QStringLiteral("Entendido"), [] {});
+    const QWidget* const button = bar.findChild<QPushButton*>();
+    for (int step = 0; step < 8 && !button->hasFocus(); ++step) {
+        desk.press(Qt::Key_F6, Qt::NoModifier);
+    }
+    EXPECT_TRUE(button->hasFocus());
+    bar.dismiss();
+    for (int step = 0; step < 8; ++step) {
+        desk.press(Qt::Key_F6, Qt::NoModifier);
+        EXPECT_FALSE(bar.isAncestorOf(QApplication::focusWidget()));
+    }
 }
 
 TEST(AppCommands, WorkOnTheFocusedWindow) {
