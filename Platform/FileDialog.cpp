@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QLocale>
 #include <QPointer>
 #include <QScreen>
@@ -98,6 +99,7 @@ FileDialog* FileDialog::toSave(const QString& proposal, const QStringList& filte
     auto* const dialog = new FileDialog(QStringLiteral("Guardar como"), filters, parent);
     dialog->setAcceptMode(AcceptSave);
     dialog->setFileMode(AnyFile);
+    dialog->setLabelText(LookIn, QStringLiteral("Guardar en:"));
     if (const QFileInfo file(proposal); file.isAbsolute() && FilePath::isUnicode(file.path())) {
         dialog->setDirectory(file.path());
     }
@@ -126,6 +128,30 @@ void FileDialog::followFilter() {
     });
     const QString found = chosen == m_filters.end() ? QString() : suffix(*chosen);
     setDefaultSuffix(found.isEmpty() ? suffix(m_filters.value(0)) : found);
+}
+
+void FileDialog::accept() {
+    if (acceptMode() == AcceptSave) {
+        addSuffix();
+    }
+    QFileDialog::accept();
+}
+
+/// Sees to names with a dot, to which the toolkit adds nothing. Before it asks whether a file may be replaced.
+void FileDialog::addSuffix() {
+    auto* const field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    QString name = field == nullptr ? QString() : field->text();
+    const QString extension = QFileInfo(name).fileName().section(u'.', -1);
+    if (!name.contains(u'.') || std::ranges::any_of(extension, [](QChar unit) { return unit.isLetter(); }) ||
+        QFileInfo::exists(directory().absoluteFilePath(name))) {
+        return;
+    }
+    while (name.endsWith(u'.')) {
+        name.chop(1);
+    }
+    if (!name.isEmpty() && !name.endsWith(u'/')) {
+        field->setText(name + u'.' + defaultSuffix());
+    }
 }
 
 QString FileDialog::suffix(const QString& filter) {

@@ -109,7 +109,7 @@ void OutsideChangeNotice::takeRemoval() {
         m_cleanMark = history.coalescingMark();
     }
     m_bar.tell(
-        QStringLiteral("“%1” se ha borrado o movido a otro lugar. El texto solo está ya en esta ventana.")
+        QStringLiteral("“%1” se ha borrado o movido a otro lugar. El texto ya solo está en esta ventana.")
             .arg(m_window.documentName()));
     m_bar.offer(QStringLiteral("Guardar como…"), [this] { m_window.saveAs(); });
 }

@@ -74,9 +74,9 @@ void addInsertions(QMenu& menu) {
             }
         });
     };
-    addPrompted(QStringLiteral("Insertar texto…"), &InsertionPrompts::askForText);
-    addPrompted(QStringLiteral("Insertar comentario…"), &InsertionPrompts::askForComment);
-    QAction* const root = add(menu, QStringLiteral("Crear elemento raíz…"), {},
+    addPrompted(QStringLiteral("Insertar &texto…"), &InsertionPrompts::askForText);
+    addPrompted(QStringLiteral("Insertar c&omentario…"), &InsertionPrompts::askForComment);
+    QAction* const root = add(menu, QStringLiteral("Crear elemento raí&z…"), {},
                               [](EditorWindowView& view) { view.treeEditor().prompts().askForRoot(); });
     QObject::connect(&menu, &QMenu::aboutToShow, root, [root] {
         const EditorSession* const session = AppCommands::focused().session;
@@ -121,21 +121,26 @@ QMenu* AppCommands::makeFormatMenu(QWidget* parent) {
 
 QMenu* AppCommands::makeNodeMenu(QWidget* parent) {
     auto* menu = new QMenu(QStringLiteral("&Nodo"), parent);
-    addPrompt(*menu, QStringLiteral("Añadir hijo…"), NodeShortcuts::addChild, Kind::addChild);
-    addPrompt(*menu, QStringLiteral("Añadir hermano…"), NodeShortcuts::addSibling, Kind::addSibling);
-    addPrompt(*menu, QStringLiteral("Envolver en…"), NodeShortcuts::wrap, Kind::wrap);
-    addOnNode(*menu, QStringLiteral("Duplicar"), {NodeShortcuts::duplicate}, &EditorSession::duplicate);
+    addPrompt(*menu, QStringLiteral("Añadir &hijo…"), NodeShortcuts::addChild, Kind::addChild);
+    addPrompt(*menu, QStringLiteral("Añadir her&mano…"), NodeShortcuts::addSibling, Kind::addSibling);
+    addPrompt(*menu, QStringLiteral("&Envolver en…"), NodeShortcuts::wrap, Kind::wrap);
+    addOnNode(*menu, QStringLiteral("&Duplicar"), {NodeShortcuts::duplicate}, &EditorSession::duplicate);
     menu->addSeparator();
     // Window managers take the first of each; they leave the second.
-    addOnNode(*menu, QStringLiteral("Mover arriba"),
+    addOnNode(*menu, QStringLiteral("Mover &arriba"),
               {Qt::CTRL | Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::SHIFT | Qt::Key_Up}, &EditorSession::moveUp);
-    addOnNode(*menu, QStringLiteral("Mover abajo"),
+    addOnNode(*menu, QStringLiteral("Mover a&bajo"),
               {Qt::CTRL | Qt::ALT | Qt::Key_Down, Qt::ALT | Qt::SHIFT | Qt::Key_Down},
               &EditorSession::moveDown);
     menu->addSeparator();
-    addOnNode(*menu, QStringLiteral("Copiar ruta"), {NodeShortcuts::copyPath}, &EditorSession::copyPath);
-    addOnNode(*menu, QStringLiteral("Eliminar"), {}, &EditorSession::deleteSelection);
+    addOnNode(*menu, QStringLiteral("&Copiar ruta"), {NodeShortcuts::copyPath}, &EditorSession::copyPath);
+    addOnNode(*menu, QStringLiteral("E&liminar"), {}, &EditorSession::deleteSelection);
     menu->addSeparator();
+    add(*menu, QStringLiteral("&Renombrar…"), {}, [](EditorWindowView& view) {
+        if (view.isSelectionInSight()) {
+            view.editSelectedNode();
+        }
+    });
     addInsertions(*menu);
     return menu;
 }

@@ -175,6 +175,7 @@ DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
     for (QLabel* fact : {m_lineEnding, m_encoding, m_size}) {
         layout->addWidget(fact);
     }
+    m_size->setToolTip(QStringLiteral("Lo que ocupa el texto en UTF-8"));
     connect(&session, &EditorSession::treeChanged, this, &DiagnosticsBar::showTree);
     connect(&session, &EditorSession::encodingNameChanged, this, &DiagnosticsBar::showFacts);
     showTree();

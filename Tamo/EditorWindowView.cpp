@@ -392,6 +392,14 @@ void EditorWindowView::toggleComment() {
     }
 }
 
+void EditorWindowView::editSelectedNode() {
+    if (m_session.mode() == Mode::text) {
+        m_session.setMode(Mode::split);
+    }
+    // Once the tree is laid out.
+    QMetaObject::invokeMethod(m_tree, &TreeEditorView::editSelectedNode, Qt::QueuedConnection);
+}
+
 void EditorWindowView::beginText(const QString& units) {
     // There is no tree yet to work on.
     if (m_session.mode() == Mode::visual) {

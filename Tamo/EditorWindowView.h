@@ -50,6 +50,9 @@ public:
     /// The parts of the window that the keyboard goes around, and the notices above them.
     const PaneCycle& panesInTurn();
 
+    /// Edits the name or the content of the selected node in the tree, which comes into view.
+    void editSelectedNode();
+
     /// Makes the lines that are selected in the text a comment, or uncomments them.
     void toggleComment();
 

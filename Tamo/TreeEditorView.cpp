@@ -279,6 +279,7 @@ std::unique_ptr<QMenu> TreeEditorView::makeMenu(std::size_t row) {
 
 void TreeEditorView::addClipboard(QMenu& menu) {
     menu.addSeparator();
+    menu.addAction(QStringLiteral("Renombrar…"), Qt::Key_F2, this, &TreeEditorView::editSelectedNode);
     menu.addAction(QStringLiteral("Cortar"), QKeySequence::Cut, this, &TreeEditorView::cut);
     menu.addAction(QStringLiteral("Copiar"), QKeySequence::Copy, this, &TreeEditorView::copy);
     menu.addAction(QStringLiteral("Pegar"), QKeySequence::Paste, this, &TreeEditorView::paste)
@@ -291,6 +292,13 @@ void TreeEditorView::addInsertions(QMenu& menu) {
     menu.addAction(QStringLiteral("Insertar comentario…"), m_prompts, &InsertionPrompts::askForComment);
     if (!m_session.tree().rootElement()) {
         menu.addAction(QStringLiteral("Crear elemento raíz…"), m_prompts, &InsertionPrompts::askForRoot);
+    }
+}
+
+void TreeEditorView::editSelectedNode() {
+    showSelectedNode();
+    if (const auto row = m_outline->selectedRow()) {
+        m_outline->edit(*row);
     }
 }
 

@@ -47,6 +47,8 @@ public:
 
 public slots:
     // On the selected node, as `NodeClipboard` does; nothing while a filter hides it.
+    /// Edits the name or the content of the selected node in its row, which comes into view.
+    void editSelectedNode();
     void cut();
     void copy();
     void paste();

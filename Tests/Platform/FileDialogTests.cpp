@@ -55,6 +55,9 @@ TEST(FileDialog, GivesANameWithoutAnExtensionThatOfTheFilter) {
     for (const Row& row : {Row{QStringLiteral("sin"), 0, QStringLiteral("sin.txt")},
                            Row{QStringLiteral("sin"), 1, QStringLiteral("sin.svg")},
                            Row{QStringLiteral("sin"), 2, QStringLiteral("sin.txt")},
+                           Row{QStringLiteral("v1.2"), 0, QStringLiteral("v1.2.txt")},
+                           Row{QStringLiteral("punto."), 1, QStringLiteral("punto.svg")},
+                           Row{QStringLiteral("v1.2.x"), 0, QStringLiteral("v1.2.x")},
                            Row{QStringLiteral("con.html"), 0, QStringLiteral("con.html")}}) {
         const QTemporaryDir folder;
         const QString proposal = folder.filePath(QStringLiteral("nota.txt"));
@@ -72,6 +75,16 @@ TEST(FileDialog, ProposesTheNameInItsFolder) {
     const QString proposal = folder.filePath(QStringLiteral("nota.txt"));
     EXPECT_EQ(answer(FileDialog::toSave(proposal, filters, nullptr), [](FileDialog&) {}),
               QStringList(proposal));
+}
+
+TEST(FileDialog, KeepsTheNameOfAFileThatIsThere) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("v1.2"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    auto* const dialog = FileDialog::toSave(path, filters, nullptr);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    EXPECT_EQ(answer(dialog, [](FileDialog&) {}), QStringList(path));
 }
 
 TEST(FileDialog, IsNoLargerThanTheScreen) {
@@ -128,7 +141,7 @@ TEST(FileDialog, SpeaksOneLanguage) {
     QCoreApplication::removeTranslator(&words);
     const QString all = shown.join(u'|').remove(u'&');
     for (const auto* const spanish :
-         {"Buscar en:", "Nombre del archivo:", "Tipo de archivo:", "Guardar", "Cancelar",
+         {"Guardar en:", "Nombre del archivo:", "Tipo de archivo:", "Guardar", "Cancelar",
           "Carpeta superior", "Nombre", "Tamaño", "Tipo", "Modificado"}) {
         EXPECT_TRUE(all.contains(QString::fromUtf8(spanish))) << spanish << " in " << qUtf8Printable(all);
     }

@@ -10,6 +10,7 @@
 #include "ParsedDesk.h"
 #include "TemplateGalleryView.h"
 #include "TreeEditorView.h"
+#include "TreeRowEditor.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -119,7 +120,7 @@ TEST(AppCommands, AreListedInOrderWithTheirShortcuts) {
             QStringLiteral("Envolver en… Ctrl+Alt+W"), QStringLiteral("Duplicar Ctrl+D"), QStringLiteral("-"),
             QStringLiteral("Mover arriba Ctrl+Alt+Up"), QStringLiteral("Mover abajo Ctrl+Alt+Down"),
             QStringLiteral("-"), QStringLiteral("Copiar ruta Ctrl+Shift+C"), QStringLiteral("Eliminar "),
-            QStringLiteral("-"), QStringLiteral("Insertar texto… "), QStringLiteral("Insertar comentario… "),
+            QStringLiteral("-"), QStringLiteral("Renombrar… "), QStringLiteral("Insertar texto… "), QStringLiteral("Insertar comentario… "),
             QStringLiteral("Crear elemento raíz… ")}));
 }
 
@@ -138,6 +139,24 @@ TEST(AppCommands, LeadTheKeyboardToNotices) {
         desk.press(Qt::Key_F6, Qt::NoModifier);
         EXPECT_FALSE(bar.isAncestorOf(QApplication::focusWidget()));
     }
+}
+
+TEST(AppCommands, EditTheSelectedNodeInTheTree) {
+    Desk desk(u"<a><b/></a>");
+    desk.session.setMode(EditorSession::Mode::text);
+    desk.session.select(NodePath{{0, 0}});
+    for (QAction* const action : desk.menus->actions()[2]->menu()->actions()) {
+        if (KeyTable::plainTitle(action->text()) == QStringLiteral("Renombrar…")) {
+            action->trigger();
+        }
+    }
+    TreeRowEditor* field = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        field = desk.editor->findChild<TreeRowEditor*>();
+        return field != nullptr;
+    }));
+    EXPECT_EQ(field->text(), QStringLiteral("b"));
+    EXPECT_TRUE(field->isVisible());
 }
 
 TEST(AppCommands, WorkOnTheFocusedWindow) {

@@ -244,6 +244,7 @@ TEST(TreeEditorView, OffersItsCommandsInOrder) {
         {QString(), false},
         {QStringLiteral("Eliminar"), true, Qt::Key_Delete},
         {QString(), false},
+        {QStringLiteral("Renombrar…"), false, Qt::Key_F2},
         {QStringLiteral("Cortar"), false, QKeySequence::Cut},
         {QStringLiteral("Copiar"), false, QKeySequence::Copy},
         {QStringLiteral("Pegar"), false, QKeySequence::Paste},
@@ -283,6 +284,15 @@ TEST(TreeEditorView, AsksForNamesThroughTheSession) {
         EXPECT_EQ(pane.desk.session.namePrompt(), (EditorSession::NamePrompt{kind, {{0, 0}}}));
         pane.desk.session.setNamePrompt(std::nullopt);
     }
+}
+
+TEST(TreeEditorView, RenamesInTheRow) {
+    Pane pane(library);
+    pane.choose(u"<revista/>");
+    pane.action(QStringLiteral("Renombrar…"))->trigger();
+    auto* const field = pane.view.findChild<TreeRowEditor*>();
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->text(), u"revista");
 }
 
 TEST(TreeEditorView, RunsTheOtherCommandsAtOnce) {
