@@ -87,6 +87,7 @@ TreeEditorView::TreeEditorView(EditorSession& session, QWidget* parent)
         m_prompts->askForRoot();
     });
     connect(&m_session, &EditorSession::rowsChanged, this, &TreeEditorView::showRows);
+    connect(&m_session, &EditorSession::lacksMemoryChanged, this, &TreeEditorView::showRows);
     connect(&m_session, &EditorSession::treeChanged, this, &TreeEditorView::showTree);
     connect(&m_session, &EditorSession::errorNodesChanged, m_outline->viewport(),
             qOverload<>(&QWidget::update));
