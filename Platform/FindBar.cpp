@@ -77,6 +77,8 @@ FindBar::FindBar(FindBarClient& client, QWidget* parent)
     connect(&m_finder, &TextFinder::notFound, this, &FindBar::showNotFound);
     connect(&m_finder, &TextFinder::matchesChanged, this, &FindBar::showMatches);
     connect(&m_finder, &TextFinder::replacementFound, this, &FindBar::applyReplacement);
+    // What was told of the text before does not hold any more.
+    connect(&client.storage(), &TextStorage::editProcessed, this, [this] { m_hasReport = false; });
     hide();
 }
 
@@ -350,7 +352,8 @@ QString FindBar::countText() const {
     if (count == 0) {
         return QStringLiteral("Sin resultados");
     }
-    const auto index = m_found ? m_finder.index(*m_found) : std::nullopt;
+    const bool isAtMatch = m_found && m_client.selection() == *m_found;
+    const auto index = isAtMatch ? m_finder.index(*m_found) : std::nullopt;
     if (!m_finder.isCountComplete()) {
         return (index ? QStringLiteral("%1 de más de %2").arg(groupedNumber(*index + 1), groupedNumber(count))
                       : QStringLiteral("Más de %1").arg(groupedNumber(count)));

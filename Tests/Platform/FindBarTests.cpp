@@ -329,6 +329,17 @@ TEST(FindBar, ReplacesAllAsOneStep) {
     desk.page->undo.undo();
     EXPECT_EQ(desk.page->storage().text().units({0, 15}), u"ana=1 eva=2 fin");
     EXPECT_FALSE(desk.page->undo.canUndo());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.message() == "2 resultados"; }));
+}
+
+TEST(FindBar, TellsNoPlaceOfAMatchOnceTheTextHasChanged) {
+    Desk desk(u"uno dos uno");
+    desk.press(Qt::Key_F, Qt::ControlModifier);
+    desk.type("uno");
+    desk.expect(u"[uno] dos uno", "1 de 2");
+    desk.page->select(SourceRange::empty(11));
+    desk.page->storage().replaceCharacters(SourceRange::empty(11), std::u16string_view(u"x"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desk.message() == "2 resultados"; }));
 }
 
 TEST(FindBar, ReplacesNothingWhenThereIsNothing) {
