@@ -620,6 +620,9 @@ void EditorSession::updateGallery() {
 }
 
 void EditorSession::format() {
+    if (m_buffer.text().isEmpty()) {
+        return; // A line break alone would be no layout of nothing.
+    }
     layOut([this](std::span<const Offset> places) { return PrettyPrinter::format(tree(), indent(), places); },
            QStringLiteral("Formatear"));
 }

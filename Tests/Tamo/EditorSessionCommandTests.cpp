@@ -509,6 +509,15 @@ TEST(EditorSessionCommands, FixManyProblemsInOneStep) {
     EXPECT_FALSE(desk.undoManager.canUndo());
 }
 
+TEST(EditorSession, FormatsNothingWhereNothingIs) {
+    SessionDesk desk(u"");
+    ASSERT_TRUE(desk.open());
+    desk.session.format();
+    EXPECT_EQ(desk.text(), u"");
+    EXPECT_TRUE(desk.session.showsGallery());
+    EXPECT_FALSE(desk.undoManager.canUndo());
+}
+
 // The gallery
 
 class Gallery : public testing::Test {
