@@ -1,6 +1,8 @@
 #include "TextMimeData.h"
 
+#include "LineEndings.h"
 #include "SourceText.h"
+#include "TextNavigation.h"
 
 #include <cstring>
 
@@ -24,6 +26,17 @@ std::u16string TextMimeData::units(const QMimeData& data) {
     std::u16string units(static_cast<std::size_t>(bytes.size()) / sizeof(char16_t), u'\0');
     std::memcpy(units.data(), bytes.data(), units.size() * sizeof(char16_t));
     return units;
+}
+
+std::u16string TextMimeData::units(const QMimeData& data, const Rope& into) {
+    std::u16string units = TextMimeData::units(data);
+    if (units.find(u'\n') == std::u16string::npos) {
+        return units;
+    }
+    const Rope text(units);
+    const auto converted =
+        LineEndings::converted(text, TextNavigation::lineEnding(into.lineCount() > 1 ? into : text));
+    return converted ? converted->units(converted->fullRange()) : units;
 }
 
 QStringList TextMimeData::formats() const { return {unitsType, plainType}; }

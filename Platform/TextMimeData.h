@@ -23,6 +23,9 @@ public:
     /// The text that `data` carries; empty when it carries none.
     static std::u16string units(const QMimeData& data);
 
+    /// The same with the line ends of `into`, where it is put; a text of one line takes those of `data`.
+    static std::u16string units(const QMimeData& data, const Rope& into);
+
     QStringList formats() const override;
     bool hasFormat(const QString& type) const override;
 

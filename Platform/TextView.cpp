@@ -288,7 +288,7 @@ void TextView::copy() const {
 
 void TextView::paste() {
     if (const QMimeData* copied = QApplication::clipboard()->mimeData()) {
-        replace(selection(), TextMimeData::units(*copied), QStringLiteral("Pegar"));
+        replace(selection(), TextMimeData::units(*copied, text()), QStringLiteral("Pegar"));
     }
 }
 

@@ -25,7 +25,7 @@ public:
     virtual ~TextViewDelegate() = default;
 
     /// Whether the units may take the place of `range`, which the user wants; the delegate may do something
-    /// else instead and answer false. Asked for typed, pasted, dropped and erased text, not for undo.
+    /// else instead and answer false. Asked for typed, pasted and erased text, not for dropped nor undone.
     virtual bool shouldChangeText(SourceRange range, std::u16string_view replacement) {
         static_cast<void>(range), static_cast<void>(replacement);
         return true;

@@ -12,6 +12,7 @@
 #include <QTimerEvent>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -133,8 +134,8 @@ void TextViewMouse::pastePrimarySelection(QPointF position) {
     const QMimeData* selected =
         clipboard->supportsSelection() ? clipboard->mimeData(QClipboard::Selection) : nullptr;
     if (selected != nullptr) {
-        m_view.replace(SourceRange::empty(m_view.offset(position)), TextMimeData::units(*selected),
-                       QStringLiteral("Pegar"));
+        m_view.replace(SourceRange::empty(m_view.offset(position)),
+                       TextMimeData::units(*selected, m_view.text()), QStringLiteral("Pegar"));
     }
 }
 
@@ -156,7 +157,8 @@ void TextViewMouse::carrySelectionAway() {
     // Taken by another view or program; a drop in this view has moved it already.
     const auto taken = std::exchange(m_carried, std::nullopt);
     if (action == Qt::MoveAction && taken) {
-        m_view.replace(*taken, {}, QStringLiteral("Mover texto"));
+        const TextEdit edit = TextEdit::deleteRange(*taken);
+        m_view.apply({&edit, 1}, TextSelection::at(taken->lower), QStringLiteral("Mover texto"));
     }
 }
 
@@ -185,22 +187,28 @@ void TextViewMouse::drop(QDropEvent& event) {
         return;
     }
     event.acceptProposedAction();
-    const std::u16string units = TextMimeData::units(*event.mimeData());
     const Offset at = m_view.offset(event.position());
     if (m_carried && event.dropAction() == Qt::MoveAction) {
-        moveCarriedText(units, at);
-    } else if (m_view.mayChange(SourceRange::empty(at), units)) {
-        const TextEdit edit = TextEdit::insert(units, at);
-        m_view.apply({&edit, 1}, {at, at + static_cast<Offset>(units.size())}, QStringLiteral("Soltar"));
+        moveCarriedText(TextMimeData::units(*event.mimeData()), at);
+    } else {
+        insertDropped(TextMimeData::units(*event.mimeData(), m_view.text()), at);
     }
     m_view.setFocus(Qt::MouseFocusReason);
+}
+
+void TextViewMouse::insertDropped(std::u16string units, Offset at) {
+    const auto length = static_cast<Offset>(units.size());
+    const bool fits = units.size() <= std::numeric_limits<Offset>::max() - m_view.text().size();
+    if (m_view.history() != nullptr && fits && !units.empty()) {
+        const TextEdit edit = TextEdit::insert(std::move(units), at);
+        m_view.apply({&edit, 1}, {at, at + length}, QStringLiteral("Soltar"));
+    }
 }
 
 void TextViewMouse::moveCarriedText(std::u16string_view units, Offset to) {
     const SourceRange from = *std::exchange(m_carried, std::nullopt);
     const TextMove move(from, units, to);
-    if (!move.edits.empty() && m_view.mayChange(from, {}) &&
-        m_view.mayChange(SourceRange::empty(to), units)) {
+    if (m_view.history() != nullptr && !move.edits.empty()) {
         m_view.apply(move.edits, TextSelection::of(move.moved), QStringLiteral("Mover texto"));
     }
 }

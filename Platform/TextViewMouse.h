@@ -9,6 +9,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <string_view>
 
 class QDragMoveEvent;
 class QDropEvent;
@@ -60,6 +62,7 @@ private:
     void scrollAlong(QPointF position);
     void pastePrimarySelection(QPointF position);
     void carrySelectionAway();
+    void insertDropped(std::u16string units, Offset at);
     void moveCarriedText(std::u16string_view units, Offset to);
     void setDropPlace(std::optional<Offset> place);
 

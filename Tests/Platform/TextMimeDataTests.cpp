@@ -29,6 +29,24 @@ TEST(TextMimeData, TakesPlainTextOfOthers) {
     EXPECT_EQ(TextMimeData::units(data), u"uno\r\ndos");
 }
 
+TEST(TextMimeData, PutsTextInWithTheLineEndsOfTheOther) {
+    struct Row {
+        std::u16string_view copied;
+        std::u16string_view into;
+        std::u16string_view put;
+    };
+    for (const auto& [copied, into, put] : {
+             Row{u"x\ny\n", u"<a>\r\n</a>", u"x\r\ny\r\n"},
+             Row{u"x\r\ny\n", u"<a>\n</a>", u"x\ny\n"},
+             Row{u"x\ry", u"<a>\n</a>", u"x\ry"}, // None that the text has.
+             Row{u"x", u"\r\n", u"x"},
+             Row{u"x\r\ny\n", u"<a/>", u"x\r\ny\r\n"}, // A text of one line has none yet.
+             Row{u"x\ny", u"", u"x\ny"},
+         }) {
+        EXPECT_EQ(TextMimeData::units(TextMimeData{Rope(copied)}, Rope(into)), put);
+    }
+}
+
 TEST(TextMimeData, TakesAnOddNumberOfBytesWithoutTheLast) {
     QMimeData data;
     data.setData(QStringLiteral("application/x-tamo-utf16"), QByteArray("a\0b", 3));

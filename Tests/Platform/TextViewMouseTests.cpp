@@ -8,7 +8,6 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
-
 namespace {
 
 struct Desk : TextDesk {
@@ -117,12 +116,32 @@ TEST(TextViewMouse, MovesAndCopiesTextInsideAsOneStep) {
         const bool moves = action == Qt::MoveAction;
         EXPECT_EQ(desk.text(), moves ? u"uno tresdos " : u"uno dos tresdos ");
         EXPECT_EQ(desk.view.selection(), moves ? SourceRange(8, 12) : SourceRange(12, 16));
-        EXPECT_EQ(desk.undo.undoActionName(), moves ? QStringLiteral("Mover texto") : QStringLiteral("Soltar"));
+        EXPECT_EQ(desk.undo.undoActionName(),
+                  moves ? QStringLiteral("Mover texto") : QStringLiteral("Soltar"));
         desk.view.undo();
         EXPECT_EQ(desk.text(), u"uno dos tres");
         EXPECT_EQ(desk.view.selection(), SourceRange(4, 8));
         EXPECT_FALSE(desk.undo.canUndo());
     }
+}
+
+TEST(TextViewMouse, CarriesTextWholeOrNotAtAll) {
+    // A delegate that does something else instead would make half a move of it.
+    struct Busy : TextViewDelegate {
+        int changes = 0;
+        bool shouldChangeText(SourceRange, std::u16string_view) override {
+            ++changes;
+            return false;
+        }
+    } busy;
+    Desk desk(u"uno dos tres");
+    desk.view.setDelegate(&busy);
+    desk.view.carried = [&](const QMimeData& data) { return desk.drop(data, 12, Qt::MoveAction); };
+    desk.view.select(SourceRange(4, 8));
+    desk.dragSelectionFrom(5);
+    EXPECT_EQ(desk.text(), u"uno tresdos ");
+    EXPECT_EQ(busy.changes, 0);
+    desk.view.setDelegate(nullptr);
 }
 
 TEST(TextViewMouse, LeavesTextDroppedOnItselfAlone) {
@@ -226,8 +245,8 @@ TEST(TextViewMouse, OffersWhatCanBeDoneInAMenu) {
         }
     }
     titles.replace(4, titles[4].remove(u'?')); // As the clipboard has text or not.
-    EXPECT_EQ(titles, (QStringList{"Deshacer Escribir", "Rehacer?", "Cortar?", "Copiar?", "Pegar", "Eliminar?",
-                                   "Seleccionar todo", "Más"}));
+    EXPECT_EQ(titles, (QStringList{"Deshacer Escribir", "Rehacer?", "Cortar?", "Copiar?", "Pegar",
+                                   "Eliminar?", "Seleccionar todo", "Más"}));
     EXPECT_EQ(adding.asked, 2U);
     EXPECT_EQ(desk.shown(), u"un|o dosx");
     menu->actions().front()->trigger();

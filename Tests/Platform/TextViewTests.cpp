@@ -128,6 +128,13 @@ TEST(TextView, CutsAndPastesPlainText) {
     EXPECT_EQ(desk.shown(), u"ñ|dos");
 }
 
+TEST(TextView, PastesWithTheLineEndsOfTheText) {
+    TextDesk desk(u"<a>\r\n</a>");
+    QApplication::clipboard()->setText(QStringLiteral("x\ny\n"));
+    desk.press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(desk.shown(), u"x\r\ny\r\n|<a>\r\n</a>");
+}
+
 TEST(TextView, TakesComposedCharacters) {
     TextDesk desk(u"ab");
     QInputMethodEvent composing(QStringLiteral("´"), {});
@@ -229,11 +236,11 @@ TEST(TextView, CarriesTheSelectionThroughEditsOfOthers) {
         TextEdit edit;
         TextSelection after;
     } rows[] = {
-        {{2, 2}, {{4, 6}, u"xyz"}, {2, 2}},  {{4, 4}, {{4, 6}, u"xyz"}, {4, 4}},
-        {{5, 5}, {{4, 6}, u"xyz"}, {7, 7}},  {{6, 6}, {{4, 6}, u"xyz"}, {7, 7}},
-        {{8, 8}, {{4, 6}, u""}, {6, 6}},     {{4, 4}, {{4, 4}, u"xyz"}, {7, 7}},
-        {{2, 5}, {{4, 6}, u"xyz"}, {2, 7}},  {{5, 2}, {{4, 6}, u"xyz"}, {7, 2}},
-        {{2, 4}, {{4, 4}, u"xyz"}, {2, 4}},  {{4, 6}, {{4, 4}, u"xyz"}, {7, 9}},
+        {{2, 2}, {{4, 6}, u"xyz"}, {2, 2}}, {{4, 4}, {{4, 6}, u"xyz"}, {4, 4}},
+        {{5, 5}, {{4, 6}, u"xyz"}, {7, 7}}, {{6, 6}, {{4, 6}, u"xyz"}, {7, 7}},
+        {{8, 8}, {{4, 6}, u""}, {6, 6}},    {{4, 4}, {{4, 4}, u"xyz"}, {7, 7}},
+        {{2, 5}, {{4, 6}, u"xyz"}, {2, 7}}, {{5, 2}, {{4, 6}, u"xyz"}, {7, 2}},
+        {{2, 4}, {{4, 4}, u"xyz"}, {2, 4}}, {{4, 6}, {{4, 4}, u"xyz"}, {7, 9}},
         {{3, 7}, {{0, 10}, u"ab"}, {2, 2}},
     };
     for (const auto& row : rows) {
