@@ -3,7 +3,6 @@
 #include "DiagnosticFinder.h"
 #include "FixPlanner.h"
 #include "MenuText.h"
-#include "PairedTagRename.h"
 #include "ShownText.h"
 #include "SyntaxHighlighter.h"
 #include "SystemColor.h"
@@ -138,6 +137,10 @@ void CodeEditorCoordinator::textDidChange() {
     if (m_textView == nullptr || m_ruler == nullptr) {
         return;
     }
+    if (!std::exchange(m_isTyping, false)) {
+        // Undone, maybe.
+        m_typing = m_typingMemory.find(m_textView->text(), m_textView->caret()).value_or(m_typing);
+    }
     highlightVisibleLines();
     m_highlightedStretches = m_textView->visibleStretches(SyntaxHighlighter::longestWholeLine);
     m_ruler->update();
@@ -154,7 +157,7 @@ void CodeEditorCoordinator::visibleTextChanged() {
 
 void CodeEditorCoordinator::selectionDidChange() {
     if (m_textView != nullptr) {
-        m_insertions.followSelection(m_textView->selection());
+        followSelection(m_textView->selection());
         m_session.setTextSelection(m_textView->selection());
         m_session.followCaret();
     }
@@ -166,14 +169,15 @@ bool CodeEditorCoordinator::doCommand(TextCommand command) {
     if (m_textView == nullptr) {
         return false;
     }
+    noteTyping();
     switch (command) {
     case TextCommand::insertTab:
-        insertUndecided();
+        settle();
         return handle(TypingAssistant::Tab());
     case TextCommand::insertBacktab:
         return handle(TypingAssistant::Backtab());
     case TextCommand::insertNewline:
-        insertUndecided();
+        settle();
         return handle(TypingAssistant::Newline());
     case TextCommand::cancelOperation: {
         const bool wasActive = m_placeholders.isActive();
@@ -189,16 +193,25 @@ bool CodeEditorCoordinator::shouldChangeText(SourceRange range, std::u16string_v
     if (m_textView == nullptr || m_textView->hasMarkedText()) {
         return true;
     }
-    // A character that is dropped elsewhere is none that is typed.
-    const bool isTyped = range.isEmpty() && replacement.size() == 1 && range == m_textView->selection();
-    if (isTyped ? typeOver(replacement.front()) : replacement.empty() && eraseTyped(range)) {
+    noteTyping();
+    if (typeOver(range, replacement)) {
         return false;
     }
+    // A character that is put in elsewhere is none that is typed.
+    const bool isTyped = range.isEmpty() && replacement.size() == 1 && range == m_textView->selection();
     if (isTyped && TextAid::mayAct(replacement.front(), range.lower, m_textView->text()) &&
         handle(TypingAssistant::Character{std::u16string(replacement)})) {
         return false;
     }
-    return !rename(range, replacement);
+    // A Backspace that comes from behind a tag is not about its name.
+    const bool isErasing = isBackspace(range, replacement);
+    const bool comesFromBehind = isErasing && m_erasedTo == range.upper;
+    if (!comesFromBehind && rename(range, replacement)) {
+        return false;
+    }
+    m_erasesTo = isErasing ? std::optional(range.lower) : std::nullopt;
+    m_isTyping = true;
+    return true;
 }
 
 bool CodeEditorCoordinator::handle(const Input& input) {
@@ -211,9 +224,10 @@ bool CodeEditorCoordinator::handle(const Input& input) {
         if (!action) {
             return false;
         }
-        if (const auto* edit = std::get_if<TypingAssistant::Edit>(&*action)) {
-            perform(*edit);
-            remember(input, *edit);
+        if (const auto* proposed = std::get_if<TypingAssistant::Edit>(&*action)) {
+            const TypingAssistant::Edit edit = asTyped(input, *proposed);
+            perform(edit);
+            remember(input, edit);
             return true;
         }
         const bool isNext = std::holds_alternative<TypingAssistant::NextPlaceholder>(*action);
@@ -230,6 +244,7 @@ bool CodeEditorCoordinator::handle(const Input& input) {
 }
 
 void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
+    m_isTyping = !edit.edits.empty();
     const QString actionName = QStringLiteral("Escribir");
     TextBuffer& buffer = m_session.buffer();
     if (edit.edits.size() <= fewEdits) {
@@ -248,30 +263,52 @@ void CodeEditorCoordinator::perform(const TypingAssistant::Edit& edit) {
     showSelection(edit.selection);
 }
 
+TypingAssistant::Edit CodeEditorCoordinator::asTyped(const Input& input,
+                                                     const TypingAssistant::Edit& edit) const {
+    TypingAssistant::Edit typed = edit;
+    if (input == Input(TypingAssistant::Character{u">"}) && edit.edits.size() == 1) {
+        typed.edits = {m_typing.insertions.endOfStartTag(edit.edits.front(), m_textView->text())};
+    }
+    return typed;
+}
+
 void CodeEditorCoordinator::remember(const Input& input, const TypingAssistant::Edit& edit) {
     if (edit.edits.size() != 1) {
         return;
     }
     if (const auto* typed = std::get_if<TypingAssistant::Character>(&input)) {
-        m_insertions.add(typed->string.front(), edit.edits.front(), edit.selection.lower);
+        m_typing.insertions.add(typed->string.front(), edit.edits.front(), edit.selection.lower);
     } else if (std::holds_alternative<TypingAssistant::Newline>(input)) {
-        m_insertions.addLineBreak(edit.edits.front(), edit.selection.lower);
+        m_typing.insertions.addLineBreak(edit.edits.front(), edit.selection.lower);
     }
 }
 
-bool CodeEditorCoordinator::typeOver(char16_t typed) {
-    const auto isBalanced = [this](SourceRange range) {
-        return TextAid::answer(m_session.buffer(), [range](const SourceText& text) {
-            return AutomaticInsertions::isBalanced(text.units(range));
-        });
-    };
-    return perform(m_insertions.type(typed, m_textView->caret(), m_textView->text(), isBalanced));
+void CodeEditorCoordinator::noteTyping() {
+    m_isTyping = false;
+    m_typingMemory.note(m_textView->text(), m_textView->caret(), m_typing);
 }
 
-bool CodeEditorCoordinator::eraseTyped(SourceRange range) {
-    const Offset caret = m_textView->caret();
-    const bool isBackspace = m_textView->selection().isEmpty() && range.length() == 1 && range.upper == caret;
-    return isBackspace && perform(m_insertions.erase(caret, m_textView->text()));
+bool CodeEditorCoordinator::isBackspace(SourceRange range, std::u16string_view replacement) const {
+    return replacement.empty() && m_textView->selection() == SourceRange::empty(range.upper);
+}
+
+bool CodeEditorCoordinator::typeOver(SourceRange range, std::u16string_view replacement) {
+    const Rope& text = m_textView->text();
+    const AutomaticInsertions& insertions = m_typing.insertions;
+    if (isBackspace(range, replacement)) {
+        const bool isDone = perform(insertions.erase(range, text));
+        m_erasedTo = isDone ? std::optional(m_textView->caret()) : m_erasedTo;
+        return isDone;
+    }
+    if (!range.isEmpty() || replacement.size() != 1 || range != m_textView->selection()) {
+        return perform(insertions.replace(range, replacement, text));
+    }
+    const auto isBalanced = [this](SourceRange space) {
+        return TextAid::answer(m_session.buffer(), [space](const SourceText& whole) {
+            return AutomaticInsertions::isBalanced(whole.units(space));
+        });
+    };
+    return perform(insertions.type(replacement.front(), range.lower, text, isBalanced));
 }
 
 bool CodeEditorCoordinator::perform(std::optional<AutomaticInsertions::Reply> reply) {
@@ -279,41 +316,58 @@ bool CodeEditorCoordinator::perform(std::optional<AutomaticInsertions::Reply> re
         return false;
     }
     if (reply->edit) {
+        m_isTyping = true;
         m_session.buffer().type(reply->edit->range, reply->edit->replacement);
     }
     showSelection(SourceRange::empty(reply->caret));
-    m_insertions.done(std::move(*reply));
+    m_typing.insertions.done(std::move(*reply));
     return true;
 }
 
-void CodeEditorCoordinator::insertUndecided() {
-    const std::u16string typed = m_insertions.takeUndecided();
-    if (!typed.empty()) {
-        m_textView->insertText(typed);
-    }
+void CodeEditorCoordinator::settle() {
+    perform(m_typing.insertions.settle(m_textView->caret(), m_textView->text()));
 }
 
 bool CodeEditorCoordinator::rename(SourceRange range, std::u16string_view replacement) {
     TextBuffer& buffer = m_session.buffer();
-    if (!PairedTagRename::mayApply(buffer.text(), range, replacement)) {
-        return false;
-    }
-    const auto rename = TextAid::answer(m_session, range.lower, [&](const SourceText& text) {
-        return PairedTagRename::rename(text, range, replacement);
+    auto rename = m_typing.renamed.and_then([&](const PairedTagRename::Names& names) {
+        return PairedTagRename::renameOn(names, range, replacement);
     });
+    if (!rename && PairedTagRename::mayApply(buffer.text(), range, replacement)) {
+        rename = TextAid::answer(m_session, range.lower, [&](const SourceText& text) {
+            return PairedTagRename::rename(text, range, replacement);
+        });
+    }
     if (!rename) {
         return false;
     }
+    m_isTyping = true;
     buffer.history().typeTogether(rename->edits, rename->caret, QStringLiteral("Renombrar etiqueta"));
+    m_typing.renamed = rename->names;
     return true;
 }
 
 void CodeEditorCoordinator::followEdit(SourceRange edited, std::int64_t changeInLength) {
-    m_insertions.followEdit(edited, changeInLength);
+    m_typing.insertions.followEdit(edited, changeInLength);
+    m_typing.renamed.reset();
+    const bool isErasure = edited.isEmpty() && m_erasesTo == edited.lower;
+    m_erasedTo = isErasure ? m_erasesTo : std::nullopt;
+    m_erasesTo.reset();
     if (m_placeholders.isActive()) {
         const std::int64_t replaced = edited.length() - changeInLength;
         m_placeholders.adjust(
             {SourceRange::at(edited.lower, replaced), m_session.buffer().text().units(edited)});
+    }
+}
+
+void CodeEditorCoordinator::followSelection(SourceRange selection) {
+    m_typing.insertions.followSelection(selection);
+    const auto& renamed = m_typing.renamed;
+    if (renamed && (selection.lower < renamed->edited.lower || selection.upper > renamed->edited.upper)) {
+        m_typing.renamed.reset();
+    }
+    if (m_erasedTo && selection != SourceRange::empty(*m_erasedTo)) {
+        m_erasedTo.reset();
     }
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "AutomaticInsertions.h"
 #include "EditorSession.h"
 #include "LineNumberRuler.h"
 #include "PlaceholderTracker.h"
 #include "TextView.h"
 #include "TextViewDelegate.h"
 #include "TypingAssistant.h"
+#include "TypingMemory.h"
 
 #include <QObject>
 #include <QPointer>
@@ -68,15 +68,19 @@ private:
     void reveal(const EditorSession::RevealRequest& request);
     void visibleTextChanged();
     void followEdit(SourceRange edited, std::int64_t changeInLength);
+    void followSelection(SourceRange selection);
 
     bool handle(const TypingAssistant::Input& input);
     void perform(const TypingAssistant::Edit& edit);
+    TypingAssistant::Edit asTyped(const TypingAssistant::Input& input,
+                                  const TypingAssistant::Edit& edit) const;
     void remember(const TypingAssistant::Input& input, const TypingAssistant::Edit& edit);
-    bool typeOver(char16_t typed);
-    bool eraseTyped(SourceRange range);
+    bool typeOver(SourceRange range, std::u16string_view replacement);
     bool perform(std::optional<AutomaticInsertions::Reply> reply);
-    void insertUndecided();
+    void settle();
     bool rename(SourceRange range, std::u16string_view replacement);
+    void noteTyping();
+    bool isBackspace(SourceRange range, std::u16string_view replacement) const;
     void showSelection(SourceRange selection);
 
     std::vector<QAction*> fixActions(Offset at, QObject* parent);
@@ -88,7 +92,11 @@ private:
     QPointer<TextView> m_textView;
     QPointer<LineNumberRuler> m_ruler;
     PlaceholderTracker m_placeholders;
-    AutomaticInsertions m_insertions;
+    Typing m_typing;
+    TypingMemory m_typingMemory;
+    bool m_isTyping = false;          ///< The next edit is what the user types.
+    std::optional<Offset> m_erasesTo; ///< The edit that the view is about to make, a Backspace.
+    std::optional<Offset> m_erasedTo; ///< The last edit, a Backspace outside of names.
     std::function<bool()> m_mayTakeFocus;
     std::vector<SourceRange>
         m_highlightedStretches; ///< By an edit that the view has not told the end of yet.

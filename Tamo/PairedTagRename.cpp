@@ -7,21 +7,25 @@
 
 namespace {
 
-/// The names of a tag and of its partner, the same units.
-struct Names {
-    SourceRange edited;
-    SourceRange partner;
-};
+using PairedTagRename::Names;
+
+/// Whether a `>`, after blanks at most, follows the name of an end tag.
+bool isEnded(SourceRange name, const SourceText& in) {
+    const std::u16string_view rest = in.units({name.upper, in.count()});
+    const auto end = rest.find_first_not_of(u" \t\r\n");
+    return end != std::u16string_view::npos && rest[end] == u'>';
+}
 
 std::optional<Names> names(const SourceText& in, Offset around) {
     std::optional<SourceRange> partner;
     auto edited = TagMatcher::startTagName(around, in);
-    if (edited) {
+    const bool isStartTag = edited.has_value();
+    if (isStartTag) {
         partner = TagMatcher::matchingCloseName(edited->lower - 1, in);
     } else if ((edited = TagMatcher::endTagName(around, in))) {
         partner = TagMatcher::matchingOpenName(edited->lower - 2, in);
     }
-    if (!partner || !in.equals(*edited, *partner)) {
+    if (!partner || !in.equals(*edited, *partner) || !isEnded(isStartTag ? *partner : *edited, in)) {
         return std::nullopt;
     }
     return Names{*edited, *partner};
@@ -56,12 +60,26 @@ std::optional<PairedTagRename::Rename> PairedTagRename::rename(const SourceText&
         TagMatcher::context(range.lower, in) != TagMatcher::Context::tag) {
         return std::nullopt;
     }
-    const auto& [edited, partner] = *found;
+    return renameOn(*found, range, replacement);
+}
+
+std::optional<PairedTagRename::Rename> PairedTagRename::renameOn(const Names& names, SourceRange range,
+                                                                 std::u16string_view replacement) {
+    const auto& [edited, partner] = names;
+    if (range.lower < edited.lower || range.upper > edited.upper ||
+        !std::ranges::all_of(replacement, UnitScan::isName)) {
+        return std::nullopt;
+    }
     const TextEdit here{range, std::u16string(replacement)};
     const TextEdit there{range.shifted(std::int64_t{partner.lower} - edited.lower), here.replacement};
     const bool isPartnerFirst = partner.lower < edited.lower;
-    const std::int64_t caret =
-        range.lower + std::ssize(replacement) + (isPartnerFirst ? here.delta() : std::int64_t{0});
+    const std::int64_t delta = here.delta();
+    const auto after = [delta](SourceRange name, bool isFirst) {
+        const std::int64_t lower = name.lower + (isFirst ? 0 : delta);
+        return SourceRange::at(lower, name.length() + delta);
+    };
+    const Names renamed{after(edited, !isPartnerFirst), after(partner, isPartnerFirst)};
+    const std::int64_t caret = range.lower + std::ssize(replacement) + (isPartnerFirst ? delta : 0);
     return Rename{isPartnerFirst ? std::vector{there, here} : std::vector{here, there},
-                  static_cast<Offset>(caret)};
+                  static_cast<Offset>(caret), renamed};
 }

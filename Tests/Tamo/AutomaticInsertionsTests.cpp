@@ -5,6 +5,7 @@
 #include "Repeated.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,12 @@ public:
         text += misc();
         text += element(4);
         return text + misc();
+    }
+
+    /// The same without what stands before a root.
+    std::string contentOnly() {
+        m_hidesOpeners = oneIn(2);
+        return misc() + element(3) + misc();
     }
 
 private:
@@ -138,6 +145,121 @@ std::string withoutIndentation(std::string_view text) {
 }
 
 enum class Pauses : bool { none, forParses };
+
+/// Types a text into a desk with slips, all of which are corrected, and knows what a plain editor would hold.
+/// No slip is a `/` after `<`: it completes an end tag, of which Backspace erases what is seen.
+class ClumsyTypist {
+public:
+    ClumsyTypist(EditorDesk& desk, Random& random) : m_desk(desk), m_random(random) { note(); }
+
+    void type(std::string_view text) {
+        while (m_typed.size() < text.size()) {
+            slip();
+            press(text[m_typed.size()]);
+            if (m_random.below(25) == 0) {
+                undo();
+            }
+            while (!text.starts_with(m_typed)) {
+                press('\b');
+            }
+        }
+    }
+
+    std::string keys() const { return m_keys; } ///< All that were pressed.
+
+private:
+    void note() { m_states[m_desk.state()] = m_typed; }
+
+    void press(char key) {
+        m_keys += key;
+        m_desk.type({&key, 1});
+        if (key == '\b') {
+            m_typed.pop_back();
+        } else {
+            m_typed += key;
+        }
+        note();
+    }
+
+    void slip() {
+        switch (m_random.below(24)) {
+        case 0:
+            typeWrongly();
+            break;
+        case 1:
+            eraseAndTypeAgain();
+            break;
+        case 2:
+            moveAndBack();
+            break;
+        default:
+            break;
+        }
+    }
+
+    void typeWrongly() {
+        constexpr std::string_view wrong = "xblo <>/=\"'-";
+        const std::size_t count = 1 + m_random.below(2);
+        for (std::size_t i = 0; i < count; ++i) {
+            const char key = wrong[m_random.below(wrong.size())];
+            press(key == '/' && m_typed.ends_with('<') ? 'x' : key);
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            press('\b');
+        }
+    }
+
+    void eraseAndTypeAgain() {
+        std::string erased;
+        for (std::size_t left = 1 + m_random.below(5); left > 0; --left) {
+            // What a line starts with is not all typed.
+            const std::size_t lineStart = m_typed.rfind('\n') + 1;
+            if (m_typed.find_first_not_of(' ', lineStart) >= m_typed.size() - 1 || isCompleted()) {
+                break;
+            }
+            erased.insert(0, 1, m_typed.back());
+            press('\b');
+        }
+        for (const char key : erased) {
+            press(key);
+        }
+    }
+
+    /// After `</` brought the rest, a Backspace erases what is seen.
+    bool isCompleted() {
+        const Offset caret = m_desk.view().caret();
+        return m_typed.ends_with("</") && caret > 0 && m_desk.buffer.text().unit(caret - 1) == u'>';
+    }
+
+    void moveAndBack() {
+        if (m_desk.view().caret() > 0) {
+            m_keys += "{left}{right}";
+            QTest::keyClick(&m_desk.view(), Qt::Key_Left);
+            QTest::keyClick(&m_desk.view(), Qt::Key_Right);
+        }
+    }
+
+    void undo() {
+        if (!m_desk.undoManager.canUndo() || isCompleted()) {
+            return;
+        }
+        m_keys += "{undo}";
+        m_desk.view().undo();
+        const auto known = m_states.find(m_desk.state());
+        if (known == m_states.end()) {
+            m_desk.view().redo();
+            m_keys += "{redo}";
+        } else {
+            m_typed = known->second;
+        }
+    }
+
+    EditorDesk& m_desk;
+    Random& m_random;
+    std::string m_typed;                            ///< In a plain editor.
+    std::map<std::u16string, std::string> m_states; ///< The same for each state of the desk.
+    std::string m_keys;
+};
 
 void typeRandomDocuments(int documents, Pauses pauses) {
     Random random;
@@ -277,8 +399,9 @@ TEST(AutomaticInsertions, AreForgottenOnceTheCaretHasLeft) {
 
     EditorDesk quotes(u"<x a|/>");
     quotes.type("=");
-    QTest::keyClick(&quotes.view(), Qt::Key_Left);
-    QTest::keyClick(&quotes.view(), Qt::Key_Right);
+    QTest::keyClick(&quotes.view(), Qt::Key_Home);
+    QTest::keyClick(&quotes.view(), Qt::Key_End);
+    quotes.view().select(SourceRange::empty(6));
     quotes.type("\"");
     EXPECT_EQ(quotes.state(), u"<x a=\"\"|/>");
 }
@@ -318,6 +441,119 @@ TEST(AutomaticInsertions, TellBalancedText) {
     for (const std::u16string_view text : {u"<b>", u"<b", u"<b ", u"<b c='", u"<b><b></b>", u"<!-- ",
                                            u"<![CDATA[", u"<?x ", u"<!x", u"</b", u"</"}) {
         EXPECT_FALSE(AutomaticInsertions::isBalanced(text)) << ::testing::PrintToString(std::u16string(text));
+    }
+}
+
+TEST(AutomaticInsertions, TakeSlipsThatAreCorrected) {
+    check({
+        // In an end tag.
+        {u"<r>\n  |\n</r>", "<libro>x</lirb\b\bbro>", u"<r>\n  <libro>x</libro>|\n</r>"},
+        {u"|", "<libro>x</ \blibro>", u"<libro>x</libro>|"},
+        {u"|", "<libro>x</li>\bbro>", u"<libro>x</libro>|"},
+        {u"|", "<libro>x</libro x\b>", u"<libro>x</libro >|"},
+        {u"|", "<libro>\nx</x\blibro>", u"<libro>\n    x</libro>|"},
+        {u"<a><b>x<|", "/bx\b>", u"<a><b>x</b>|"},
+        {u"<a><b>x<|", "/x\bb>", u"<a><b>x</b>|"},
+        {u"<a><b>x<|", "/\b/b>", u"<a><b>x</b>|"},
+        // The end of a start tag.
+        {u"|", "<libro>\b id=\"1\">x</libro>", u"<libro id=\"1\">x</libro>|"},
+        {u"|", "<libro>\b\b\b\b\b\b\b", u"|"},
+        {u"|", "<libro>\b\bs>x</libs>", u"<librs>x</libs>|</librs>"},
+        // A value.
+        {u"|", "<a b=x\b\"y\"/>", u"<a b=\"y\"/>|"},
+        {u"|", "<a b= \b\"y\"/>", u"<a b=\"y\"/>|"},
+        {u"|", "<libro id=\b\b\b\b", u"<libro|"},
+        {u"|", "<libro id=\"\b\b\b\b", u"<libro |"},
+        {u"|", "<a b=\"y\"\b\bz\"/>", u"<a b=\"z\"/>|"},
+    });
+}
+
+TEST(AutomaticInsertions, LeaveTheTagsOfWhatIsErased) {
+    check({
+        {u"|", "<libro>x</libro>\b\b\b\b\b\b\b\by</libro>", u"<libro>xy</libro>|"},
+        {u"<r>\n  <p>x</p>\n</r>|", "\b\b\b\b", u"<r>\n  <p>x</p>\n|"},
+        {u"<r>x|", "</\b\b\b\b", u"<r>x|"},
+    });
+}
+
+TEST(AutomaticInsertions, TakeWhatLooksLikeMarkupInAValue) {
+    checkTyped({
+        "<xsl:if test=\"a < 1\">x</xsl:if>",
+        "<a b=\"<c d='e'>f</c>\" g='<'>h</a>",
+    });
+}
+
+TEST(AutomaticInsertions, EndTheNameThatWasTyped) {
+    check({
+        {u"<p>|hola mundo</p>", "<b>", u"<p><b>|</b>hola mundo</p>"},
+        {u"<p>|hola mundo</p>", "<b>x</b>", u"<p><b>x</b>|hola mundo</p>"},
+        {u"<p>|hola mundo</p>", "<i id=\"1\">x</i>", u"<p><i id=\"1\">x</i>|hola mundo</p>"},
+        {u"<p>|hola mundo</p>", "<>", u"<p><>|hola mundo</p>"},
+    });
+}
+
+TEST(AutomaticInsertions, StayWhenTheCaretGoesOnePlaceAndBack) {
+    for (const std::string_view typed : {"<libro>x<", "<libro>x</", "<libro>x</l", "<libro>x</libro",
+                                         "<libro>", "<libro a=", "<libro a=\"", "<libro a=\"b"}) {
+        const std::string document = typed.contains('=') ? "<libro a=\"b\">x</libro>" : "<libro>x</libro>";
+        EditorDesk desk(u"|");
+        desk.type(typed);
+        QTest::keyClick(&desk.view(), Qt::Key_Left);
+        QTest::keyClick(&desk.view(), Qt::Key_Right);
+        desk.type(std::string_view(document).substr(typed.size()));
+        EXPECT_EQ(QString::fromStdU16String(desk.text()).toStdString(), document) << typed;
+    }
+}
+
+TEST(AutomaticInsertions, LeaveLettersTypedIntoAPassedEndTagWhereTheyAre) {
+    EditorDesk desk(u"|");
+    desk.type("<libro>x</li");
+    QTest::keyClick(&desk.view(), Qt::Key_Left);
+    desk.type("z");
+    EXPECT_EQ(desk.state(), u"<libro>x</lz|i</libro>");
+}
+
+TEST(AutomaticInsertions, ComeBackWithTheText) {
+    EditorDesk desk(u"|");
+    desk.type("<libro>x</libro>");
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<libro>|</libro>");
+    desk.type("x</libro>");
+    EXPECT_EQ(desk.state(), u"<libro>x</libro>|");
+    desk.view().undo();
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<libro|");
+    desk.type(">x</libro>");
+    EXPECT_EQ(desk.state(), u"<libro>x</libro>|");
+}
+
+TEST(AutomaticInsertions, ComeBackToTheirPlaceWithTheStartTag) {
+    EditorDesk desk(u"|");
+    desk.type("<libro>x");
+    QTest::keyClick(&desk.view(), Qt::Key_Left);
+    desk.type("\b");
+    EXPECT_EQ(desk.state(), u"<libro|x");
+    desk.type(" id=\"1\">");
+    EXPECT_EQ(desk.state(), u"<libro id=\"1\">|x</libro>");
+    QTest::keyClick(&desk.view(), Qt::Key_Right);
+    desk.type("y</libro>");
+    EXPECT_EQ(desk.state(), u"<libro id=\"1\">xy</libro>|");
+}
+
+TEST(AutomaticInsertions, MakeOfMarkupTypedWithSlipsWhatWasTyped) {
+    Random random;
+    const std::u16string_view places[] = {u"|", u"<r>|</r>", u"<p>|hola mundo</p>", u"<p>x |b='1' c</p>",
+                                          u"<r>\n|\n</r>"};
+    for (int round = 0; round < 150; ++round) {
+        const std::u16string_view place = places[random.below(std::size(places))];
+        EditorDesk desk(place);
+        const std::string document = TypedMarkup(random).contentOnly();
+        ClumsyTypist typist(desk, random);
+        typist.type(document);
+        std::string expected = QString::fromStdU16String(std::u16string(place)).toStdString();
+        expected.replace(expected.find('|'), 1, document);
+        const std::string typed = QString::fromStdU16String(desk.text()).toStdString();
+        ASSERT_EQ(withoutIndentation(typed), withoutIndentation(expected)) << typist.keys();
     }
 }
 

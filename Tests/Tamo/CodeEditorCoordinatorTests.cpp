@@ -108,6 +108,59 @@ TEST(CodeEditorCoordinator, ColoursBehindADeclarationWithAnApostropheWhileItIsEd
     EXPECT_TRUE(desk.session.tree().rootElement().has_value());
 }
 
+// Names of pairs
+
+TEST(CodeEditorCoordinator, RenamesBothTagsOverAnErasedName) {
+    const auto check = [](std::u16string_view before, const auto& erase, std::string_view typed,
+                          std::u16string_view after) {
+        EditorDesk desk(before);
+        erase(desk);
+        desk.type(typed);
+        EXPECT_EQ(desk.state(), after);
+        while (desk.undoManager.canUndo()) {
+            desk.view().undo();
+        }
+        EXPECT_EQ(desk.state(), before);
+    };
+    const auto press = [](Qt::Key key, Qt::KeyboardModifiers modifiers, int times) {
+        return [=](EditorDesk& desk) {
+            for (int i = 0; i < times; ++i) {
+                QTest::keyClick(&desk.view(), key, modifiers);
+            }
+        };
+    };
+    check(u"<abc|>x</abc>", press(Qt::Key_Backspace, {}, 3), "xyz", u"<xyz|>x</xyz>");
+    check(u"<abc|>x</abc>", press(Qt::Key_Backspace, Qt::ControlModifier, 1), "xyz", u"<xyz|>x</xyz>");
+    check(u"<|abc>x</abc>", press(Qt::Key_Delete, {}, 3), "xyz", u"<xyz|>x</xyz>");
+    check(u"<|abc>x</abc>", press(Qt::Key_Delete, Qt::ControlModifier, 1), "xyz", u"<xyz|>x</xyz>");
+    check(u"<|abc|>x</abc>", press(Qt::Key_X, Qt::ControlModifier, 1), "xyz", u"<xyz|>x</xyz>");
+    check(u"<h|1>x</h1>", press(Qt::Key_Backspace, {}, 1), "g", u"<g|1>x</g1>");
+    check(u"<abc>x</abc|>", press(Qt::Key_Backspace, {}, 3), "xyz", u"<xyz>x</xyz|>");
+}
+
+TEST(CodeEditorCoordinator, RenamesOnAfterAnUndo) {
+    EditorDesk desk(u"<abc|>x</abc>");
+    desk.type("\b\b\bxyz");
+    desk.view().undo();
+    EXPECT_EQ(desk.state(), u"<|>x</>");
+    desk.type("xyz");
+    EXPECT_EQ(desk.state(), u"<xyz|>x</xyz>");
+}
+
+TEST(CodeEditorCoordinator, RenamesNothingThatIsErasedFromBehind) {
+    EditorDesk desk(u"<r>\n  <p>x</p>\n</r>\n|");
+    desk.type("\b\b\b\b\b");
+    EXPECT_EQ(desk.state(), u"<r>\n  <p>x</p>\n|");
+    EditorDesk behind(u"<p>x</p>|>");
+    behind.type("\b\b");
+    EXPECT_EQ(behind.state(), u"<p>x</|>");
+    EditorDesk words(u"<r>\n  <p>x</p>\n</r>|");
+    for (int i = 0; i < 3; ++i) {
+        QTest::keyClick(&words.view(), Qt::Key_Backspace, Qt::ControlModifier);
+    }
+    EXPECT_TRUE(words.text().starts_with(u"<r>\n  <p>x</p>"));
+}
+
 // Keys for the typing assistant
 
 TEST(CodeEditorCoordinator, ClosesAStartTagAsOneStep) {

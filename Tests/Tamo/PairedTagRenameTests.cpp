@@ -50,7 +50,7 @@ TEST(PairedTagRename, ChangesTheEndTagWithTheStartTag) {
         {u"<a><a|></a></a>", u"b", u"<a><ab|></ab></a>"},
         {u"<a|><!-- </a> --><![CDATA[</a>]]></a>", u"b", u"<ab|><!-- </a> --><![CDATA[</a>]]></ab>"},
         {u"<\u00E1|>x</\u00E1>", u"\U0001F600", u"<\u00E1\U0001F600|>x</\u00E1\U0001F600>"},
-        {u"<a|></a", u".", u"<a.|></a."},
+        {u"<a|></a \n>", u".", u"<a.|></a. \n>"},
     });
 }
 
@@ -75,7 +75,11 @@ TEST(PairedTagRename, LeavesNamesWithoutASamePartnerAlone) {
         {u"<a><b|></a>", u"c", u""}, // What closes is not this element.
         {u"<a|></A>", u"b", u""},    // Names differ in case.
         {u"<a|", u"b", u""},         // Not even a tag yet.
-        {u"<|></>", u"b", u""},      // No name.
+        {u"<a|></a", u"b", u""},     // An end tag that is being erased or typed.
+        {u"<a></a|", u"b", u""},
+        {u"<a></a|<b>", u"b", u""},
+        {u"<a></a| b>", u"b", u""},
+        {u"<|></>", u"b", u""}, // No name.
         {u"<a></a|></a>", u"b", u"<ab></ab|></a>"},
     });
 }
