@@ -1,6 +1,7 @@
 #include "DocumentWindow.h"
 
 #include "DocumentController.h"
+#include "FieldDraft.h"
 #include "FieldUndo.h"
 #include "FileDialog.h"
 #include "FilePath.h"
@@ -297,15 +298,8 @@ void DocumentWindow::keyPressEvent(QKeyEvent* event) {
 
 // Writing
 
-/// Has a field that is being written in make that part of the document: it does when it loses the focus.
-void DocumentWindow::finishEditing() {
-    if (const QPointer<QWidget> focused = focusWidget(); focused != nullptr && focused->hasFocus()) {
-        focused->clearFocus();
-        if (focused != nullptr) {
-            focused->setFocus(Qt::OtherFocusReason);
-        }
-    }
-}
+/// Makes what is being written in a field of this window part of the document.
+void DocumentWindow::finishEditing() { FieldDraft::commit(focusWidget()); }
 
 void DocumentWindow::save() {
     finishEditing();

@@ -1,13 +1,13 @@
 #include "AppCommands.h"
 
-#include "CommitField.h"
 #include "EditorWindowView.h"
+#include "FieldDraft.h"
 #include "InsertionPrompts.h"
 #include "NodeShortcuts.h"
 #include "TreeEditorView.h"
 
 #include <QAction>
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMenu>
 #include <QThread>
 
@@ -27,10 +27,10 @@ QAction* add(QMenu& menu, const QString& title, const Shortcuts& shortcuts,
     QAction* const action = menu.addAction(title);
     action->setShortcuts(shortcuts);
     QObject::connect(action, &QAction::triggered, &menu, [command = std::move(command)] {
-        precondition(QThread::currentThread() == QCoreApplication::instance()->thread(),
+        precondition(QThread::currentThread() == qApp->thread(),
                      "commands run on the main thread");
         if (EditorWindowView* const view = EditorWindowView::focused()) {
-            CommitField::commitFocused();
+            FieldDraft::commit(QApplication::focusWidget());
             command(*view);
         }
     });

@@ -206,7 +206,7 @@ bool AttributeTableView::eventFilter(QObject* watched, QEvent* event) {
 /// Goes from one field to the next, and out of the table at either end.
 bool AttributeTableView::moveOn(CommitField& field, bool isForward) {
     const QModelIndex current = m_table->currentIndex();
-    field.commitIfChanged();
+    field.commitDraft();
     const int step = current.row() * 2 + current.column() + (isForward ? 1 : -1);
     const QModelIndex next = step < 0 ? QModelIndex() : m_model.index(step / 2, step % 2);
     if (next.isValid()) {

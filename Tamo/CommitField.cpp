@@ -1,9 +1,9 @@
 #include "CommitField.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextBlock>
@@ -48,6 +48,13 @@ CommitField::CommitField(const QString& title, Axis axis, QWidget* parent) : QWi
         connect(m_text, &QPlainTextEdit::textChanged, this, &CommitField::fitHeight);
     }
     layout->addWidget(editor());
+    if (m_text != nullptr) {
+        m_note = new QLabel;
+        m_note->setWordWrap(true);
+        m_note->setTextFormat(Qt::PlainText);
+        m_note->hide();
+        layout->addWidget(m_note);
+    }
     editor()->setAccessibleName(title);
     editor()->installEventFilter(this);
     setFocusProxy(editor());
@@ -103,23 +110,45 @@ void CommitField::selectAll() {
     }
 }
 
+int CommitField::caret() const {
+    return m_line != nullptr ? m_line->cursorPosition() : m_text->textCursor().position();
+}
+
+/// Puts the caret there, or at the end of a shorter draft.
+void CommitField::setCaret(int caret) {
+    if (m_line != nullptr) {
+        m_line->setCursorPosition(caret);
+    } else {
+        QTextCursor cursor = m_text->textCursor();
+        cursor.setPosition(std::min(caret, m_text->document()->characterCount() - 1));
+        m_text->setTextCursor(cursor);
+    }
+}
+
+/// A draft that is the value already stays as it is, with its caret and its steps of undo.
 void CommitField::showValue() {
     m_isTooLong = m_value.size() > longestEditable;
-    setDraft(m_isTooLong ? m_value.left(longestShown) + u'…' : m_value);
+    const QString shown = m_isTooLong ? m_value.left(longestShown) + u'…' : m_value;
+    if (const QString now = draft(); now != shown && now != withLineFeeds(shown)) {
+        const int before = caret();
+        setDraft(shown);
+        setCaret(isFocused() ? before : 0);
+    }
     m_shown = draft();
     const QString note =
         m_isTooLong ? QStringLiteral("Es demasiado largo para editarlo aquí; se edita en el texto.") : QString();
     editor()->setToolTip(note);
     if (m_line != nullptr) {
         m_line->setReadOnly(m_isTooLong);
-        m_line->setCursorPosition(isFocused() ? m_line->cursorPosition() : 0);
     } else {
         m_text->setReadOnly(m_isTooLong);
+        m_note->setText(note);
+        m_note->setVisible(m_isTooLong);
         fitHeight();
     }
 }
 
-void CommitField::commitIfChanged() {
+void CommitField::commitDraft() {
     if (draft() != m_shown && draft() != m_committed) {
         commit();
     }
@@ -127,14 +156,10 @@ void CommitField::commitIfChanged() {
 
 void CommitField::discardDraft() {
     m_committed.reset();
+    const int before = caret();
+    setDraft({}); // Forgets the steps of undo.
     showValue();
-}
-
-void CommitField::commitFocused() {
-    const QWidget* const focused = QApplication::focusWidget();
-    if (auto* field = focused != nullptr ? qobject_cast<CommitField*>(focused->parentWidget()) : nullptr) {
-        field->commitIfChanged();
-    }
+    setCaret(isFocused() ? before : 0);
 }
 
 void CommitField::commit() {
@@ -164,15 +189,24 @@ bool CommitField::eventFilter(QObject* watched, QEvent* event) {
         // The lines wrap anew once the editor has seen its new width.
         QMetaObject::invokeMethod(this, &CommitField::fitHeight, Qt::QueuedConnection);
     }
-    if (event->type() == QEvent::FocusOut &&
-        static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
-        commitIfChanged();
-        if (!m_committed) {
-            showValue();
-        }
-        emit focusLost();
+    if (event->type() == QEvent::FocusOut) {
+        leave(static_cast<QFocusEvent*>(event)->reason());
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void CommitField::leave(Qt::FocusReason reason) {
+    if (reason == Qt::PopupFocusReason) {
+        return;
+    }
+    commitDraft();
+    if (!m_committed && draft() != m_shown) {
+        showValue();
+    }
+    if (m_line != nullptr && reason != Qt::ActiveWindowFocusReason) {
+        m_line->setCursorPosition(0); // The start of a long value is to be seen.
+    }
+    emit focusLost();
 }
 
 bool CommitField::handleKey(const QKeyEvent& key) {
@@ -203,23 +237,29 @@ void CommitField::breakLine() {
     }
 }
 
-/// The lines that the text takes, wrapped ones included; counts no further than the field grows.
-int CommitField::shownLines() const {
+/// The height of the text's first lines, wrapped ones included, as many as the field grows to. Some lines are
+/// higher than the font says, such as those with emoji.
+double CommitField::shownHeight() const {
     const QAbstractTextDocumentLayout& layout = *m_text->document()->documentLayout();
+    double height = 0;
     int lines = 0;
     for (QTextBlock block = m_text->document()->begin(); block.isValid() && lines < mostLines;
          block = block.next()) {
-        static_cast<void>(layout.blockBoundingRect(block)); // A block is laid out when this is asked.
-        lines += std::max(1, block.layout()->lineCount());
+        const double blockHeight = layout.blockBoundingRect(block).height(); // Lays the block out.
+        const int blockLines = std::max(1, block.layout()->lineCount());
+        const int shown = std::min(blockLines, mostLines - lines);
+        height += shown == blockLines ? blockHeight : block.layout()->lineAt(shown).y();
+        lines += shown;
     }
-    return lines;
+    return height;
 }
 
 void CommitField::fitHeight() {
     if (m_text == nullptr) {
         return;
     }
-    const int lines = std::clamp(shownLines(), fewestLines, mostLines);
-    const double inner = lines * m_text->fontMetrics().lineSpacing() + 2 * m_text->document()->documentMargin();
-    m_text->setFixedHeight(static_cast<int>(std::ceil(inner)) + 2 * m_text->frameWidth());
+    const double least = fewestLines * m_text->fontMetrics().lineSpacing();
+    const double inner = std::max(least, shownHeight()) + 2 * m_text->document()->documentMargin();
+    const QMargins frame = m_text->contentsMargins();
+    m_text->setFixedHeight(static_cast<int>(std::ceil(inner)) + frame.top() + frame.bottom());
 }

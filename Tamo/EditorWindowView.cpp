@@ -2,8 +2,8 @@
 
 #include "BreadcrumbBar.h"
 #include "CodeEditorView.h"
-#include "CommitField.h"
 #include "DiagnosticsBar.h"
+#include "FieldDraft.h"
 #include "FindBar.h"
 #include "GoToLineBar.h"
 #include "GroupedNumber.h"
@@ -180,7 +180,7 @@ void EditorWindowView::buildToolBar() {
     format->setToolTip(QStringLiteral("Formatear documento (%1)")
                            .arg(QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F).toString(QKeySequence::NativeText)));
     connect(format, &QAction::triggered, this, [this] {
-        CommitField::commitFocused();
+        FieldDraft::commit(QApplication::focusWidget());
         m_session.format();
     });
 

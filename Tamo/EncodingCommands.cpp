@@ -1,9 +1,9 @@
 #include "EncodingCommands.h"
 
-#include "CommitField.h"
 #include "DocumentWindow.h"
 #include "EditorDocument.h"
 #include "EncodingConflictQuestion.h"
+#include "FieldDraft.h"
 #include "InputFile.h"
 #include "LineEndings.h"
 #include "MemoryShortage.h"
@@ -14,7 +14,7 @@
 #include "WriteFailureQuestion.h"
 #include "XMLDeclaration.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -76,7 +76,7 @@ QAction* addCommand(DocumentWindow& window, const QString& title, void (Encoding
     QObject::connect(action, &QAction::triggered, &window, [&window, command] {
         const auto* const document = static_cast<EditorDocument*>(window.document());
         if (document != nullptr && document->encodingCommands() != nullptr && !window.isSaving()) {
-            CommitField::commitFocused();
+            FieldDraft::commit(QApplication::focusWidget());
             (document->encodingCommands()->*command)();
         }
     });

@@ -478,7 +478,7 @@ void TreeOutlineView::placeEditor() {
 
 void TreeOutlineView::finishEditing(bool isAccepted) {
     TreeRowEditor* const editor = std::exchange(m_editor, nullptr);
-    const bool hadFocus = editor->hasFocus();
+    const bool hadFocus = window()->focusWidget() == editor; // Also while another window is active.
     const QString text = editor->text();
     editor->hide();
     editor->deleteLater();

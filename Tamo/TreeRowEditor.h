@@ -13,6 +13,11 @@ public:
     /// Ends the editing without accepting anything.
     void cancel() { finish(false); }
 
+public slots:
+    /// Ends the editing and accepts what was typed, as Return does. Commands and saving call it through
+    /// `FieldDraft`.
+    void commitDraft() { finish(true); }
+
 signals:
     /// `isAccepted` only when the text is another one now.
     void finished(bool isAccepted);

@@ -1,9 +1,13 @@
 #include "CommitField.h"
 
+#include "FieldDraft.h"
+
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -35,6 +39,7 @@ struct Desk {
         EXPECT_TRUE(field->isFocused());
         press(Qt::Key_End);
     }
+    ~Desk() { field->setCommit({}); }
 
     void type(const QString& text) const { QTest::keyClicks(field->editor(), text); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const {
@@ -126,10 +131,10 @@ TEST(CommitField, FollowsTheValueWhileNobodyWrites) {
 TEST(CommitField, CommitsWhatIsWrittenBeforeACommandElsewhere) {
     Desk desk;
     desk.type(QStringLiteral("9"));
-    CommitField::commitFocused();
+    FieldDraft::commit(QApplication::focusWidget());
     EXPECT_EQ(desk.commits, QStringList{QStringLiteral("uno9")});
     desk.other->setFocus();
-    CommitField::commitFocused();
+    FieldDraft::commit(QApplication::focusWidget());
     EXPECT_EQ(desk.commits.size(), 1);
 }
 
@@ -224,4 +229,67 @@ TEST(CommitField, EditsTheLongestValueThatItShowsWhole) {
     const QString longest(65'536, u'x');
     Desk desk(CommitField::Axis::horizontal, longest);
     EXPECT_EQ(desk.field->draft(), longest);
+}
+
+TEST(CommitField, KeepsTheCaretAndItsStepsOfUndoWhenItsCommitBecomesTheValue) {
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis, QStringLiteral("tres"));
+        desk.type(QStringLiteral(" mas"));
+        desk.press(Qt::Key_Return);
+        desk.field->setValue(QStringLiteral("tres mas"));
+        desk.type(QStringLiteral(" aun"));
+        EXPECT_EQ(desk.field->draft(), QStringLiteral("tres mas aun"));
+        FieldDraft::commit(QApplication::focusWidget());
+        desk.field->setValue(QStringLiteral("tres mas aun"));
+        FieldDraft::commit(QApplication::focusWidget());
+        desk.type(QStringLiteral("!"));
+        EXPECT_EQ(desk.field->draft(), QStringLiteral("tres mas aun!"));
+        EXPECT_EQ(desk.commits, (QStringList{QStringLiteral("tres mas"), QStringLiteral("tres mas aun")}));
+        desk.press(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(QStringLiteral("tres mas aun").startsWith(desk.field->draft())) << "a step taken back";
+    }
+}
+
+TEST(CommitField, KeepsTheCaretWhenTheValueChangesElsewhere) {
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis, QStringLiteral("cuatro"));
+        desk.press(Qt::Key_Left);
+        desk.press(Qt::Key_Left);
+        desk.field->setValue(QStringLiteral("cinco y"));
+        desk.type(QStringLiteral("|"));
+        EXPECT_EQ(desk.field->draft(), QStringLiteral("cinc|o y"));
+    }
+}
+
+TEST(CommitField, UndoesNothingOfAnotherValueAfterItsDraftWasDiscarded) {
+    for (const auto axis : {CommitField::Axis::horizontal, CommitField::Axis::vertical}) {
+        Desk desk(axis);
+        desk.type(QStringLiteral("!"));
+        desk.press(Qt::Key_Return);
+        desk.field->setValue(QStringLiteral("uno!"));
+        desk.field->discardDraft();
+        desk.press(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(desk.field->draft(), QStringLiteral("uno!"));
+    }
+}
+
+TEST(CommitField, ShowsItsLinesWhole) {
+    for (const QString& text : {QStringLiteral("1\n2\n3\n4"), QStringLiteral("1\n2\n3\n4\n5\n6\n7\n8"),
+                                QStringLiteral("1\n2 😀\n3 😀\n4 😀\n5"), QStringLiteral("palabra ").repeated(30)}) {
+        Desk desk(CommitField::Axis::vertical, text);
+        desk.window.resize(200, 600);
+        const auto* const editor = qobject_cast<QPlainTextEdit*>(desk.field->editor());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return editor->verticalScrollBar()->maximum() == 0; }))
+            << text.toStdString();
+    }
+}
+
+TEST(CommitField, SaysBelowSeveralLinesThatTheyAreTooLong) {
+    Desk desk(CommitField::Axis::vertical, QString(65'537, u'x'));
+    const auto* const note = desk.field->findChild<QLabel*>();
+    ASSERT_NE(note, nullptr);
+    EXPECT_TRUE(note->isVisible());
+    EXPECT_EQ(note->text(), desk.field->editor()->toolTip());
+    desk.field->setValue(QStringLiteral("corto"));
+    EXPECT_FALSE(note->isVisible());
 }

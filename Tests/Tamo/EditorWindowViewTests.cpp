@@ -490,3 +490,41 @@ TEST(AppCommands, LeaveANodeAloneThatTheFilterHides) {
     (*remove)->trigger();
     EXPECT_EQ(desk.text(), QStringLiteral("<a><c/></a>"));
 }
+
+TEST(AppCommands, CountWhatIsBeingWrittenInTheTree) {
+    const auto write = [](Desk& desk) {
+        desk.session.setMode(Mode::visual);
+        desk.session.select(NodePath{{0, 0, 0}});
+        TreeOutlineView& outline = desk.editor->treeEditor().outline();
+        outline.setFocus();
+        desk.press(Qt::Key_F2, Qt::NoModifier);
+        ASSERT_NE(outline.editor(), nullptr);
+        desk.press(Qt::Key_End, Qt::NoModifier);
+        QTest::keyClicks(outline.editor(), QStringLiteral(" uno"));
+    };
+    {
+        Desk desk(u"<a><b>tres</b></a>");
+        write(desk);
+        desk.press(Qt::Key_D, Qt::ControlModifier);
+        EXPECT_EQ(desk.text(), QStringLiteral("<a><b>tres unotres uno</b></a>"));
+        EXPECT_EQ(desk.editor->treeEditor().outline().editor(), nullptr);
+        EXPECT_TRUE(desk.editor->treeEditor().outline().hasFocus());
+    }
+    {
+        Desk desk(u"<a><b>tres</b></a>");
+        write(desk);
+        desk.press(Qt::Key_3, Qt::ControlModifier);
+        EXPECT_EQ(desk.text(), QStringLiteral("<a><b>tres uno</b></a>"));
+        EXPECT_TRUE(desk.editor->treeEditor().outline().hasFocus());
+    }
+    {
+        Desk desk(u"<a><b>tres</b></a>");
+        write(desk);
+        for (QToolButton* const tool : desk.editor->toolBar().findChildren<QToolButton*>()) {
+            if (tool->text() == QStringLiteral("Formatear")) {
+                QTest::mouseClick(tool, Qt::LeftButton);
+            }
+        }
+        EXPECT_EQ(desk.text(), QStringLiteral("<a>\n    <b>tres uno</b>\n</a>\n"));
+    }
+}
