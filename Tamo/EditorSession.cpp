@@ -77,6 +77,21 @@ std::vector<NodePath*> pathsOf(TreeMutation& mutation) {
     return paths;
 }
 
+bool changesText(std::span<const TextEdit> edits, const Rope& text) {
+    return std::ranges::any_of(edits, [&text](const TextEdit& edit) {
+        return edit.delta() != 0 || text.units(edit.range) != edit.replacement;
+    });
+}
+
+/// By how much the text grows at most while `edits` are made one after the other, those that add perhaps first.
+std::int64_t mostGrowth(std::span<const TextEdit> edits) {
+    std::int64_t added = 0;
+    for (const TextEdit& edit : edits) {
+        added += std::max<std::int64_t>(edit.delta(), 0);
+    }
+    return added;
+}
+
 /// Takes over the units without copying them.
 SourceText sourceText(std::u16string units) {
     const auto owner = std::make_shared<const std::u16string>(std::move(units));
@@ -499,15 +514,7 @@ bool EditorSession::hasRoomFor(std::int64_t units) {
 }
 
 void EditorSession::applyEdits(std::span<const TextEdit> edits, const QString& actionName) {
-    const bool isChange = std::ranges::any_of(edits, [this](const TextEdit& edit) {
-        return edit.delta() != 0 || m_buffer.text().units(edit.range) != edit.replacement;
-    });
-    // The edits are made one after the other, those that add perhaps first.
-    std::int64_t added = 0;
-    for (const TextEdit& edit : edits) {
-        added += std::max<std::int64_t>(edit.delta(), 0);
-    }
-    if (!isChange || !hasRoomFor(added)) {
+    if (!changesText(edits, m_buffer.text()) || !hasRoomFor(mostGrowth(edits))) {
         return;
     }
     try {
@@ -569,12 +576,44 @@ void EditorSession::apply(const TreeMutation& asked, const QString& actionName) 
     setErrorMessage(shortageMessage(actionName));
 }
 
+/// The step of undo selects what was selected before, and redoing it what the plan selects.
 void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& actionName) {
-    const std::int64_t generation = m_buffer.generation();
-    applyEdits(plan.edits, actionName);
-    if (m_buffer.generation() != generation) {
-        m_pendingSelectOffset = plan.selectOffset;
+    // Runs on both sides of the change of the text, of which only the later one counts: undoing runs backwards.
+    struct Selecting {
+        QPointer<EditorSession> session;
+        std::optional<Offset> offset; ///< Of the node to select when the text has changed.
+        std::optional<Offset> opposite;
+        bool isLater;
+
+        void operator()() const {
+            if (session == nullptr) {
+                return;
+            }
+            if (isLater && offset && session->m_mode != Mode::text) {
+                session->m_pendingSelectOffset = offset;
+                session->reparse(0ms);
+            }
+            session->m_buffer.undoManager()->registerUndo(Selecting{session, opposite, offset, !isLater});
+        }
+    };
+    if (!changesText(plan.edits, m_buffer.text()) || !hasRoomFor(mostGrowth(plan.edits))) {
+        return;
     }
+    const NodeID node = isTreeCurrent() ? selectedNode().value_or(NodeID::document()) : NodeID::document();
+    const bool hasNode = node != NodeID::document();
+    const std::optional<Offset> before = hasNode ? std::optional(tree()[node].range.lower) : std::nullopt;
+    UndoManager* const undoManager = m_buffer.undoManager();
+    if (undoManager == nullptr) {
+        applyEdits(plan.edits, actionName);
+    } else {
+        undoManager->beginUndoGroup();
+        undoManager->setActionName(actionName);
+        undoManager->registerUndo(Selecting{this, before, plan.selectOffset, true});
+        applyEdits(plan.edits, actionName);
+        undoManager->registerUndo(Selecting{this, before, plan.selectOffset, false});
+        undoManager->endUndoGroup();
+    }
+    m_pendingSelectOffset = plan.selectOffset;
 }
 
 void EditorSession::apply(const DocumentTemplate& documentTemplate) {

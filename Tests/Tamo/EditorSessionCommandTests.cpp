@@ -276,7 +276,53 @@ TEST(EditorSessionCommands, SelectNothingThatIsGoneAgain) {
     desk.undoManager.undo();
     ASSERT_TRUE(desk.settle());
     EXPECT_EQ(desk.session.selection(), NodePath({{0, 0}}));
-    EXPECT_FALSE(desk.session.revealRequest().has_value());
+    EXPECT_EQ(desk.session.revealRequest(), EditorSession::RevealRequest(SourceRange(3, 7), 1));
+}
+
+TEST(EditorSessionCommands, SelectTheirNodesAgainWhenTheyAreUndoneAndRedone) {
+    const std::pair<Command, std::u16string> rows[] = {
+        {command(&EditorSession::duplicate), u"<b>1</b>"},
+        {prompt(Kind::addChild, QStringLiteral("n")), u"<n></n>"},
+        {prompt(Kind::addSibling, QStringLiteral("n")), u"<n></n>"},
+        {prompt(Kind::wrap, QStringLiteral("n")), u"<n>\n    <b>1</b>\n</n>"},
+        {command(&EditorSession::deleteSelection), u"<c/>"},
+        {command(&EditorSession::moveDown), u"<b>1</b>"},
+        {onSelection(&EditorSession::rename, QStringLiteral("n")), u"<n>1</n>"},
+    };
+    for (const auto& [run, after] : rows) {
+        SessionDesk desk(u"<a><x/><b>1</b><c/></a>");
+        ASSERT_TRUE(desk.open());
+        desk.select(u"<b>");
+        run(desk);
+        ASSERT_TRUE(desk.settle());
+        EXPECT_EQ(desk.selected(), after);
+        const auto selected = desk.session.selection();
+        for (int round = 0; round < 2; ++round) {
+            desk.undoManager.undo();
+            ASSERT_TRUE(desk.settle());
+            EXPECT_EQ(desk.selected(), u"<b>1</b>");
+            EXPECT_EQ(desk.session.selection(), NodePath({{0, 1}}));
+            desk.undoManager.redo();
+            ASSERT_TRUE(desk.settle());
+            EXPECT_EQ(desk.selected(), after);
+            EXPECT_EQ(desk.session.selection(), selected);
+        }
+    }
+}
+
+TEST(EditorSessionCommands, LeaveTheSelectionToTheCaretWhenTheyAreUndoneInTheText) {
+    SessionDesk desk(u"<a><b/><c/></a>");
+    ASSERT_TRUE(desk.open());
+    desk.select(u"<b/>");
+    desk.session.duplicate();
+    ASSERT_TRUE(desk.settle());
+    desk.session.setMode(Mode::text);
+    desk.session.setTextSelection(SourceRange::empty(12));
+    desk.session.followCaret();
+    ASSERT_EQ(desk.selected(), u"<c/>");
+    desk.undoManager.undo();
+    ASSERT_TRUE(desk.settle());
+    EXPECT_EQ(desk.selected(), u"<c/>");
 }
 
 TEST(EditorSessionCommands, LeaveAloneWhatTheUserSelectsMeanwhile) {
