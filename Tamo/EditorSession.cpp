@@ -150,6 +150,10 @@ void EditorSession::setMode(Mode mode) {
 void EditorSession::setFilter(const QString& filter) {
     if (m_filter != filter) {
         m_filter = filter;
+        if (const auto node = selectedNode(); node && filter.trimmed().isEmpty()) {
+            // A node that was chosen among those found keeps its row.
+            m_outline.showAncestors(*m_selection, *node);
+        }
         m_outline.setFilter(filter.trimmed());
         emit filterChanged();
     }

@@ -245,6 +245,14 @@ void EditorWindowView::find(QAction& command) {
         m_tree->focusFilter();
         return;
     }
+    // In the tree these go through what its filter has found.
+    const bool isNext = command.shortcut() == QKeySequence(Qt::Key_F3);
+    const bool isPrevious = command.shortcut() == QKeySequence(Qt::SHIFT | Qt::Key_F3);
+    if ((isNext || isPrevious) && !m_session.filter().trimmed().isEmpty()) {
+        m_source->findBar().closeBar();
+        m_tree->goToMatch(isNext ? TreeEditorView::Direction::forward : TreeEditorView::Direction::backward);
+        return;
+    }
     m_session.setMode(Mode::split);
     // The bar could not take the keyboard while it was out of sight.
     command.trigger();

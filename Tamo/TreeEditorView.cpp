@@ -7,7 +7,9 @@
 #include "MutationPlanner.h"
 #include "NodeClipboard.h"
 #include "NodeCopy.h"
+#include "NodeSearch.h"
 #include "NodeShortcuts.h"
+#include "StringUnits.h"
 #include "Symbol.h"
 #include "SymbolLabel.h"
 #include "SystemColor.h"
@@ -144,19 +146,29 @@ void TreeEditorView::showTree() {
     showRows();
 }
 
+/// Whether the rows are those of a filter, and of the one in the field.
+bool TreeEditorView::areMatchesKnown() const {
+    return m_session.areRowsFiltered() && m_session.shownFilter() == m_session.filter().trimmed();
+}
+
 void TreeEditorView::showMatchCount() {
-    const bool isKnown =
-        m_session.areRowsFiltered() && m_session.shownFilter() == m_session.filter().trimmed();
+    const bool isKnown = areMatchesKnown();
     m_matchCount->setVisible(isKnown);
     m_matchCount->setText(isKnown ? matchCountText(m_session.matchCount()) : QString());
 }
 
 void TreeEditorView::showRows() {
+    if (!m_outline->contents().filter.isEmpty() && !m_session.areRowsFiltered()) {
+        m_wanted = m_session.selection();
+    }
     m_outline->setContents({&m_session.tree(), &m_session.rows(),
                             [this](NodeID node) { return m_session.errorNodes().contains(node); },
                             m_session.shownFilter()});
     showSelection();
     showMatchCount();
+    if (m_isMatchWanted && areMatchesKnown()) {
+        goToFirstMatch();
+    }
     const bool isSearchInVain = m_session.areRowsFiltered() && m_session.rows().isEmpty();
     if (!m_session.hasTree() && !m_session.lacksMemory()) {
         m_pages->setCurrentWidget(m_blank);
@@ -221,6 +233,33 @@ void TreeEditorView::focusFilter() {
     m_filterField->selectAll();
 }
 
+bool TreeEditorView::isMatch(std::size_t row) const {
+    return NodeSearch::isMatch(m_session.rows()[row].node, unitsOf(m_session.shownFilter()), m_session.tree());
+}
+
+void TreeEditorView::goToMatch(Direction direction) {
+    const std::size_t count = areMatchesKnown() ? m_outline->rowCount() : 0;
+    const bool isForward = direction == Direction::forward;
+    const std::size_t from = m_outline->selectedRow().value_or(isForward ? count - 1 : 0);
+    for (std::size_t distance = 1; distance <= count; ++distance) {
+        const std::size_t row = (isForward ? from + distance : from + count - distance) % count;
+        if (isMatch(row)) {
+            m_outline->choose(row);
+            return;
+        }
+    }
+}
+
+/// A match that is selected already stays so.
+void TreeEditorView::goToFirstMatch() {
+    m_isMatchWanted = m_session.filter().trimmed() != m_session.shownFilter();
+    const auto selected = m_outline->selectedRow();
+    if (!m_isMatchWanted && areMatchesKnown() && !(selected && isMatch(*selected))) {
+        m_outline->setSelectedRow(std::nullopt);
+        goToMatch(Direction::forward);
+    }
+}
+
 void TreeEditorView::followSelection() {
     // A node that only has another path now is where the user left it.
     const std::int64_t serial = m_session.selectionSerial();
@@ -236,6 +275,7 @@ void TreeEditorView::showSelectedNode() {
 }
 
 void TreeEditorView::showFilter() {
+    m_isMatchWanted = false;
     if (m_filterField->text() != m_session.filter()) {
         m_filterField->setText(m_session.filter());
     }
@@ -351,9 +391,11 @@ bool TreeEditorView::eventFilter(QObject* watched, QEvent* event) {
                 return true;
             }
             break;
-        case Qt::Key_Down:
         case Qt::Key_Return:
         case Qt::Key_Enter:
+            goToFirstMatch();
+            [[fallthrough]];
+        case Qt::Key_Down:
             if (m_outline->rowCount() != 0) {
                 m_outline->setFocus(Qt::TabFocusReason);
                 return true;

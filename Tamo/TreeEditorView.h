@@ -45,6 +45,11 @@ public:
     /// Gives the filter field the keyboard.
     void focusFilter();
 
+    enum class Direction : std::uint8_t { forward, backward };
+    /// Selects the next node that the filter has found, behind the last one again the first; the other way
+    /// round backward. Does nothing while no row is one that was found.
+    void goToMatch(Direction direction);
+
 public slots:
     // On the selected node, as `NodeClipboard` does; nothing while a filter hides it.
     /// Edits the name or the content of the selected node in its row, which comes into view.
@@ -69,6 +74,9 @@ private:
     void showRows();
     void passFocusOn();
     void showSelection();
+    bool isMatch(std::size_t row) const;
+    bool areMatchesKnown() const;
+    void goToFirstMatch();
     void followSelection();
     void showFilter();
 
@@ -89,4 +97,5 @@ private:
     QWidget* m_blank;                 ///< Shows before there is a tree.
     std::optional<NodePath> m_wanted; ///< Has not been in view yet.
     std::int64_t m_followedSerial = 0;
+    bool m_isMatchWanted = false; ///< The first match is to be selected once it has a row.
 };

@@ -119,6 +119,10 @@ bool matchesContent(const Query& query, const DocumentTree& tree, NodeID node) {
     return query.occurs(tree.text.units(tree[node].contentRange).substr(0, longestSearched));
 }
 
+bool matchesNode(const Query& query, const DocumentTree& tree, NodeID node, const std::stop_token& stop) {
+    return tree[node].isElement() ? matchesElement(query, tree, node, stop) : matchesContent(query, tree, node);
+}
+
 } // namespace
 
 std::vector<NodeID> NodeSearch::matches(std::u16string_view query, const DocumentTree& in,
@@ -129,13 +133,15 @@ std::vector<NodeID> NodeSearch::matches(std::u16string_view query, const Documen
     }
     const Query folded(query);
     for (NodeID node{1}; node.raw < in.nodes.size() && !stop.stop_requested(); ++node.raw) {
-        const bool isMatch =
-            in[node].isElement() ? matchesElement(folded, in, node, stop) : matchesContent(folded, in, node);
-        if (isMatch) {
+        if (matchesNode(folded, in, node, stop)) {
             found.push_back(node);
         }
     }
     return found;
+}
+
+bool NodeSearch::isMatch(NodeID node, std::u16string_view query, const DocumentTree& in) {
+    return !query.empty() && node != NodeID::document() && matchesNode(Query(query), in, node, {});
 }
 
 std::vector<SourceRange> NodeSearch::occurrences(std::u16string_view query, std::u16string_view in,

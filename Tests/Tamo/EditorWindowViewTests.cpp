@@ -528,3 +528,27 @@ TEST(AppCommands, CountWhatIsBeingWrittenInTheTree) {
         EXPECT_EQ(desk.text(), QStringLiteral("<a>\n    <b>tres uno</b>\n</a>\n"));
     }
 }
+
+TEST(EditorWindowView, GoesToTheNextMatchOfTheFilter) {
+    Desk desk(u"<a><b1/><c><b2/></c><d/><e>b</e></a>");
+    desk.session.setMode(Mode::visual);
+    desk.editor->findCommands().front()->trigger();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desk.session.areRowsFiltered(); }));
+    QList<NodePath> visited;
+    const auto find = [&](const QKeySequence& key) {
+        for (QAction* const command : desk.editor->findCommands()) {
+            if (command->shortcut() == key) {
+                command->trigger();
+            }
+        }
+        visited += desk.session.selection().value_or(NodePath());
+    };
+    for (int step = 0; step < 4; ++step) {
+        find(Qt::Key_F3);
+    }
+    find(Qt::SHIFT | Qt::Key_F3);
+    EXPECT_EQ(visited, (QList<NodePath>{{{0, 0}}, {{0, 1, 0}}, {{0, 3, 0}}, {{0, 0}}, {{0, 3, 0}}}));
+    EXPECT_EQ(desk.session.mode(), Mode::visual);
+    EXPECT_TRUE(desk.editor->codeEditor().findBar().isHidden());
+}

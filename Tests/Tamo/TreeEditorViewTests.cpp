@@ -506,3 +506,38 @@ TEST(TreeEditorView, GoesOnEditingTheSameNodeInAnotherTree) {
     QTest::keyClick(pane.outline.editor(), Qt::Key_Return);
     EXPECT_EQ(pane.desk.text(), u"<a><x/><b/><nuevo/></a>");
 }
+
+TEST(TreeEditorView, GoesToTheFirstMatchWithReturnInTheFilter) {
+    Pane pane(u"<a><b><c>x</c></b><d>x</d></a>");
+    pane.filter(QStringLiteral("x"));
+    QTest::keyClick(&pane.view.filterField(), Qt::Key_Return);
+    EXPECT_TRUE(pane.outline.hasFocus());
+    EXPECT_EQ(pane.desk.session.selection(), (NodePath{{0, 0, 0, 0}}));
+    pane.desk.session.select(NodePath{{0, 1, 0}});
+    QTest::keyClick(&pane.view.filterField(), Qt::Key_Return);
+    EXPECT_EQ(pane.desk.session.selection(), (NodePath{{0, 1, 0}})) << "a match already";
+}
+
+TEST(TreeEditorView, GoesToTheFirstMatchOnceItIsFound) {
+    Pane pane(u"<a><b><c>x</c></b><d>x</d></a>");
+    pane.view.filterField().setFocus();
+    QTest::keyClicks(&pane.view.filterField(), QStringLiteral("x"));
+    QTest::keyClick(&pane.view.filterField(), Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return pane.desk.session.areRowsFiltered(); }));
+    EXPECT_EQ(pane.desk.session.selection(), (NodePath{{0, 0, 0, 0}}));
+}
+
+TEST(TreeEditorView, KeepsTheNodeThatTheFilterFoundInSight) {
+    Pane pane(u"<a>" + repeated(u"<b><c/></b>", 900) + u"<d><e><f/></e></d></a>");
+    for (std::uint32_t child = 0; child <= 900; ++child) {
+        pane.desk.session.collapse(NodePath{{0, child}});
+    }
+    pane.filter(QStringLiteral("f"));
+    pane.desk.select(u"<f/>");
+    pane.view.filterField().clear();
+    ASSERT_TRUE(waitFor([&] { return !pane.desk.session.areRowsFiltered(); }));
+    const auto row = pane.outline.selectedRow();
+    ASSERT_TRUE(row.has_value());
+    EXPECT_EQ(*row, 903U);
+    EXPECT_TRUE(pane.outline.viewport()->rect().contains(pane.outline.rect(*row)));
+}

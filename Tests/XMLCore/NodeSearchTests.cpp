@@ -4,6 +4,8 @@
 #include "TreeParser.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -17,8 +19,12 @@ DocumentTree parse(std::u16string_view text) { return TreeParser::parse(SourceTe
 /// The sources of the nodes that match, in order.
 std::vector<std::u16string> found(std::u16string_view query, const DocumentTree& tree) {
     std::vector<std::u16string> sources;
-    for (const NodeID node : NodeSearch::matches(query, tree)) {
+    const std::vector<NodeID> nodes = NodeSearch::matches(query, tree);
+    for (const NodeID node : nodes) {
         sources.emplace_back(tree.source(node));
+    }
+    for (NodeID node{0}; node.raw < tree.nodes.size(); ++node.raw) {
+        EXPECT_EQ(NodeSearch::isMatch(node, query, tree), std::ranges::find(nodes, node) != nodes.end());
     }
     return sources;
 }
