@@ -40,6 +40,21 @@ int widestName(const AttributeTableModel& model, const QFontMetrics& metrics) {
     return widest;
 }
 
+/// While it lives, a cell that becomes the current one is not edited at once.
+class EditingPause {
+public:
+    explicit EditingPause(QTableView& table) : m_table(table), m_triggers(table.editTriggers()) {
+        m_table.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    }
+    ~EditingPause() { m_table.setEditTriggers(m_triggers); }
+    EditingPause(const EditingPause&) = delete;
+    EditingPause& operator=(const EditingPause&) = delete;
+
+private:
+    QTableView& m_table;
+    const QAbstractItemView::EditTriggers m_triggers;
+};
+
 } // namespace
 
 /// Paints the cells, and makes a field of the one that is edited.
@@ -144,6 +159,7 @@ void AttributeTableView::setElement(const NodePath& path, NodeID node) {
     m_path = path;
     {
         const QScopedValueRollback changing(m_isChanging, true);
+        const EditingPause pause(*m_table);
         m_model.setNode(&m_session.tree(), node);
     }
     fitHeight();
@@ -184,6 +200,10 @@ bool AttributeTableView::commit(const QModelIndex& cell, const QString& draft) {
 }
 
 bool AttributeTableView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_table && event->type() == QEvent::FocusIn) {
+        enter(static_cast<QFocusEvent*>(event)->reason());
+        return false;
+    }
     if (event->type() != QEvent::KeyPress) {
         return QWidget::eventFilter(watched, event);
     }
@@ -198,6 +218,10 @@ bool AttributeTableView::eventFilter(QObject* watched, QEvent* event) {
     const bool presses = isOnButton && (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter);
     if (current.isValid() && (key == Qt::Key_Delete || presses)) {
         remove(current.row());
+        return true;
+    }
+    if (current.isValid() && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        edit(current);
         return true;
     }
     return false;
@@ -233,7 +257,25 @@ void AttributeTableView::edit(const QModelIndex& cell) {
     }
 }
 
+/// Makes a cell the current one without editing it.
+void AttributeTableView::makeCurrent(const QModelIndex& cell) {
+    const EditingPause pause(*m_table);
+    m_table->setCurrentIndex(cell);
+}
+
+/// The keyboard finds a cell where it comes into the table.
+void AttributeTableView::enter(Qt::FocusReason reason) {
+    const bool isByKey = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    if (isByKey && !m_table->currentIndex().isValid() && m_model.rowCount() != 0) {
+        makeCurrent(reason == Qt::TabFocusReason
+                        ? m_model.index(0, AttributeTableModel::name)
+                        : m_model.index(m_model.rowCount() - 1, AttributeTableModel::value));
+    }
+}
+
 void AttributeTableView::remove(int row) {
+    // The button of the row that follows must not be pressed by the same key.
+    makeCurrent(m_model.index(row, AttributeTableModel::name));
     m_session.removeAttribute(m_path, QString::fromStdU16String(m_model.attributeName(row)));
 }
 

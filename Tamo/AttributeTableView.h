@@ -47,6 +47,8 @@ private:
     bool commit(const QModelIndex& cell, const QString& draft);
     bool moveOn(CommitField& field, bool isForward);
     void edit(const QModelIndex& cell);
+    void makeCurrent(const QModelIndex& cell);
+    void enter(Qt::FocusReason reason);
     void remove(int row);
     void add();
     void editAdded();

@@ -219,3 +219,36 @@ TEST(AttributeTableView, WidensTheColumnOfNamesForLongOnes) {
     EXPECT_LT(wider, widest);
     EXPECT_LE(widest, 320 * 3 / 5);
 }
+
+TEST(AttributeTableView, HasACurrentCellForTheKeyboard) {
+    Desk desk(u"<a b='1' c='2'/>");
+    const auto current = [&] {
+        const QModelIndex cell = desk.table().currentIndex();
+        return std::pair(cell.row(), cell.column());
+    };
+    desk.table().setFocus(Qt::BacktabFocusReason);
+    EXPECT_EQ(current(), std::pair(1, int(Column::value)));
+    desk.view.clear();
+    desk.showRoot();
+    desk.view.addButton()->setFocus();
+    desk.table().setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(current(), std::pair(0, int(Column::name)));
+    EXPECT_TRUE(desk.table().hasFocus()) << "nothing is edited yet";
+    QTest::keyClick(&desk.table(), Qt::Key_Return);
+    auto* const field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->selectedText(), QStringLiteral("b"));
+}
+
+TEST(AttributeTableView, RemovesOneAttributeWithOneKey) {
+    Desk desk(u"<a b='1' c='2'/>");
+    desk.table().setFocus();
+    desk.table().setCurrentIndex(desk.table().model()->index(0, Column::removal));
+    QTest::keyClick(&desk.table(), Qt::Key_Space);
+    desk.waitForTree();
+    EXPECT_EQ(desk.text(), QStringLiteral("<a c='2'/>"));
+    EXPECT_TRUE(desk.table().hasFocus()) << "nothing is edited";
+    EXPECT_EQ(desk.table().currentIndex(), desk.table().model()->index(0, Column::name));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(desk.text(), QStringLiteral("<a c='2'/>"));
+}
