@@ -136,6 +136,7 @@ QWidget* NodeInspectorView::makeActions() {
         makeButton(QStringLiteral("Envolver"), QStringLiteral("rectangle.dashed"), &NodeInspectorView::wrap),
         makeButton(QStringLiteral("Eliminar"), QStringLiteral("trash"), &NodeInspectorView::remove),
     };
+    m_addChild = buttons.front();
     for (int at = 0; QPushButton* const button : buttons) {
         grid->addWidget(button, at / 2, at % 2);
         ++at;
@@ -188,6 +189,7 @@ void NodeInspectorView::showNode(const NodePath& path, NodeID node) {
     m_contentSection->setVisible(hasContent);
     m_sourceSection->setVisible(hasSource);
     m_actionSection->setVisible(!hasSource);
+    m_addChild->setEnabled(isElement);
     if (isElement) {
         m_name->setValue(start(tree[node].nameRange));
         m_attributes->setElement(path, node);

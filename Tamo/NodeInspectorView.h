@@ -65,6 +65,7 @@ private:
     AttributeTableView* m_attributes = nullptr;
     CommitField* m_content = nullptr;
     QPlainTextEdit* m_source = nullptr;
+    QPushButton* m_addChild = nullptr;
     QWidget* m_nameSection = nullptr;
     QWidget* m_attributeSection = nullptr;
     QWidget* m_contentSection = nullptr;

@@ -245,3 +245,13 @@ TEST(NodeInspectorView, KeepsAMarginBesideEveryKindOfNode) {
         }
     }
 }
+
+TEST(NodeInspectorView, OffersAChildToElementsOnly) {
+    Desk desk(u"<a>t<!--c--></a>");
+    const std::pair<NodePath, bool> rows[] = {{{{0}}, true}, {{{0, 0}}, false}, {{{0, 1}}, false}};
+    for (const auto& [path, isOffered] : rows) {
+        desk.session.select(path);
+        EXPECT_EQ(desk.button(QStringLiteral("Hijo")).isEnabled(), isOffered);
+        EXPECT_TRUE(desk.button(QStringLiteral("Hermano")).isEnabled());
+    }
+}
