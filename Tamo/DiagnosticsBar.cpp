@@ -37,7 +37,7 @@ QString dataSize(std::uint64_t bytes) {
 }
 
 /// Text from a document on one line, of a bounded length.
-QString line(const std::u16string& text) {
+QString oneLine(const std::u16string& text) {
     QString shown = QString::fromStdU16String(text.substr(0, static_cast<std::size_t>(longestEntry)));
     for (QChar& unit : shown) {
         if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
@@ -142,9 +142,37 @@ private:
     QLabel* m_warnings;
 };
 
+/// A text on one line, cut where the bar has no more room for it.
+class DiagnosticsBar::Message : public QWidget {
+public:
+    Message() {
+        setObjectName(QStringLiteral("message"));
+        setFont(SystemFont::callout());
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    }
+
+    void setText(const QString& text) {
+        m_text = text;
+        setAccessibleName(text);
+        setToolTip(text);
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(palette().color(QPalette::WindowText));
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         fontMetrics().elidedText(m_text, Qt::ElideRight, width()));
+    }
+
+private:
+    QString m_text;
+};
+
 DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
     : QWidget(parent), m_session(session), m_noErrors(new QWidget), m_counts(new Counts),
-      m_menu(new QMenu(this)), m_next(new QToolButton), m_lineEnding(makeFact(QStringLiteral("lineEnding"))),
+      m_menu(new QMenu(this)), m_next(new QToolButton), m_message(new Message), m_lineEnding(makeFact(QStringLiteral("lineEnding"))),
       m_encoding(makeFact(QStringLiteral("encoding"))), m_size(makeFact(QStringLiteral("size"))) {
     setFixedHeight(barHeight);
     auto* status = new QHBoxLayout(m_noErrors);
@@ -170,13 +198,15 @@ DiagnosticsBar::DiagnosticsBar(EditorSession& session, QWidget* parent)
     layout->addWidget(m_noErrors);
     layout->addWidget(m_counts);
     layout->addWidget(m_next);
-    layout->addStretch();
+    layout->addWidget(m_message, 1);
     layout->setSpacing(16);
     for (QLabel* fact : {m_lineEnding, m_encoding, m_size}) {
         layout->addWidget(fact);
     }
     m_size->setToolTip(QStringLiteral("Lo que ocupa el texto en UTF-8"));
     connect(&session, &EditorSession::treeChanged, this, &DiagnosticsBar::showTree);
+    connect(&session, &EditorSession::revealRequestChanged, this, &DiagnosticsBar::showProblem);
+    connect(&session, &EditorSession::selectionChanged, this, &DiagnosticsBar::showProblem);
     connect(&session, &EditorSession::encodingNameChanged, this, &DiagnosticsBar::showFacts);
     showTree();
 }
@@ -189,6 +219,29 @@ void DiagnosticsBar::showTree() {
     m_next->setVisible(!diagnostics.empty());
     m_counts->show(errors, diagnostics.size() - errors);
     showFacts();
+    showProblem();
+}
+
+/// Says what is wrong at the place that was asked for last, as going from one problem of a node to another
+/// changes nothing else where only the tree shows.
+void DiagnosticsBar::showProblem() {
+    const DiagnosticList& problems = m_session.tree().diagnostics;
+    const auto& request = m_session.revealRequest();
+    QString message;
+    const bool isStillThere = request && m_session.isTreeCurrent() &&
+                              m_session.selectedNode() == m_session.tree().innermostNode(request->range.lower);
+    if (const std::size_t at = isStillThere ? problems.firstIndex(request->range.lower) : problems.size();
+        at < problems.size() && problems.range(at) == request->range) {
+        message = title(at);
+    }
+    m_message->setText(message);
+}
+
+/// "Línea 12: " and the message of a problem.
+QString DiagnosticsBar::title(std::size_t problem) const {
+    const std::size_t line = m_session.lines().line(m_session.problemStarts().start(problem)) + 1;
+    return QStringLiteral("Línea %1: ").arg(groupedNumber(line)) +
+           oneLine(m_session.tree().diagnostics[problem].message);
 }
 
 void DiagnosticsBar::showFacts() {
@@ -217,12 +270,11 @@ void DiagnosticsBar::fillMenu() {
 
 void DiagnosticsBar::addProblem(std::size_t index) {
     const Diagnostic diagnostic = m_session.tree().diagnostics[index];
-    const std::size_t number = m_session.lines().line(m_session.problemStarts().start(index)) + 1;
     const bool isError = diagnostic.severity == Diagnostic::Severity::error;
     QAction* const problem = m_menu->addAction(
         Symbol::icon(isError ? u"exclamationmark.circle.fill" : u"exclamationmark.triangle.fill",
                      isError ? SystemColor::systemRed : SystemColor::systemOrange),
-        entry(QStringLiteral("Línea %1: ").arg(groupedNumber(number)) + line(diagnostic.message), *m_menu));
+        entry(title(index), *m_menu));
     // While the menu is open another tree may come.
     connect(problem, &QAction::triggered, this, [this, range = diagnostic.range, of = m_session.treeGeneration()] {
         if (m_session.treeGeneration() == of) {
@@ -232,7 +284,7 @@ void DiagnosticsBar::addProblem(std::size_t index) {
     const std::vector<Diagnostic::Fix> fixes = FixPlanner::fixes(m_session.tree(), index);
     for (std::size_t choice = 0; choice < fixes.size(); ++choice) {
         QAction* const fix =
-            m_menu->addAction(entry(QStringLiteral("    ") + line(fixes[choice].title), *m_menu));
+            m_menu->addAction(entry(QStringLiteral("    ") + oneLine(fixes[choice].title), *m_menu));
         connect(fix, &QAction::triggered, this, [this, index, choice, of = m_session.treeGeneration()] {
             if (m_session.treeGeneration() == of) {
                 m_session.applyFix(index, choice);

@@ -21,9 +21,12 @@ public:
 
 private:
     class Counts;
+    class Message;
 
     void showTree();
+    void showProblem();
     void showFacts();
+    QString title(std::size_t problem) const;
     void fillMenu();
     void addProblem(std::size_t index);
 
@@ -32,6 +35,7 @@ private:
     Counts* m_counts = nullptr;
     QMenu* m_menu = nullptr;
     QToolButton* m_next = nullptr;
+    Message* m_message = nullptr; ///< Of the problem that was gone to last.
     QLabel* m_lineEnding = nullptr;
     QLabel* m_encoding = nullptr;
     QLabel* m_size = nullptr;

@@ -198,3 +198,23 @@ TEST(DiagnosticsBar, ClaimsNothingBeforeTheFirstParse) {
     EXPECT_TRUE(label("noErrors")->isVisible());
     EXPECT_TRUE(label("size")->isVisible());
 }
+
+TEST(DiagnosticsBar, SaysWhichProblemWasGoneTo) {
+    Desk desk(u"<r>\n<a b='1' b='2' c='3' c='4'/>\n</r>");
+    desk.session.setMode(EditorSession::Mode::visual);
+    const auto message = [&] {
+        return desk.bar.findChild<QWidget*>(QStringLiteral("message"))->accessibleName();
+    };
+    ASSERT_EQ(desk.session.tree().diagnostics.size(), 2U);
+    EXPECT_EQ(message(), QString());
+    QStringList said;
+    for (int step = 0; step < 2; ++step) {
+        desk.session.nextProblem();
+        said += message();
+    }
+    EXPECT_TRUE(said[0].startsWith(QStringLiteral("Línea 2: "))) << said[0].toStdString();
+    EXPECT_TRUE(said[1].startsWith(QStringLiteral("Línea 2: "))) << said[1].toStdString();
+    EXPECT_NE(said[0], said[1]) << "both are of one node";
+    desk.session.select(NodePath{{0}});
+    EXPECT_EQ(message(), QString());
+}
