@@ -1,5 +1,6 @@
 #include "EditorSession.h"
 
+#include "KeptReferences.h"
 #include "MemoryShortage.h"
 #include "MutationFailureMessage.h"
 #include "NodeCopy.h"
@@ -571,7 +572,7 @@ void EditorSession::apply(const TreeMutation& asked, const QString& actionName) 
     if (!bringTreeUpToDate(pathsOf(mutation))) {
         return;
     }
-    if (const auto plan = MutationPlanner::plan(mutation, tree(), indent())) {
+    if (const auto plan = KeptReferences::plan(mutation, tree(), indent())) {
         apply(*plan, actionName);
     } else {
         setErrorMessage(message(plan.error()));

@@ -1,6 +1,7 @@
 #include "EditorSession.h"
 
 #include "FixPlanner.h"
+#include "KeptReferences.h"
 #include "NodeCopy.h"
 #include "PrettyPrinter.h"
 #include "RandomDocument.h"
@@ -45,7 +46,7 @@ public:
             return plan ? TextEdit::apply(plan->edits, before) : before;
         };
         const auto mutated = [&](const TreeMutation& mutation) {
-            return planned(MutationPlanner::plan(mutation, tree, indent));
+            return planned(KeptReferences::plan(mutation, tree, indent));
         };
         EditorSession& session = m_desk.session;
         std::u16string expected;
