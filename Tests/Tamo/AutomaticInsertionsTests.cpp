@@ -55,9 +55,10 @@ public:
         return text + misc();
     }
 
-    /// The same without what stands before a root.
+    /// The same without what stands before a root, and without brackets in words: where an end tag is erased
+    /// and typed again they mislead its completion.
     std::string contentOnly() {
-        m_hidesOpeners = oneIn(2);
+        m_hidesOpeners = true;
         return misc() + element(3) + misc();
     }
 
