@@ -2,6 +2,7 @@
 
 #include "DiagnosticFinder.h"
 #include "FixPlanner.h"
+#include "Lexer.h"
 #include "MenuText.h"
 #include "ShownText.h"
 #include "SyntaxHighlighter.h"
@@ -12,6 +13,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <iterator>
 #include <ranges>
 #include <utility>
 
@@ -20,10 +22,11 @@ namespace {
 using TypingAssistant::Input;
 
 constexpr Offset completionLookBack = 65'536;
-constexpr std::size_t fewEdits = 1000;   ///< Of so many everybody may be told one by one.
-constexpr std::size_t mostMessages = 10; ///< In one tool tip.
-constexpr std::size_t mostFixes = 20;    ///< Problems whose fixes one menu has.
-constexpr qsizetype longestShown = 120;  ///< Units of a message or title.
+constexpr Offset completionLookAhead = 4'096; ///< To the end of a tag.
+constexpr std::size_t fewEdits = 1000;        ///< Of so many everybody may be told one by one.
+constexpr std::size_t mostMessages = 10;      ///< In one tool tip.
+constexpr std::size_t mostFixes = 20;         ///< Problems whose fixes one menu has.
+constexpr qsizetype longestShown = 120;       ///< Units of a message or title.
 
 QString string(std::u16string_view units) {
     return QString::fromUtf16(units.data(), static_cast<qsizetype>(units.size()));
@@ -39,6 +42,36 @@ QString messages(const std::vector<DiagnosticFinder::Found>& found, const Diagno
         lines += ShownText::shortened(diagnostics[diagnostic.index].message, longestShown);
     }
     return lines.join(u'\n');
+}
+
+/// The names of the attributes in the start tag that `tag` begins with, but for the one around `except`.
+QStringList attributeNames(std::u16string_view tag, Offset except) {
+    QStringList names;
+    UnitIndex index;
+    Lexer lexer(tag, index);
+    while (const auto token = lexer.next()) {
+        const SourceRange range = token->range;
+        const bool isNextTag =
+            token->kind == Token::Kind::openTagStart || token->kind == Token::Kind::closeTagStart;
+        if (range.lower > 0 && (isNextTag || lexer.mode != Lexer::Mode::tag)) {
+            break;
+        }
+        const bool isExcepted = range.lower <= except && except <= range.upper;
+        if (token->kind == Token::Kind::attributeName && !isExcepted) {
+            names += string(tag.substr(range.lower, range.length()));
+        }
+    }
+    return names;
+}
+
+/// The entities that every document has, as far as they begin with `partial`.
+QStringList entities(const QString& partial) {
+    const QStringList all{QStringLiteral("amp;"), QStringLiteral("lt;"), QStringLiteral("gt;"),
+                          QStringLiteral("quot;"), QStringLiteral("apos;")};
+    QStringList found;
+    std::ranges::copy_if(all, std::back_inserter(found),
+                         [&](const QString& entity) { return entity.startsWith(partial); });
+    return found;
 }
 
 } // namespace
@@ -379,15 +412,33 @@ QStringList CodeEditorCoordinator::completions(SourceRange partialWord) {
     const Rope& text = m_session.buffer().text();
     const Offset start = std::min(partialWord.lower, text.size());
     const Offset from = start - std::min(start, completionLookBack);
-    const SourceText before(text.units({from, start}));
-    const Context context =
-        TagMatcher::context(before.count(), TextAid::readable(m_session, before, from, before.count()));
+    const SourceText units(text.units({from, start}));
+    const SourceText before = TextAid::readable(m_session, units, from, units.count());
+    const Context context = TagMatcher::context(before.count(), before);
+    const QString partial = string(text.units(partialWord));
+    const char16_t last = start > 0 ? text.unit(start - 1) : u'\0';
+    const bool mayHoldEntity = context == Context::content || context == Context::attributeValue;
+    if (mayHoldEntity && last == u'&') {
+        return entities(partial);
+    }
     if (context != Context::content && context != Context::tag) {
         return {};
     }
-    const char16_t last = start > 0 ? text.unit(start - 1) : u'\0';
     const bool isInTag = context == Context::tag && last != u'<' && last != u'/';
-    return m_session.nameCompletions(string(text.units(partialWord)), isInTag);
+    QStringList names = m_session.nameCompletions(partial, isInTag);
+    // What can be right comes first.
+    if (isInTag) {
+        const auto bracket = static_cast<Offset>(before.units().rfind(u'<'));
+        const Offset end = start + std::min(text.size() - start, completionLookAhead);
+        const QStringList present =
+            attributeNames(text.units({from + bracket, end}), before.count() - bracket);
+        std::ranges::stable_partition(names, [&](const QString& name) { return !present.contains(name); });
+    } else if (before.units().ends_with(u"</")) {
+        const auto open = TagMatcher::unclosedElement(before.count() - 2, before);
+        std::ranges::stable_partition(
+            names, [&](const QString& name) { return name == string(open.value_or(u"")); });
+    }
+    return names;
 }
 
 // Problems

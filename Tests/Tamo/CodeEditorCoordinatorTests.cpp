@@ -494,6 +494,16 @@ TEST(CodeEditorCoordinator, CompletesNamesByContext) {
     }
 }
 
+TEST(CodeEditorCoordinator, CompletesWhatCanBeRightFirst) {
+    EXPECT_EQ(completions(u"<r><linea a='1' b='2'/><linea a='1' ||/></r>"), (QStringList{"b", "a"}));
+    EXPECT_EQ(completions(u"<r><linea a='1' b='2'/><linea || a='1'/></r>"), (QStringList{"b", "a"}));
+    EXPECT_EQ(completions(u"<libro><linea>x</|l|"), (QStringList{"linea", "libro"}));
+    EXPECT_EQ(completions(u"<a>&||</a>"), (QStringList{"amp;", "lt;", "gt;", "quot;", "apos;"}));
+    EXPECT_EQ(completions(u"<a>&|a|</a>"), (QStringList{"amp;", "apos;"}));
+    EXPECT_EQ(completions(u"<a b='&|q|'/>"), (QStringList{"quot;"}));
+    EXPECT_EQ(completions(u"<a><!-- &|a| --></a>"), QStringList());
+}
+
 TEST(CodeEditorCoordinator, LooksForTheContextNoFartherThan65536UnitsBack) {
     for (const bool isTooFar : {false, true}) {
         std::u16string text = u"<item/><!--";
