@@ -607,6 +607,7 @@ void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& acti
     const NodeID node = isTreeCurrent() ? selectedNode().value_or(NodeID::document()) : NodeID::document();
     const bool hasNode = node != NodeID::document();
     const std::optional<Offset> before = hasNode ? std::optional(tree()[node].range.lower) : std::nullopt;
+    const std::int64_t generation = m_buffer.generation();
     UndoManager* const undoManager = m_buffer.undoManager();
     if (undoManager == nullptr) {
         applyEdits(plan.edits, actionName);
@@ -618,7 +619,9 @@ void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& acti
         undoManager->registerUndo(Selecting{this, before, plan.selectOffset, false});
         undoManager->endUndoGroup();
     }
-    m_pendingSelectOffset = plan.selectOffset;
+    if (m_buffer.generation() != generation) {
+        m_pendingSelectOffset = plan.selectOffset;
+    }
 }
 
 void EditorSession::apply(const DocumentTemplate& documentTemplate) {
