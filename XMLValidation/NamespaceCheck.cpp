@@ -23,6 +23,30 @@ NamespaceCheck::NamespaceCheck(const DocumentTree& tree, const DocumentType& typ
     }
 }
 
+/// The position in `name` of its first colon, or `noColon`.
+std::ptrdiff_t NamespaceCheck::findColon(SourceRange name) const {
+    const std::ptrdiff_t length = name.length();
+    if (length < UnitVector::lanes && name.lower + std::size_t{UnitVector::lanes} <= m_units.size())
+        [[likely]] {
+        const UnitVector vector = UnitVector::load(m_units.data() + name.lower);
+        const UnitMask colons = (vector == UnitVector::all(u':')).mask().firstLanes(length);
+        return colons.any() ? colons.first() : noColon;
+    }
+    const std::ptrdiff_t found = UnitScan::findAny(m_units.data() + name.lower, 0, length, u':');
+    return found == length ? noColon : found;
+}
+
+/// Whether a name with its first colon at `colon` has a name on both sides of it, and no other colon.
+bool NamespaceCheck::isQualified(SourceRange range, std::ptrdiff_t colon) {
+    const std::u16string_view name = units(range);
+    const auto local = static_cast<std::size_t>(colon) + 1;
+    const bool isPlain =
+        colon != 0 && local < name.size() && name[local] < 0x80 && name[local] != u':' &&
+        UnitScan::isNameStart(name[local]) &&
+        findColon(SourceRange::unchecked(range.lower + static_cast<Offset>(local), range.upper)) == noColon;
+    return isPlain || checkQualified(range);
+}
+
 void NamespaceCheck::visitElement(const TreeNode& element, NamespaceStack::Declarations declarations) {
     m_stack.enter(element, declarations);
     if (!m_defaults.empty()) {
@@ -44,19 +68,6 @@ void NamespaceCheck::visitElement(const TreeNode& element, NamespaceStack::Decla
     if (m_expanded.size() > 1) {
         checkUnique();
     }
-}
-
-/// The position in `name` of its first colon, or `noColon`.
-TAMO_ALWAYS_INLINE std::ptrdiff_t NamespaceCheck::findColon(SourceRange name) const {
-    const std::ptrdiff_t length = name.length();
-    if (length < UnitVector::lanes && name.lower + std::size_t{UnitVector::lanes} <= m_units.size())
-        [[likely]] {
-        const UnitVector vector = UnitVector::load(m_units.data() + name.lower);
-        const UnitMask colons = (vector == UnitVector::all(u':')).mask().firstLanes(length);
-        return colons.any() ? colons.first() : noColon;
-    }
-    const std::ptrdiff_t found = UnitScan::findAny(m_units.data() + name.lower, 0, length, u':');
-    return found == length ? noColon : found;
 }
 
 /// The name of an element, whose first colon stands at `colon`.
@@ -87,17 +98,6 @@ void NamespaceCheck::visitPrefixedAttribute(const AttributeSpan& attribute, std:
     if (space > NamespaceStack::xml) {
         m_expanded.push_back({space, 0, attribute.name, local});
     }
-}
-
-/// Whether a name with its first colon at `colon` has a name on both sides of it, and no other colon.
-TAMO_ALWAYS_INLINE bool NamespaceCheck::isQualified(SourceRange range, std::ptrdiff_t colon) {
-    const std::u16string_view name = units(range);
-    const auto local = static_cast<std::size_t>(colon) + 1;
-    const bool isPlain =
-        colon != 0 && local < name.size() && name[local] < 0x80 && name[local] != u':' &&
-        UnitScan::isNameStart(name[local]) &&
-        findColon(SourceRange::unchecked(range.lower + static_cast<Offset>(local), range.upper)) == noColon;
-    return isPlain || checkQualified(range);
 }
 
 /// The attributes that the element has without being written. A prefix is reported where it is declared,
