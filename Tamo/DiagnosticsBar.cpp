@@ -254,9 +254,6 @@ void DiagnosticsBar::showFacts() {
 
 void DiagnosticsBar::fillMenu() {
     m_menu->clear();
-    // In front, where it is in view however long the menu is.
-    m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
-    m_menu->addSeparator();
     const DiagnosticList& diagnostics = m_session.tree().diagnostics;
     const std::size_t shown = std::min(diagnostics.size(), mostProblems);
     for (std::size_t index = 0; index < shown; ++index) {
@@ -266,6 +263,8 @@ void DiagnosticsBar::fillMenu() {
         m_menu->addAction(QStringLiteral("y %1 más…").arg(groupedNumber(diagnostics.size() - shown)))
             ->setEnabled(false);
     }
+    m_menu->addSeparator();
+    m_menu->addAction(QStringLiteral("Corregir todo"), &m_session, &EditorSession::applyAllFixes);
 }
 
 void DiagnosticsBar::addProblem(std::size_t index) {

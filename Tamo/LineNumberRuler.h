@@ -29,7 +29,10 @@ public:
     void setLines(std::shared_ptr<const LineIndex> lines) { m_lines = std::move(lines); }
     void setErrorLines(ErrorLines errorLines) { m_errorLines = std::move(errorLines); }
     /// Only where there are some.
-    const LineIndex& lines() const { return *m_lines; }
+    const LineIndex& lines() const {
+        static const LineIndex none;
+        return m_lines != nullptr ? *m_lines : none;
+    }
     const ErrorLines& errorLines() const { return m_errorLines; }
 
     /// What to tell, as plain text, while the mouse rests on a line of the text, counted from 0.

@@ -119,11 +119,12 @@ TemplateGalleryView::TemplateGalleryView(EditorSession& session, QWidget* parent
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(scroll);
     setFocusPolicy(Qt::StrongFocus);
+    arrangeCards();
+    // Only what is in the window has an order in it.
     for (std::size_t at = 1; at < m_cards.size(); ++at) {
         setTabOrder(m_cards[at - 1], m_cards[at]);
     }
     setTabOrder(m_cards.back(), m_blank);
-    arrangeCards();
 }
 
 void TemplateGalleryView::resizeEvent(QResizeEvent* event) {

@@ -83,18 +83,6 @@ class Keys(DocumentTest):
         app.press("alt+shift+Up")
         wait_until(lambda: app.rows() == ["a", "b", "c"], "row moved back")
 
-    def test_opens_context_menus_by_the_other_key(self):
-        app = self.start_in_tree("<a>\n  <b/>\n  <c/>\n</a>\n")
-        self.choose(app, "b")
-        app.press("shift+F10")
-        app.wait_for(role="menu item", name="Añadir hijo…")
-        app.press("Escape")
-        wait_until(lambda: app.find(role="menu item", name="Añadir hijo…") is None, "closed menu")
-        app.press("ctrl+1")
-        app.wait_for(role="text", name="Texto", state="focused")
-        app.press("shift+F10")
-        app.wait_for(role="menu item", name="Seleccionar todo")
-
     def test_presses_buttons_by_return(self):
         app = self.start()
         app.wait_for(role="push button", name="Básico")

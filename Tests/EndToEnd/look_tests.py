@@ -145,18 +145,6 @@ class Looks(DocumentTest):
             self.assert_on_screen(app, title)
             app.answer(title, "Escape")
 
-    def test_the_menu_of_many_problems_can_be_used_on_a_small_screen(self):
-        app = self.start_magnified(self.document("<a>\n" + "&\n" * 200 + "</a>\n"))
-        app.click_on(app.wait_for(role="push button", starts="200 errores"))
-        mend = app.wait_for(role="menu item", name="Corregir todo")
-        first = app.wait_for(role="menu item", starts="Línea 2:")
-        for place in (box_of(mend), box_of(first)):
-            self.assertTrue(
-                place.left >= 0 and place.top >= 0 and place.right <= SCREEN[0] and place.bottom <= SCREEN[1], place
-            )
-        app.click_on(mend)
-        app.wait_for(role="label", name="Sin errores")
-
     def test_remembers_where_a_divider_was_left(self):
         app, text = self.start_in(3, self.document("<a/>\n"))
         usual = box_of(text)

@@ -15,7 +15,7 @@ TEST(FolderHint, IsTheShortestEndThatNoOtherFolderHas) {
              Row{text("/x/uno/datos/a.xml"), {text("/x/dos/datos/a.xml")}, text("uno/datos")},
              Row{text("/x/uno/datos/a.xml"), {text("/x/dos/a.xml"), text("/x/dos/datos/a.xml")}, text("uno/datos")},
              Row{text("/datos/a.xml"), {text("/x/datos/a.xml")}, text("/datos")},
-             Row{text("/x/datos/a.xml"), {text("/datos/a.xml")}, text("x/datos")},
+             Row{text("/x/datos/a.xml"), {text("/datos/a.xml")}, text("/x/datos")},
              Row{text("/a.xml"), {text("/x/a.xml")}, text("/")},
              Row{text("/x/a.xml"), {text("/x/a.xml")}, text("/x")},
          }) {

@@ -272,7 +272,7 @@ TEST(TextHistory, ChangesNothingWhereTheMemoryIsTooShort) {
     const std::u16string large(20'000'000, u'x');
     const std::vector<TextEdit> edits = {TextEdit::insert(u"short", 12), TextEdit{{4, 7}, large}};
     {
-        const MemoryLimit limit(std::size_t{70} << 20);
+        const MemoryLimit limit(std::size_t{16} << 20);
         EXPECT_THROW(document.history.apply(edits, QStringLiteral("Mover")), std::bad_alloc);
         EXPECT_EQ(document.text(), text);
         EXPECT_THROW(document.history.type({0, 3}, std::u16string_view(large)), std::bad_alloc);
