@@ -7,6 +7,7 @@
 #include "SystemColor.h"
 #include "SystemFont.h"
 
+#include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
@@ -204,6 +205,10 @@ bool AttributeTableView::eventFilter(QObject* watched, QEvent* event) {
         enter(static_cast<QFocusEvent*>(event)->reason());
         return false;
     }
+    if (watched == m_table && event->type() == QEvent::FocusOut) {
+        leave(static_cast<QFocusEvent*>(event)->reason());
+        return false;
+    }
     if (event->type() != QEvent::KeyPress) {
         return QWidget::eventFilter(watched, event);
     }
@@ -270,6 +275,14 @@ void AttributeTableView::enter(Qt::FocusReason reason) {
         makeCurrent(reason == Qt::TabFocusReason
                         ? m_model.index(0, AttributeTableModel::name)
                         : m_model.index(m_model.rowCount() - 1, AttributeTableModel::value));
+    }
+}
+
+/// Without the keyboard no cell is the current one: assistive tools would take it for the one with the focus.
+void AttributeTableView::leave(Qt::FocusReason reason) {
+    const bool isByKey = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    if (isByKey && !m_table->isAncestorOf(QApplication::focusWidget())) {
+        makeCurrent({});
     }
 }
 

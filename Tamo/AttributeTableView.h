@@ -49,6 +49,7 @@ private:
     void edit(const QModelIndex& cell);
     void makeCurrent(const QModelIndex& cell);
     void enter(Qt::FocusReason reason);
+    void leave(Qt::FocusReason reason);
     void remove(int row);
     void add();
     void editAdded();

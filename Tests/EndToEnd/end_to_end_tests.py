@@ -351,7 +351,7 @@ class EndToEnd(DocumentTest):
         first = names.index("Visual")
         self.assertEqual(
             names[first:] + names[:first],
-            ["Visual", "Formatear", "Inspector", "Documento", "a", "Filtrar nodos", "a", "Nombre", "Atributos"]
+            ["Visual", "Formatear", "Inspector", "Documento", "a", "Filtrar nodos", "a", "Nombre", "uno"]
             + ["Añadir atributo", "Hijo", "Hermano", "Duplicar", "Envolver", "Eliminar"],
         )
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <fstream>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@ class MemoryLimit {
 public:
     explicit MemoryLimit(std::size_t room) {
         getrlimit(RLIMIT_AS, &m_before);
+        malloc_trim(0);
         std::size_t pages = 0;
         std::ifstream("/proc/self/statm") >> pages;
         precondition(pages != 0, "the system tells how much memory the program has");

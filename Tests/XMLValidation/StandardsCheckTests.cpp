@@ -177,7 +177,7 @@ TEST(StandardsCheck, TakesHostileDocuments) {
         std::size_t violations;
     };
     const auto chain = [](std::size_t count) {
-        return u"<!DOCTYPE a [<!ENTITY e0 'x'>" + numbered(count, [count](const std::u16string& number) {
+        return u"<!DOCTYPE a [<!ENTITY e0 'x'>" + numbered(count, [](const std::u16string& number) {
                    const std::size_t index = std::stoul(std::string(number.begin(), number.end()));
                    const std::u16string inner = u"&e" + number + u";";
                    return u"<!ENTITY e" + decimal(index + 1) + u" '" + inner + u"<b>" + inner + u"</b>'>";
