@@ -627,7 +627,7 @@ void EditorSession::apply(const MutationPlanner::Plan& plan, const QString& acti
 void EditorSession::apply(const DocumentTemplate& documentTemplate) {
     const QString actionName = QStringLiteral("Plantilla");
     const TextEdit edit{m_buffer.text().fullRange(), std::u16string(documentTemplate.text)};
-    if (edit.delta() == 0 && m_buffer.text().units(edit.range) == edit.replacement) {
+    if (!changesText({&edit, 1}, m_buffer.text())) {
         return;
     }
     UndoManager* const undoManager = m_buffer.undoManager();

@@ -7,15 +7,23 @@
 
 #include <array>
 
-TEST(InputFile, ReadsPieceByPiece) {
-    const QTemporaryDir folder;
+namespace {
+
+/// A file in `folder` that holds `12345`, open for reading.
+std::expected<InputFile, FileFailure> openedDigits(const QTemporaryDir& folder) {
     const QString path = folder.filePath(QStringLiteral("a.xml"));
     QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(written.open(QIODevice::WriteOnly));
     written.write("12345");
     written.close();
+    return InputFile::open(path);
+}
 
-    auto file = InputFile::open(path);
+} // namespace
+
+TEST(InputFile, ReadsPieceByPiece) {
+    const QTemporaryDir folder;
+    auto file = openedDigits(folder);
     ASSERT_TRUE(file);
     EXPECT_EQ(file->expectedSize(), 5U);
     std::array<std::uint8_t, 3> room{};
@@ -29,13 +37,7 @@ TEST(InputFile, ReadsPieceByPiece) {
 
 TEST(InputFile, ReadsAnyPlaceWithoutLosingItsOwn) {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("a.xml"));
-    QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
-    written.write("12345");
-    written.close();
-
-    auto file = InputFile::open(path);
+    auto file = openedDigits(folder);
     ASSERT_TRUE(file);
     std::array<std::uint8_t, 3> room{};
     EXPECT_EQ(file->read(std::span(room).first(1)), 1U);
@@ -56,12 +58,7 @@ TEST(InputFile, TellsWhyItCannotBeOpened) {
 
 TEST(InputFile, StopsWhenItIsAskedTo) {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("a.xml"));
-    QFile written(path);
-    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
-    written.write("12345");
-    written.close();
-    auto file = InputFile::open(path);
+    auto file = openedDigits(folder);
     ASSERT_TRUE(file);
     std::array<std::uint8_t, 3> room{};
     std::stop_source stop;
