@@ -55,7 +55,7 @@ public:
 
     /// Writes the text of this moment to a file as `how` says, on any thread, and answers why it could not,
     /// for the user. The file that is there stays as it is until `how` lets it be replaced; where `how` does
-    /// not, or asks to stop, the failure is for no one to read.
+    /// not, or asks to stop, the text of the failure is not shown.
     using Write =
         std::function<std::expected<void, WriteFailure>(const QString& path, const FileReplacement& how)>;
     virtual Write write() const = 0;

@@ -58,8 +58,8 @@ private:
     std::u16string m_buffer;
 };
 
-/// Where most of the new text is new, all of it goes into one array: whoever reads it in one piece would have to
-/// copy it, while the old text, for undoing, and its tree are still there.
+/// If most of the new text is new, stores all of it in one array. A parse reads the text in one piece and would
+/// have to copy it otherwise, while memory still holds the old text, for undoing, and its tree.
 void storeTogether(TextReplacement& replacement, const Rope& old) {
     constexpr Offset large = 4'000'000;
     const Offset kept = old.size() - replacement.range.length();

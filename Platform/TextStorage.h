@@ -39,7 +39,7 @@ Q_SIGNALS:
     /// `changeInLength`. The range had `editedRange.length() - changeInLength` units before.
     void editProcessed(SourceRange editedRange, std::int64_t changeInLength);
 
-    /// The text is stored elsewhere, and whoever holds on to a version holds on to the old memory.
+    /// The text is the same but stored in other memory. A version kept from before keeps the old memory.
     void textMoved();
 
     /// The outermost batch is over, and the text whole again.

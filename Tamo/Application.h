@@ -5,7 +5,7 @@
 #include <QPointer>
 
 /// The application object. An event for which the memory is too short ends with a message, not with the
-/// program: whoever changes a document takes care that it is then as it was before.
+/// program. Each operation on a document leaves it unchanged if it throws `std::bad_alloc`.
 class Application : public QApplication {
     Q_OBJECT
 

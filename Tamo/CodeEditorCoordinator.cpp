@@ -23,7 +23,7 @@ using TypingAssistant::Input;
 
 constexpr Offset completionLookBack = 65'536;
 constexpr Offset completionLookAhead = 4'096; ///< To the end of a tag.
-constexpr std::size_t fewEdits = 1000;        ///< Of so many everybody may be told one by one.
+constexpr std::size_t fewEdits = 1000;        ///< Up to this number, receivers get each edit by itself.
 constexpr std::size_t mostMessages = 10;      ///< In one tool tip.
 constexpr std::size_t mostFixes = 20;         ///< Problems whose fixes one menu has.
 constexpr qsizetype longestShown = 120;       ///< Units of a message or title.

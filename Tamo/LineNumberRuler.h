@@ -15,8 +15,8 @@ class TextView;
 
 /// The gutter at the left of a text view: the number of every line that shows, counted from 1, and a red dot
 /// before the number of a line on which a diagnostic starts. The first number comes from the lines that it
-/// was given last, if there are any, and the others count on from it. A press selects the line, a drag several, and Shift extends
-/// what is selected. All in logical pixels.
+/// was given last, if there are any, and the others count on from it. A press selects the line, a drag several,
+/// and Shift extends what is selected. All in logical pixels.
 class LineNumberRuler : public QWidget {
     Q_OBJECT
 

@@ -45,8 +45,8 @@ public:
     explicit ReparseScheduler(QObject* parent = nullptr);
     ~ReparseScheduler() override;
 
-    /// `onMove` is called from now on wherever a parse had to copy the text. Whoever edits the text can go on
-    /// with the copy, and its old storage can go.
+    /// From now on, `onMove` is called each time a parse had to copy the text. The document can then use the
+    /// copy, so that the memory of its old storage is freed.
     void setOnMove(MoveStep onMove) { m_onMove = std::move(onMove); }
 
     /// Has `snapshot` asked for the text once `delay` is over, later than this call even for no delay, and
@@ -58,11 +58,11 @@ public:
     Result parseNow(Snapshot snapshot, const std::function<void(const std::function<void()>&)>& run);
 
     /// Takes a result that its owner needs no more: a large one is neither freed on the main thread nor
-    /// wasted, for the next parse writes into its storage, unless somebody else still reads it. After a rest
-    /// without a parse it is freed.
+    /// wasted: the next parse writes into its storage, unless that is still shared. After a rest without a
+    /// parse it is freed.
     void recycle(Result old);
 
-    /// Frees on a worker what nobody needs any more.
+    /// Frees `text` on a worker.
     static void free(Rope text);
 
 private:
